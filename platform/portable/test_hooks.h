@@ -1,0 +1,11 @@
+// What tests may change of the portable platform. Read by any thread.
+#pragma once
+
+#include <atomic>
+
+namespace corvane::platform {
+
+extern std::atomic<bool> SkipSleeps;          // SleepMs only yields: for endurance tests on a source without a clock
+extern std::atomic<bool> FailThreadCreation;  // Thread::Create fails
+
+}  // namespace corvane::platform

@@ -1,0 +1,65 @@
+#include "platform/component.h"
+
+#include <windows.h>
+
+namespace corvane::platform {
+
+namespace {
+
+std::string Utf8(const std::wstring& wide) {
+    std::string text(wide.size() * 3, '\0');
+    text.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()),
+                                                        text.data(), static_cast<int>(text.size()), nullptr, nullptr)));
+    return text;
+}
+
+std::wstring Wide(const std::string& utf8) {
+    std::wstring text(utf8.size(), L'\0');
+    text.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()),
+                                                        text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+HMODULE ComponentModule() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<const wchar_t*>(&ComponentModule), &module);
+    return module;
+}
+
+}  // namespace
+
+std::string ComponentFolder() {
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(ComponentModule(), path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            break;
+        }
+        path.resize(path.size() * 2);
+        if (path.size() > 65536) return {};  // beyond any path that the platform accepts
+    }
+    const size_t separator = path.rfind(L'\\');
+    return separator == std::wstring::npos ? std::string() : Utf8(path.substr(0, separator));
+}
+
+std::string FirstFile(const std::string& folder, const std::string& prefix, const std::string& suffix) {
+    WIN32_FIND_DATAW found = {};
+    const HANDLE search = FindFirstFileW(Wide(folder + "\\" + prefix + "*" + suffix).c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return {};
+    std::string name;
+    do {
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) name = Utf8(found.cFileName);
+    } while (name.empty() && FindNextFileW(search, &found));
+    FindClose(search);
+    return name;
+}
+
+std::string StringResource(int number) {
+    wchar_t text[1024] = {};  // the longest text of the table is far below
+    const int length = LoadStringW(ComponentModule(), static_cast<UINT>(number), text, 1024);
+    return length > 0 ? Utf8(std::wstring(text, static_cast<size_t>(length))) : std::string();
+}
+
+}  // namespace corvane::platform
