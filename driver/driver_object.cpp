@@ -1,0 +1,176 @@
+#include "driver/driver_object.h"
+
+#include <algorithm>
+
+#include "driver/lifecycle.h"
+#include "driver/model/driver_state.h"
+#include "engine/device.h"
+#include "engine/rate.h"
+#include "engine/recording.h"
+#include "engine/single_reading.h"
+#include "settings/dlgSetup.h"
+
+namespace corvane {
+
+DriverObject::DriverObject() : State_(AttachObject()) {}
+
+DriverObject::~DriverObject() {
+    DetachObject(State_);
+}
+
+std::string DriverObject::ADCName() const {
+    return State_.Device.ADCName;
+}
+
+uint8_t DriverObject::Resolution() const {
+    return State_.Device.Resolution;
+}
+
+int16_t DriverObject::ChannelsCount() const {
+    return State_.Device.ChannelsCount;
+}
+
+float DriverObject::RateMax() const {
+    return State_.Input.RateMax;
+}
+
+std::vector<std::string> DriverObject::Ranges() const {
+    return State_.Device.Ranges;
+}
+
+bool DriverObject::Detected() const {
+    return State_.Detected;
+}
+
+bool DriverObject::Test() {
+    if (!State_.Detected) {
+        State_.LastOpenResult = 0;
+        State_.Detected = OpenDevice(State_);
+        State_.LastOpenResult = State_.Detected ? int16_t{-1} : int16_t{0};
+    }
+    return State_.Detected;
+}
+
+int16_t DriverObject::BasePort() const {
+    return State_.LastOpenResult;
+}
+
+bool DriverObject::Busy() const {
+    return State_.Engine.Busy;
+}
+
+std::string DriverObject::ChannelName(int16_t index) const {
+    const DeviceInfo& device = State_.Device;
+    return device.ValidChannel(index) ? device.ChannelNames[static_cast<size_t>(index)] : std::string();
+}
+
+int16_t DriverObject::ChannelRange(int16_t index) const {
+    const DeviceInfo& device = State_.Device;
+    return device.ValidChannel(index) ? device.ChannelRanges[static_cast<size_t>(index)] : int16_t{0};
+}
+
+// A channel's range is the mezzanine that it sits on.
+void DriverObject::SetChannelRange(int16_t, int16_t) {}
+
+float DriverObject::ChannelUnitScale(int16_t index) const {
+    const DeviceInfo& device = State_.Device;
+    return device.ValidChannel(index) ? device.UnitScales[device.RangeOf(index)] : 0;
+}
+
+float DriverObject::ChannelUnitOffset(int16_t index) const {
+    const DeviceInfo& device = State_.Device;
+    return device.ValidChannel(index) ? device.UnitOffsets[device.RangeOf(index)] : 0;
+}
+
+std::string DriverObject::ChannelUnitName(int16_t index) const {
+    const DeviceInfo& device = State_.Device;
+    return device.ValidChannel(index) ? device.UnitNames[device.RangeOf(index)] : std::string();
+}
+
+float DriverObject::Rate() {
+    return ApplyRate(State_, State_.Input.Rate);
+}
+
+void DriverObject::SetRate(float rate) {
+    if (!State_.Engine.Busy) ApplyRate(State_, rate);
+}
+
+void DriverObject::SetInputSizeData(int32_t newSize) {
+    State_.Input.RequestedSize = newSize;
+    SetInputSize(State_.Input, true, 0);
+}
+
+int32_t DriverObject::InputSizeData() const {
+    return State_.Input.InputSizeData;
+}
+
+int32_t DriverObject::InputCountData() const {
+    return CountUnreadData(State_.Input);
+}
+
+int32_t DriverObject::InputSizeKadrs() const {
+    return State_.Input.InputSizeKadrs;
+}
+
+int32_t DriverObject::InputCountKadrs() const {
+    return State_.Input.Ring.Unread();
+}
+
+int16_t DriverObject::InputCountChannels() const {
+    return State_.Input.InputCountChannels();
+}
+
+std::vector<int16_t> DriverObject::InputChannels() const {
+    return State_.Input.ChTable;
+}
+
+void DriverObject::SetInputChannels(std::span<const int16_t> table) {
+    if (State_.Engine.Busy) return;
+    std::vector<int16_t> normalized(table.begin(), table.end());
+    NormalizeChannelTable(normalized, State_.Device.ChannelsCount);
+    State_.Input.ChTable = std::move(normalized);
+}
+
+int16_t DriverObject::GetChannel(int16_t index) {
+    return ReadChannelNow(State_, index);
+}
+
+std::vector<int16_t> DriverObject::GetKadr() {
+    return ReadKadrNow(State_);
+}
+
+bool DriverObject::StartRecord() {
+    return !State_.Engine.Busy && State_.Detected && StartRecording(State_);
+}
+
+void DriverObject::StopRecord() {
+    StopRecording(State_);
+}
+
+InputDataShape DriverObject::NextInputData() const {
+    const InputState& input = State_.Input;
+    const int32_t unread = input.Ring.Unread();
+    const auto channels = unread > 0 ? input.Ring.Channels() : input.InputCountChannels();
+    return {static_cast<int16_t>(channels), unread};
+}
+
+void DriverObject::TakeInputData(const InputDataShape& shape, int16_t* destination) {
+    InputState& input = State_.Input;
+    const std::vector<int16_t>& table = shape.Kadrs > 0 ? input.RecordedTable : input.ChTable;
+    destination = std::copy(table.begin(), table.end(), destination);
+    input.Ring.Read(destination, shape.Kadrs);
+}
+
+int32_t DriverObject::GetData(int16_t* data, int32_t& count, int32_t& remaining) {
+    return corvane::GetData(State_.Input, data, count, remaining);
+}
+
+std::string DriverObject::LastError() const {
+    return State_.Device.LastError;
+}
+
+bool DriverObject::ShowSetting() {
+    return corvane::ShowSetting(State_);
+}
+
+}  // namespace corvane

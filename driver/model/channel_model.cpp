@@ -1,0 +1,125 @@
+#include "driver/model/channel_model.h"
+
+#include <charconv>
+#include <cmath>
+
+#include "platform/ansi_text.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr float DefaultUnitScale = 32768.0f / 20;  // samples per unit of a ±10 range
+
+std::string TwoDigits(int32_t number) {
+    return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+void Resize(DeviceInfo& device, size_t ranges) {
+    device.RangesCount = static_cast<int16_t>(ranges);
+    device.Ranges.assign(ranges, {});
+    device.UnitNames.assign(ranges, {});
+    device.UnitScales.assign(ranges, DefaultUnitScale);
+    device.UnitOffsets.assign(ranges, 0);
+    device.ChannelsCount = static_cast<int16_t>(2 * ranges);
+    device.ChannelNames.assign(2 * ranges, {});
+    device.ChannelRanges.resize(2 * ranges);
+    for (size_t channel = 0; channel < 2 * ranges; channel++) {
+        device.ChannelRanges[channel] = static_cast<int16_t>(channel / 2);
+    }
+}
+
+// Shortest text that gives the number back, with the user's decimal separator. Plain digits as far as a reader likes
+// them.
+std::string NumberText(float number) {
+    if (number == 0) return "0";  // also for a negative zero
+    const float size = std::abs(number);
+    const bool plain = size >= 1e-4f && size < 1e7f;
+    char digits[64];
+    const auto end = std::to_chars(digits, digits + sizeof digits, number,
+                                   plain ? std::chars_format::fixed : std::chars_format::general);
+    std::string text(digits, end.ptr);
+    const size_t point = text.find('.');
+    if (point != std::string::npos) text.replace(point, 1, platform::DecimalSeparator());
+    return text;
+}
+
+std::string RangeText(const MezzanineInfo& mezzanine) {
+    const float top = mezzanine.Top;
+    const float bottom = mezzanine.Bottom;
+    std::string limits;
+    if (-bottom == top) {
+        limits = "±" + NumberText(top);
+    } else if (bottom < 0 && top > 0) {
+        limits = NumberText(bottom) + "…+" + NumberText(top);
+    } else {
+        limits = NumberText(bottom) + "…" + NumberText(top);
+    }
+    return limits + " " + mezzanine.Unit;
+}
+
+void DescribeRange(DeviceInfo& device, size_t range, const MezzanineInfo& mezzanine) {
+    device.UnitNames[range] = LatinUnitName(mezzanine.Unit);
+    const float span = mezzanine.Top - mezzanine.Bottom;
+    // A mezzanine whose memory holds no usable coefficients is shown by its name, with the default scale.
+    if (span == 0 || !std::isfinite(span)) {
+        device.Ranges[range] = mezzanine.Name;
+        return;
+    }
+    device.Ranges[range] = RangeText(mezzanine);
+    device.UnitScales[range] = 32768 / span;
+    device.UnitOffsets[range] = (mezzanine.Top + mezzanine.Bottom) / 2;
+}
+
+}  // namespace
+
+void SetDefaultModel(DeviceInfo& device) {
+    Resize(device, MezzaninePositions);
+    for (size_t position = 0; position < MezzaninePositions; position++) {
+        const std::string name = "M" + std::to_string(position + 1);
+        device.Ranges[position] = name;
+        device.ChannelNames[2 * position] = name + "-1";
+        device.ChannelNames[2 * position + 1] = name + "-2";
+    }
+}
+
+void BuildChannelModel(DeviceInfo& device, std::span<const ModuleRecord> modules) {
+    Resize(device, MezzaninePositions * modules.size());
+    for (size_t range = 0; range < device.Ranges.size(); range++) {
+        const ModuleRecord& module = modules[range / MezzaninePositions];
+        const size_t position = range % MezzaninePositions;
+        const MezzanineInfo& mezzanine = module.Mezzanines[position];
+        if (mezzanine.Name.empty()) {
+            device.Ranges[range] = "Empty";
+            device.ChannelNames[2 * range] = device.ChannelNames[2 * range + 1] = "Empty";
+            continue;
+        }
+        const std::string place = TwoDigits(module.Slot) + "_" + std::to_string(position + 1);
+        device.ChannelNames[2 * range] = place + "-1_" + mezzanine.Name;
+        device.ChannelNames[2 * range + 1] = place + "-2_" + mezzanine.Name;
+        DescribeRange(device, range, mezzanine);
+    }
+}
+
+std::string LatinUnitName(const std::string& unit) {
+    constexpr const char* Names[][2] = {{"В", "V"}, {"мВ", "mV"}, {"А", "A"}, {"мА", "mA"}, {"Ом", "Ohm"}};
+    for (const auto& [cyrillic, latin] : Names) {
+        if (unit == cyrillic) return latin;
+    }
+    return unit;
+}
+
+void NormalizeChannelTable(std::vector<int16_t>& table, int16_t channelsCount) {
+    if (channelsCount < 1) return;
+    std::vector<bool> marked(static_cast<size_t>(channelsCount));
+    for (const int16_t channel : table) {
+        if (channel >= 0 && channel < channelsCount) marked[static_cast<size_t>(channel)] = true;
+    }
+    table.clear();
+    for (int16_t channel = 0; channel < channelsCount; channel++) {
+        if (marked[static_cast<size_t>(channel)]) table.push_back(channel);
+    }
+    if (table.empty()) table.push_back(0);
+}
+
+}  // namespace corvane

@@ -1,0 +1,60 @@
+// The ring of kadrs between the recording thread and the host: one writer, one reader, no lock, nothing lost.
+//
+// - Memory is allocated once by Reset, while no writer runs; the ring keeps these dimensions until the next Reset.
+// - The writer adds whole blocks (Room, WritePlace, Commit); it never writes over an unread kadr. The length must be a
+//   whole multiple of the block, so that no block wraps.
+// - The reader takes any number of kadrs (Unread, Read); the positions that the host sees are views of its counters.
+// - Full and empty differ because the counters run on: they count kadrs modulo 2^32, and a ring is far shorter.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+namespace corvane {
+
+class DataRing {
+public:
+    // Clears the ring and gives it these dimensions. Neither side may be active. False when the memory can't be had;
+    // the ring, its unread kadrs included, is as before then.
+    bool Reset(int32_t channels, int32_t kadrs);
+
+    int32_t Channels() const { return Channels_; }  // samples of one kadr; 0 before the first Reset
+    int32_t Length() const { return Length_; }      // kadrs
+
+    // Writer's side.
+    bool Room(int32_t kadrs) const { return Length_ - Unread() >= kadrs; }
+    int16_t* WritePlace() { return Samples_.get() + Offset(WriteIndex_); }  // valid for one block, once there is Room
+    void Commit(int32_t kadrs);                                             // makes the block visible to the reader
+
+    // Reader's side. Read copies up to `kadrs` unread kadrs in at most two moves and returns how many; nothing for a
+    // count below 1.
+    int32_t Unread() const {
+        return static_cast<int32_t>(Written_.load(std::memory_order_acquire) - Read_.load(std::memory_order_acquire));
+    }
+    int32_t Read(int16_t* destination, int32_t kadrs);
+
+    // The host's positions, 1-based.
+    int32_t ReadPos() const { return ReadIndex_ + 1; }
+    int32_t LastWritten() const;  // 0: nothing was written since Reset
+    bool Drained() const { return Unread() == 0; }
+
+private:
+    struct Free {
+        void operator()(int16_t* samples) const { std::free(samples); }
+    };
+    size_t Offset(int32_t index) const { return static_cast<size_t>(index) * static_cast<size_t>(Channels_); }
+
+    std::unique_ptr<int16_t[], Free> Samples_;
+    int32_t Channels_ = 0;
+    int32_t Length_ = 0;
+    int32_t ReadIndex_ = 0;   // 0-based, the reader's alone
+    int32_t WriteIndex_ = 0;  // 0-based, the writer's alone
+
+    // On cache lines of their own, so that one side's stores don't stall the other.
+    alignas(64) std::atomic<uint32_t> Written_ = 0;  // kadrs; only the writer stores
+    alignas(64) std::atomic<uint32_t> Read_ = 0;     // kadrs; only the reader stores
+};
+
+}  // namespace corvane

@@ -1,0 +1,60 @@
+// One opened LTR27 module and the crate it sits in. Owned by the engine from opening to closing. While a recording
+// thread runs, the fields under "recording" and Handle are that thread's alone.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "hardware/vendor_records.h"
+
+namespace corvane {
+
+struct MezzanineInfo {
+    std::string Name;  // empty: nothing is fitted at this position
+    std::string Serial;
+    std::string Revision;
+    std::string Unit;
+    float Top = 1;      // physical value at ADC code 32768
+    float Bottom = -1;  // physical value at ADC code 0
+};
+
+struct ModuleRecord {
+    int32_t Slot = 0;  // crate slot, 1-based
+    std::string Name;
+    std::string Serial;
+    std::string Firmware;
+    std::string Info;  // description shown to the user
+    std::array<MezzanineInfo, MezzaninePositions> Mezzanines;
+
+    // recording
+    bool Used = false;          // takes part in the current recording
+    uint32_t StartTick = 0;     // ms, when its acquisition was started
+    int32_t Received = 0;       // words of the current block already processed; 0: none
+    uint32_t StreamWords = 0;   // words received since the start, modulo 2^32: tells where a kadr begins
+    std::vector<double> Block;  // one block of calibrated codes; word w is channel w mod 16 of kadr w div 16
+
+    // single readings
+    uint32_t PollTick = 0;  // ms, of the last reading
+    std::array<double, ModuleChannels> Snapshot = {};
+
+    TLTR27 Handle = {};
+};
+
+// True when the module channel (0 to 15) has a mezzanine under it.
+inline bool ChannelFitted(const ModuleRecord& module, int channel) {
+    return !module.Mezzanines[static_cast<size_t>(channel / 2)].Name.empty();
+}
+
+struct CrateInfo {
+    std::string Address;   // dotted address of the LTR server
+    uint32_t NetAddr = 0;  // the same as a number
+    std::string TypeName;
+    std::string Serial;
+    std::string Interface;
+    std::string Info;           // description shown to the user
+    int16_t MarkSTARTMode = 0;  // 0 to 7: the entries of the setup dialog's list
+};
+
+}  // namespace corvane

@@ -1,0 +1,196 @@
+#include "engine/acquisition.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "common/rounding.h"
+#include "driver/model/driver_state.h"
+#include "engine/module_control.h"
+#include "engine/rate.h"
+#include "engine/store_block.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr uint32_t Breath = 5;               // ms between two looks at something that needs time
+constexpr uint32_t StartMarks = 0xFFFF0000;  // the part of a time mark that counts START marks
+
+// One recording, as its thread sees it.
+class Acquisition {
+public:
+    explicit Acquisition(DriverState& state)
+        : State_(state), Engine_(state.Engine), Plan_(PlanStore(state.Engine, state.Input.RecordedTable)) {}
+
+    void Run();
+
+private:
+    bool Busy() const { return Engine_.Busy; }
+    void Align();
+    void WaitStartMark();
+    void WaitForRoom();
+    void ReceiveBlock();
+    int32_t Receive(ModuleRecord& module, int32_t from, int32_t count, bool withMarks);
+    int32_t ReceiveWholeKadrs(ModuleRecord& module, bool withMarks);
+    void DropWords(int32_t& words, int32_t count);
+    int32_t FindStartMark(int32_t words) const;
+    void CompleteBlock(ModuleRecord& module, int32_t words);
+    void PauseUntil(uint32_t startTick, int32_t milliseconds) const;
+
+    DriverState& State_;
+    EngineState& Engine_;
+    const StorePlan Plan_;
+};
+
+void Acquisition::Run() {
+    if (Engine_.MarkRef == NoMark) {
+        Align();
+        if (Busy()) ReceiveBlock();
+    } else {
+        WaitStartMark();
+    }
+    while (Busy()) {
+        StoreBlock(Plan_, Engine_.BlockKadrs, State_.Input.Ring.WritePlace());
+        State_.Input.Ring.Commit(Engine_.BlockKadrs);
+        WaitForRoom();
+        if (Busy()) ReceiveBlock();
+    }
+}
+
+// Leaves the host a breath after every block, and waits while a whole block has no room: unread kadrs stay.
+void Acquisition::WaitForRoom() {
+    do {
+        platform::SleepMs(Breath);
+    } while (Busy() && !State_.Input.Ring.Room(Engine_.BlockKadrs));
+}
+
+// Without a common START mark: drops what each module acquired before the last one was started.
+void Acquisition::Align() {
+    const uint32_t reference = Engine_.UsedModules().back().StartTick;
+    for (ModuleRecord& module : Engine_.UsedModules()) {
+        if (!module.Used || &module == &Engine_.UsedModules().back()) continue;
+        const auto lead = static_cast<int32_t>(reference - module.StartTick);
+        int64_t skip = int64_t{ModuleChannels} * RoundToInt32(double(lead) * double(Engine_.BlockRate) / 1000);
+        while (skip > 0 && Busy()) {
+            const int32_t part = static_cast<int32_t>(std::min<int64_t>(skip, Engine_.BlockWords));
+            if (Receive(module, 0, part, false) <= 0) platform::SleepMs(Breath);
+            skip -= part;
+        }
+    }
+}
+
+// Drops everything before the first kadr that carries a new START mark, in every module. Ends with each used module's
+// first block received, or when the recording is stopped.
+void Acquisition::WaitStartMark() {
+    bool pending = true;
+    while (Busy() && pending) {
+        pending = false;
+        for (ModuleRecord& module : Engine_.UsedModules()) {
+            if (!module.Used || module.Received > 0) continue;
+            int32_t words = ReceiveWholeKadrs(module, true);
+            if (!Busy()) return;
+            int32_t start = FindStartMark(words);
+            if (start < words) {
+                DropWords(words, start);
+                CompleteBlock(module, words);
+            }
+            if (module.Received <= 0) pending = true;
+        }
+        if (pending) platform::SleepMs(Breath);
+    }
+}
+
+// First word of the first kadr with a new START mark; `words` or more when there is none.
+int32_t Acquisition::FindStartMark(int32_t words) const {
+    int32_t word = 0;
+    while (word < words) {
+        const uint32_t mark = Engine_.MarkBuffer[static_cast<size_t>(word)] & StartMarks;
+        if (mark != static_cast<uint32_t>(Engine_.MarkRef)) break;
+        word += ModuleChannels;
+    }
+    return word;
+}
+
+void Acquisition::ReceiveBlock() {
+    const uint32_t startTick = platform::TickCount();
+    bool delivered = false;
+    for (ModuleRecord& module : Engine_.UsedModules()) {
+        if (!module.Used) continue;
+        module.Received = 0;
+        const int32_t words = ReceiveWholeKadrs(module, false);
+        if (words > 0) {
+            CompleteBlock(module, words);
+            delivered = true;
+        }
+        if (!Busy()) return;
+    }
+    // Modules that fail at once pace nothing: without this the ring would fill with repeated blocks in no time.
+    if (!delivered) PauseUntil(startTick, RoundToInt32(Engine_.BlockKadrs * 1000.0 / Engine_.BlockRate));
+}
+
+void Acquisition::PauseUntil(uint32_t startTick, int32_t milliseconds) const {
+    while (Busy() && static_cast<int32_t>(platform::TickCount() - startTick) < milliseconds) {
+        platform::SleepMs(Breath);
+    }
+}
+
+// Receives up to `count` words to place `from` of the receive buffer. Words received, 0 or a negative code.
+int32_t Acquisition::Receive(ModuleRecord& module, int32_t from, int32_t count, bool withMarks) {
+    uint32_t* data = Engine_.ReceiveBuffer.data() + from;
+    uint32_t* marks = withMarks ? Engine_.MarkBuffer.data() + from : nullptr;
+    const int32_t words = State_.ModuleApi.RecvWithMarks(module.Handle, data, marks, static_cast<uint32_t>(count),
+                                                         static_cast<uint32_t>(Engine_.RecvTimeout));
+    if (words > 0) module.StreamWords += static_cast<uint32_t>(std::min(words, count));
+    return std::min(words, count);
+}
+
+// Receives up to a block that begins with a kadr's first word. After a receive that broke off inside a kadr, that kadr
+// has been padded and stored; its late words are dropped, so that every channel stays in its place.
+int32_t Acquisition::ReceiveWholeKadrs(ModuleRecord& module, bool withMarks) {
+    const auto late = static_cast<int32_t>((0u - module.StreamWords) % ModuleChannels);
+    int32_t words = Receive(module, 0, Engine_.BlockWords, withMarks);
+    if (words > 0) DropWords(words, std::min(late, words));
+    return words;
+}
+
+// Moves what follows the first `count` words of the receive and mark buffers to their start.
+void Acquisition::DropWords(int32_t& words, int32_t count) {
+    if (count <= 0) return;
+    words -= count;
+    const size_t bytes = static_cast<size_t>(words) * sizeof(uint32_t);
+    std::memmove(Engine_.ReceiveBuffer.data(), Engine_.ReceiveBuffer.data() + count, bytes);
+    std::memmove(Engine_.MarkBuffer.data(), Engine_.MarkBuffer.data() + count, bytes);
+}
+
+// Makes the module's block of the `words` in the receive buffer, after one more try for the missing ones. What doesn't
+// come is mid-scale, sample 0. A block that can't be processed leaves the previous one in place.
+void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
+    constexpr int32_t Calibrate = 1;
+    constexpr int32_t KeepCodes = 0;
+    if (words < Engine_.BlockWords) {
+        words += std::max(Receive(module, words, Engine_.BlockWords - words, false), 0);
+    }
+    if (words <= 0) return;
+    auto size = static_cast<uint32_t>(words);
+    if (!State_.ModuleApi.ProcessData(module.Handle, Engine_.ReceiveBuffer.data(), module.Block.data(), size, Calibrate,
+                                      KeepCodes)) {
+        return;
+    }
+    const size_t values = std::min<size_t>(size, module.Block.size());
+    std::fill(module.Block.begin() + static_cast<ptrdiff_t>(values), module.Block.end(), double(MidScale));
+    module.Received = Engine_.BlockWords;
+}
+
+}  // namespace
+
+void AcquisitionThread(void* driverState) {
+    auto& state = *static_cast<DriverState*>(driverState);
+    try {
+        if (state.Engine.Busy) Acquisition(state).Run();
+    } catch (...) {
+        // Only the plan's memory can fail; the recording then ends before it began.
+    }
+    StopAllModules(state);
+}
+
+}  // namespace corvane

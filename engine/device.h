@@ -1,0 +1,17 @@
+// Opening and closing the device: the modules of one crate.
+#pragma once
+
+#include "driver/model/driver_state.h"
+
+namespace corvane {
+
+// Looks for crates with modules named as ADCName, opens up to two modules of one crate, reads their descriptions and
+// rebuilds the channel model. False with the failing step's message in LastError; a search that finds nothing and a
+// cancelled dialog leave LastError as it was.
+bool OpenDevice(DriverState& state);
+
+// Ends a recording, waits for its thread and closes every module. False when the thread never came back from the vendor
+// library: nothing is closed then, and the state must stay for as long as the process lives.
+bool CloseDevice(DriverState& state);
+
+}  // namespace corvane

@@ -1,0 +1,12 @@
+// Stopping the opened modules.
+#pragma once
+
+#include "driver/model/driver_state.h"
+
+namespace corvane {
+
+// Clears the busy flag, then stops every opened module. Called by the recording thread at its end, otherwise only when
+// no recording thread runs.
+void StopAllModules(DriverState& state);
+
+}  // namespace corvane

@@ -1,0 +1,54 @@
+#include "engine/rate.h"
+
+#include <algorithm>
+
+#include "common/rounding.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr double ModuleClock = 1000;  // Hz: the module samples at ModuleClock / (divisor + 1)
+
+float LimitRate(const InputState& input, float rate) {
+    if (rate > input.RateMax) return input.RateMax;
+    return rate >= input.RateMin ? rate : input.RateMin;
+}
+
+int32_t DivisorFor(float limitedRate) {
+    return std::clamp(RoundToInt32(ModuleClock / limitedRate - 1), 0, 255);
+}
+
+}  // namespace
+
+float ApplyRate(DriverState& state, float& rate) {
+    rate = LimitRate(state.Input, rate);
+    const int32_t divisor = DivisorFor(rate);
+    if (!state.Engine.Thread.Running()) {
+        for (ModuleRecord& module : state.Engine.Opened()) {
+            module.Handle.FrequencyDivisor = static_cast<uint8_t>(divisor);
+        }
+    }
+    state.Input.Rate = static_cast<float>(ModuleClock / (divisor + 1));
+    return state.Input.Rate;
+}
+
+float EffectiveRate(const InputState& input, float rate) {
+    return static_cast<float>(ModuleClock / (DivisorFor(LimitRate(input, rate)) + 1));
+}
+
+int32_t BlockKadrsFor(float rate) {
+    int32_t kadrs = 1;
+    while (static_cast<float>(kadrs * 20) < rate) kadrs *= 2;  // compared as products: the quotient would be rounded
+    return kadrs;
+}
+
+int32_t RecvTimeoutFor(float rate, int32_t blockKadrs) {
+    return RoundToInt32(blockKadrs * (1000.0 / rate)) + 500;
+}
+
+uint32_t StopWaitFor(float rate, int32_t blockKadrs) {
+    return blockKadrs > 0 ? static_cast<uint32_t>(RoundToInt32(blockKadrs * 2000.0 / rate)) : 0;
+}
+
+}  // namespace corvane

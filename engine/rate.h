@@ -1,0 +1,27 @@
+// The rate rules of the module and the sizes that follow from a rate.
+#pragma once
+
+#include <cstdint>
+
+#include "driver/model/driver_state.h"
+
+namespace corvane {
+
+// Brings a rate to one that the module can run at, 1000 / (d + 1) Hz from 4 to 1000, and stores it: `rate` is limited
+// in place (NaN counts as too low), Input.Rate and the result are the effective rate. The divisor is written into every
+// opened module's record unless a recording thread works on it; it takes effect with the next SetConfig.
+float ApplyRate(DriverState& state, float& rate);
+
+// Effective rate in Hz that ApplyRate would give.
+float EffectiveRate(const InputState& input, float rate);
+
+// Kadrs a block: the smallest power of two that lasts at least 50 ms. rate: effective, Hz.
+int32_t BlockKadrsFor(float rate);
+
+// Longest wait for one block, ms: its duration and half a second.
+int32_t RecvTimeoutFor(float rate, int32_t blockKadrs);
+
+// Two block periods in ms: how long stopping waits for the recording thread.
+uint32_t StopWaitFor(float rate, int32_t blockKadrs);
+
+}  // namespace corvane

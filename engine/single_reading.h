@@ -1,0 +1,19 @@
+// Immediate readings of single channels, straight from the modules. While a recording thread lives, the modules are its
+// own: readings answer 0 then, without touching the hardware.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "driver/model/driver_state.h"
+
+namespace corvane {
+
+// One sample of a channel; 0 when the channel has no module or no mezzanine. A module is read at most every 400 ms; in
+// between its last reading is given.
+int16_t ReadChannelNow(DriverState& state, int16_t index);
+
+// One sample of every selected channel.
+std::vector<int16_t> ReadKadrNow(DriverState& state);
+
+}  // namespace corvane

@@ -1,0 +1,92 @@
+#include "engine/store_block.h"
+
+#include <emmintrin.h>
+
+#include <algorithm>
+
+#include "common/rounding.h"
+
+namespace corvane {
+
+namespace {
+
+// Two values to the nearest 32-bit integers within 16 bits. The operand order makes NaN the lowest value; the
+// conversion alone would turn large positive values into it too.
+__m128i RoundTwo(const double* values) {
+    const __m128d lowest = _mm_set1_pd(-32768);
+    const __m128d highest = _mm_set1_pd(32767);
+    return _mm_cvtpd_epi32(_mm_min_pd(_mm_max_pd(_mm_loadu_pd(values), lowest), highest));
+}
+
+__m128i EightSamples(const double* values) {
+    const __m128i low = _mm_unpacklo_epi64(RoundTwo(values), RoundTwo(values + 2));
+    const __m128i high = _mm_unpacklo_epi64(RoundTwo(values + 4), RoundTwo(values + 6));
+    return _mm_subs_epi16(_mm_packs_epi32(low, high), _mm_set1_epi16(MidScale));
+}
+
+void StoreDense(const StorePlan& plan, int32_t kadrs, int16_t* ring) {
+    for (size_t m = 0; m < plan.Dense.size(); m++) {
+        const StorePlan::DenseModule& module = plan.Dense[m];
+        const auto* fitted = reinterpret_cast<const __m128i*>(module.Fitted);
+        const __m128i low = _mm_load_si128(fitted);
+        const __m128i high = _mm_load_si128(fitted + 1);
+        const double* values = module.Block;
+        int16_t* kadr = ring + m * ModuleChannels;
+        for (int32_t k = 0; k < kadrs; k++, values += ModuleChannels, kadr += plan.Channels) {
+            auto* samples = reinterpret_cast<__m128i*>(kadr);
+            _mm_storeu_si128(samples, _mm_and_si128(EightSamples(values), low));
+            _mm_storeu_si128(samples + 1, _mm_and_si128(EightSamples(values + 8), high));
+        }
+    }
+}
+
+void StoreSparse(const StorePlan& plan, int32_t kadrs, int16_t* ring) {
+    for (int32_t k = 0; k < kadrs; k++, ring += plan.Channels) {
+        const ptrdiff_t offset = ptrdiff_t{k} * ModuleChannels;
+        for (const StorePlan::Source& source : plan.Sparse) ring[source.Position] = SampleOf(source.First[offset]);
+    }
+}
+
+bool WholeModules(const std::vector<int16_t>& table) {
+    if (table.size() % ModuleChannels != 0) return false;
+    for (size_t position = 0; position < table.size(); position++) {
+        if (table[position] % ModuleChannels != static_cast<int>(position % ModuleChannels)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+StorePlan PlanStore(const EngineState& engine, const std::vector<int16_t>& table) {
+    StorePlan plan;
+    plan.Channels = static_cast<int16_t>(table.size());
+    const bool dense = WholeModules(table);
+    for (size_t position = 0; position < table.size(); position++) {
+        const auto index = static_cast<size_t>(table[position] / ModuleChannels);
+        const int channel = table[position] % ModuleChannels;
+        if (index >= engine.Opened().size()) continue;
+        const ModuleRecord& module = engine.Modules[index];
+        if (dense && channel == 0) plan.Dense.push_back({module.Block.data(), {}});
+        if (!ChannelFitted(module, channel)) continue;
+        if (dense) {
+            plan.Dense.back().Fitted[channel] = -1;
+        } else {
+            plan.Sparse.push_back({static_cast<int16_t>(position), module.Block.data() + channel});
+        }
+    }
+    return plan;
+}
+
+int16_t SampleOf(double code) {
+    return static_cast<int16_t>(std::max(ClampToInt16(code) - MidScale, -32768));
+}
+
+void StoreBlock(const StorePlan& plan, int32_t kadrs, int16_t* ring) {
+    if (plan.Dense.empty()) {
+        StoreSparse(plan, kadrs, ring);
+    } else {
+        StoreDense(plan, kadrs, ring);
+    }
+}
+
+}  // namespace corvane

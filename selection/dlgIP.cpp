@@ -1,0 +1,10 @@
+#include "selection/dlgIP.h"
+
+namespace corvane {
+
+// There is no dialog yet: nobody chooses.
+uint32_t SelectIP(DriverState&) {
+    return 0;
+}
+
+}  // namespace corvane
