@@ -1,0 +1,62 @@
+#include "simulator/fault_list.h"
+
+#include "simulator/error_codes.h"
+
+namespace ltrsim {
+
+namespace {
+
+bool Aims(const Fault& fault, const Target& target) {
+    return (!fault.Server || *fault.Server == target.Server) && (!fault.Crate || *fault.Crate == target.Crate) &&
+           (!fault.Slot || *fault.Slot == target.Slot);
+}
+
+Verdict VerdictOf(const Fault& fault) {
+    Verdict verdict;
+    switch (fault.Kind) {
+        case FaultKind::Error:
+            verdict.Error = fault.Code;
+            break;
+        case FaultKind::Delay:
+            verdict.Delay = fault.Seconds;
+            break;
+        case FaultKind::Short:
+            verdict.Short = fault.Words;
+            break;
+        case FaultKind::Stall:
+            verdict.Stall = true;
+            break;
+        case FaultKind::Unplug:
+            verdict.Error = Unplugged;
+            break;
+    }
+    return verdict;
+}
+
+}  // namespace
+
+void FaultList::Replace(const std::vector<Fault>& faults) {
+    Clear();
+    for (const Fault& fault : faults) Add(fault);
+}
+
+bool FaultList::Acts(Entry& entry, std::string_view call, const Target& target, double elapsed) {
+    const Fault& fault = entry.Plan;
+    if (!Aims(fault, target)) return false;
+    if (entry.Unplugs) return true;
+    if ((!fault.Call.empty() && fault.Call != call) || elapsed < fault.At) return false;
+    if (++entry.Matched <= fault.After || (fault.Times && entry.Acted >= *fault.Times)) return false;
+    ++entry.Acted;
+    entry.Unplugs = fault.Kind == FaultKind::Unplug;
+    return true;
+}
+
+Verdict FaultList::Judge(std::string_view call, const Target& target, double elapsed) {
+    std::optional<Verdict> verdict;
+    for (Entry& entry : Entries) {
+        if (Acts(entry, call, target, elapsed) && !verdict) verdict = VerdictOf(entry.Plan);
+    }
+    return verdict.value_or(Verdict{});
+}
+
+}  // namespace ltrsim

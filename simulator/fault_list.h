@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "simulator/scenario.h"
+
+namespace ltrsim {
+
+// What a call is about. Slot 0: the crate itself; an empty serial: the server.
+struct Target {
+    uint32_t Server = 0;
+    std::string Crate;
+    uint32_t Slot = 0;
+};
+
+// What the faults make of one call.
+struct Verdict {
+    int32_t Error = 0;
+    double Delay = 0;               // s, before the call goes on
+    std::optional<uint32_t> Short;  // words that LTR27_Recv delivers at most
+    bool Stall = false;
+};
+
+// The faults in force. Not safe from several threads: the world's lock guards it.
+class FaultList {
+public:
+    void Replace(const std::vector<Fault>& faults);
+    void Add(const Fault& fault) { Entries.push_back({fault, 0, 0, false}); }
+    void Clear() { Entries.clear(); }
+
+    // Judges and counts one call, `elapsed` seconds after the scenario was set. The first fault that acts decides;
+    // every fault that matches counts the call.
+    Verdict Judge(std::string_view call, const Target& target, double elapsed);
+
+private:
+    struct Entry {
+        Fault Plan;
+        int64_t Matched = 0;
+        int64_t Acted = 0;
+        bool Unplugs = false;  // the target of this fault is gone
+    };
+
+    static bool Acts(Entry& entry, std::string_view call, const Target& target, double elapsed);
+
+    std::vector<Entry> Entries;
+};
+
+}  // namespace ltrsim

@@ -1,0 +1,130 @@
+#include "simulator/module_stream.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace ltrsim {
+
+namespace {
+
+constexpr uint32_t KadrWords = corvane::ModuleChannels;
+constexpr std::chrono::milliseconds LongestWait{60000};  // no driver waits longer; a simulation must end
+
+Clock::duration Seconds(double seconds) {
+    return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+}
+
+Clock::time_point Deadline(uint32_t timeoutMs) {
+    return Clock::now() + std::min<std::chrono::milliseconds>(std::chrono::milliseconds(timeoutMs), LongestWait);
+}
+
+}  // namespace
+
+void ModuleStream::Start(const StreamStart& start) {
+    const std::scoped_lock lock(Mutex);
+    Begun = start;
+    NextWord = 0;
+    MarkKadrs.clear();
+    Runs = true;
+}
+
+void ModuleStream::Stop() {
+    const std::scoped_lock lock(Mutex);
+    Runs = false;
+    Changed.notify_all();
+}
+
+bool ModuleStream::Running() const {
+    const std::scoped_lock lock(Mutex);
+    return Runs;
+}
+
+void ModuleStream::Abandon() {
+    const std::scoped_lock lock(Mutex);
+    Runs = false;
+    Abandoned = true;
+    Changed.notify_all();
+}
+
+void ModuleStream::AddMarkAt(Clock::time_point moment) {
+    const std::scoped_lock lock(Mutex);
+    if (!Runs || Begun.Speed == 0) return;
+    const double kadrs = std::chrono::duration<double>(moment - Begun.Begin).count() * Begun.Rate * Begun.Speed;
+    MarkKadrs.push_back(static_cast<int64_t>(std::max(kadrs, 0.0)));
+}
+
+void ModuleStream::AddMarkAfter(int64_t kadrs, double seconds) {
+    const std::scoped_lock lock(Mutex);
+    if (!Runs) return;
+    const int64_t nextKadr = (NextWord + KadrWords - 1) / KadrWords;
+    MarkKadrs.push_back(nextKadr + kadrs + static_cast<int64_t>(std::ceil(seconds * Begun.Rate)));
+}
+
+// Kadr k is there once it has been sampled, (k + 1) periods after the start.
+int64_t ModuleStream::WordsThere(Clock::time_point now) const {
+    if (!Runs) return 0;
+    if (Begun.Speed == 0) return std::numeric_limits<int64_t>::max();
+    const double elapsed = std::chrono::duration<double>(now - Begun.Begin).count();
+    return static_cast<int64_t>(elapsed * Begun.Rate * Begun.Speed) * KadrWords - NextWord;
+}
+
+Clock::time_point ModuleStream::MomentOf(int64_t words) const {
+    const double kadrs = static_cast<double>((words + KadrWords - 1) / KadrWords);
+    // A little later, so that rounding never makes a waiter wake up one kadr early.
+    return Begun.Begin + Seconds(kadrs / (Begun.Rate * Begun.Speed)) + std::chrono::microseconds(50);
+}
+
+uint32_t ModuleStream::MarkOf(int64_t kadr) const {
+    const double perSecond = Begun.Speed == 0 ? Begun.Rate : Begun.Rate * Begun.Speed;
+    const double seconds = Begun.CrateSeconds + static_cast<double>(kadr + 1) / perSecond;
+    uint32_t starts = Begun.StartMarks;
+    for (const int64_t first : MarkKadrs) starts += first <= kadr ? 1u : 0u;
+    return starts << 16 | (static_cast<uint32_t>(static_cast<int64_t>(seconds)) & 0xFFFF);
+}
+
+void ModuleStream::Deliver(uint32_t* words, uint32_t* marks, uint32_t count) {
+    for (uint32_t done = 0; done < count;) {
+        const int64_t kadr = NextWord / KadrWords;
+        const uint32_t skip = static_cast<uint32_t>(NextWord % KadrWords);
+        const uint32_t left = count - done;
+        uint32_t taken = left / KadrWords * KadrWords;
+        if (skip == 0 && taken != 0) {
+            Source.FillKadrs(kadr, taken / KadrWords, Begun.Rate, words + done);
+        } else {
+            uint32_t whole[KadrWords];
+            Source.FillKadrs(kadr, 1, Begun.Rate, whole);
+            taken = std::min(left, KadrWords - skip);
+            std::copy_n(whole + skip, taken, words + done);
+        }
+        for (uint32_t at = 0; marks && at < taken;) {
+            const uint32_t same = std::min(taken - at, KadrWords - (at == 0 ? skip : 0));
+            std::fill_n(marks + done + at, same, MarkOf((NextWord + at) / KadrWords));
+            at += same;
+        }
+        NextWord += taken;
+        done += taken;
+    }
+}
+
+uint32_t ModuleStream::Receive(uint32_t* words, uint32_t* marks, uint32_t count, uint32_t timeoutMs) {
+    const Clock::time_point deadline = Deadline(timeoutMs);
+    std::unique_lock lock(Mutex);
+    for (;;) {
+        const Clock::time_point now = Clock::now();
+        const int64_t there = WordsThere(now);
+        if (there >= count || now >= deadline || Abandoned) {
+            const uint32_t taken = static_cast<uint32_t>(std::clamp<int64_t>(there, 0, count));
+            Deliver(words, marks, taken);
+            return taken;
+        }
+        Changed.wait_until(lock, Runs ? std::min(deadline, MomentOf(NextWord + count)) : deadline);
+    }
+}
+
+void ModuleStream::WaitInVain(uint32_t timeoutMs) {
+    std::unique_lock lock(Mutex);
+    Changed.wait_until(lock, Deadline(timeoutMs), [this] { return Abandoned; });
+}
+
+}  // namespace ltrsim

@@ -1,0 +1,64 @@
+// The conversion stream of one opened module: when its words are there, what they hold, and which time mark they carry.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+#include "simulator/signal.h"
+
+namespace ltrsim {
+
+using Clock = std::chrono::steady_clock;
+
+// Start to now of a crate, as a start or a request needs it.
+struct StreamStart {
+    double Rate = 0;   // Hz
+    double Speed = 0;  // as Scenario::Speed
+    Clock::time_point Begin;
+    double CrateSeconds = 0;  // of the crate's seconds count, at Begin
+    uint32_t StartMarks = 0;  // START marks of the crate so far
+};
+
+// Safe from any thread; a waiting Receive holds no lock.
+class ModuleStream {
+public:
+    explicit ModuleStream(const Module& module) : Source(module) {}
+
+    void Start(const StreamStart& start);
+    void Stop();
+    bool Running() const;
+    // Wakes a waiting Receive and ends the stream for good.
+    void Abandon();
+
+    // The kadrs sampled after `moment` carry one START mark more. Ignored while stopped and at speed 0.
+    void AddMarkAt(Clock::time_point moment);
+    // The same from the kadr on that comes `kadrs` after the next one to be delivered, or `seconds` of sampled time
+    // later.
+    void AddMarkAfter(int64_t kadrs, double seconds);
+
+    // Waits up to `timeoutMs` (at most a minute) for `count` words; delivers what is there and returns its number.
+    // `marks` may be null.
+    uint32_t Receive(uint32_t* words, uint32_t* marks, uint32_t count, uint32_t timeoutMs);
+    // As a Receive to which nothing comes.
+    void WaitInVain(uint32_t timeoutMs);
+
+private:
+    int64_t WordsThere(Clock::time_point now) const;
+    Clock::time_point MomentOf(int64_t words) const;
+    uint32_t MarkOf(int64_t kadr) const;
+    void Deliver(uint32_t* words, uint32_t* marks, uint32_t count);
+
+    const ModuleSource Source;
+    mutable std::mutex Mutex;  // guards all that follows
+    std::condition_variable Changed;
+    bool Runs = false;
+    bool Abandoned = false;
+    StreamStart Begun;
+    int64_t NextWord = 0;            // words delivered since the start
+    std::vector<int64_t> MarkKadrs;  // the kadr from which on one more START mark counts
+};
+
+}  // namespace ltrsim
