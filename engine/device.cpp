@@ -1,7 +1,6 @@
 #include "engine/device.h"
 
-#include <algorithm>
-#include <iterator>
+#include <cstring>
 
 #include "engine/module_control.h"
 #include "engine/rate.h"
@@ -63,8 +62,9 @@ bool OpenModule(DriverState& state, ModuleRecord& module, const CrateListEntry& 
     module.Info = ModuleInfoText(module);
     for (size_t k = 0; k < module.Mezzanines.size(); k++) {
         // What the library calibrates with is its own default until the factory's coefficients are put in.
-        std::copy(std::begin(handle.Description[k].Calibration), std::end(handle.Description[k].Calibration),
-                  std::begin(handle.Config[k].Calibration));
+        // As bytes: the packed records don't align doubles.
+        std::memcpy(&handle.Config[k].Calibration, &handle.Description[k].Calibration,
+                    sizeof handle.Config[k].Calibration);
         module.Mezzanines[k] = ReadMezzanine(handle.Description[k], handle.Config[k]);
     }
     module.PollTick = platform::TickCount();
