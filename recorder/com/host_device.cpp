@@ -1,0 +1,235 @@
+// The driver through COM, as any host reaches it: the component is found by its name in the registry, and used through
+// IADC3 alone.
+#include "recorder/host_device.h"
+
+#include <windows.h>
+// windows.h first: the others build on it.
+#include <ADCInterface3.h>
+#include <fmt/format.h>
+#include <objbase.h>
+#include <oleauto.h>
+
+#include "recorder/failure.h"
+
+namespace corvane::recorder {
+namespace {
+
+std::string Utf8(BSTR text) {
+    const int length = static_cast<int>(SysStringLen(text));
+    std::string utf8(static_cast<size_t>(length) * 3, '\0');  // a UTF-16 unit makes three bytes at most
+    const int bytes =
+        WideCharToMultiByte(CP_UTF8, 0, text, length, utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr);
+    utf8.resize(static_cast<size_t>(bytes));
+    return utf8;
+}
+
+uint32_t Code(HRESULT result) {
+    return static_cast<uint32_t>(result);
+}
+
+void Check(HRESULT result, const char* member) {
+    if (FAILED(result)) {
+        throw Failure(ExitCode::NoDriver, fmt::format("The driver's {} failed with 0x{:08X}.", member, Code(result)));
+    }
+}
+
+[[noreturn]] void ThrowNotCreated(HRESULT result) {
+    const char* what = "Its file may be damaged: install Corvane again, then register it with: regsvr32 Corvane.adc";
+    switch (Code(result)) {
+        case 0x800401F3:  // CO_E_CLASSSTRING: no such name in the registry
+        case 0x80040154:  // REGDB_E_CLASSNOTREG
+            throw Failure(ExitCode::NoDriver, "Corvane is not registered. Register it with: regsvr32 Corvane.adc");
+        case 0x8007007E:  // a library was not found: on Windows
+        case 0x80070005:  // the same under Wine
+            what = "ltrapi.dll and ltr27api.dll must lie beside Corvane.adc; install the LTR server software.";
+            break;
+        case 0x800700C1:  // not a valid image
+            what = "One of Corvane.adc, ltrapi.dll and ltr27api.dll is not a 32-bit library.";
+            break;
+        default:
+            break;
+    }
+    throw Failure(ExitCode::NoDriver, fmt::format("Corvane can't be loaded (0x{:08X}). {}", Code(result), what));
+}
+
+// Elements of a one-dimensional array, taken over from the driver and freed here.
+template <typename Element, typename Value>
+std::vector<Value> TakeArray(SAFEARRAY* array, const char* member, Value (*convert)(Element)) {
+    LONG lower = 0;
+    LONG upper = -1;
+    void* data = nullptr;
+    std::vector<Value> values;
+    HRESULT result = array == nullptr ? E_POINTER : SafeArrayGetLBound(array, 1, &lower);
+    if (SUCCEEDED(result)) result = SafeArrayGetUBound(array, 1, &upper);
+    if (SUCCEEDED(result)) result = SafeArrayAccessData(array, &data);
+    if (SUCCEEDED(result)) {
+        const auto* elements = static_cast<const Element*>(data);
+        for (LONG i = 0; i <= upper - lower; i++) values.push_back(convert(elements[i]));
+        SafeArrayUnaccessData(array);
+    }
+    if (array != nullptr) SafeArrayDestroy(array);
+    Check(result, member);
+    return values;
+}
+
+}  // namespace
+
+struct HostDevice::Driver {
+    Driver();
+    ~Driver() {
+        Device->Release();
+        CoUninitialize();
+    }
+    Driver(const Driver&) = delete;
+    Driver& operator=(const Driver&) = delete;
+
+    template <typename Value>
+    Value Get(HRESULT (STDMETHODCALLTYPE IADC3::*member)(Value*), const char* name) const {
+        Value value{};
+        Check((Device->*member)(&value), name);
+        return value;
+    }
+
+    template <typename Value>
+    Value Get(HRESULT (STDMETHODCALLTYPE IADC3::*member)(short*, Value*), short index, const char* name) const {
+        Value value{};
+        Check((Device->*member)(&index, &value), name);
+        return value;
+    }
+
+    IADC3* Device = nullptr;
+};
+
+namespace {
+
+std::string TakeText(BSTR text) {
+    std::string utf8 = Utf8(text);
+    SysFreeString(text);
+    return utf8;
+}
+
+}  // namespace
+
+HostDevice::Driver::Driver() {
+    Check(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), "start of COM");
+    CLSID classId{};
+    IUnknown* object = nullptr;
+    HRESULT result = CLSIDFromProgID(L"Tessmark.Corvane", &classId);
+    if (SUCCEEDED(result)) {
+        result = CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&object));
+    }
+    if (FAILED(result)) {
+        CoUninitialize();
+        ThrowNotCreated(result);
+    }
+    result = object->QueryInterface(IID_PPV_ARGS(&Device));
+    object->Release();
+    if (FAILED(result)) {
+        CoUninitialize();
+        throw Failure(ExitCode::NoDriver,
+                      fmt::format("The component Tessmark.Corvane does not offer IADC3 (0x{:08X}). Another program may "
+                                  "have taken its name: register Corvane again with: regsvr32 Corvane.adc",
+                                  Code(result)));
+    }
+}
+
+HostDevice::HostDevice() : Driver_(std::make_unique<Driver>()) {}
+HostDevice::~HostDevice() = default;
+
+std::string HostDevice::ADCName() const {
+    return TakeText(Driver_->Get(&IADC3::get_ADCName, "ADCName"));
+}
+int HostDevice::Resolution() const {
+    return Driver_->Get(&IADC3::get_Resolution, "Resolution");
+}
+int16_t HostDevice::ChannelsCount() const {
+    return Driver_->Get(&IADC3::get_ChannelsCount, "ChannelsCount");
+}
+float HostDevice::RateMax() const {
+    return Driver_->Get(&IADC3::get_RateMax, "RateMax");
+}
+
+std::vector<std::string> HostDevice::Ranges() const {
+    return TakeArray<BSTR>(Driver_->Get(&IADC3::get_Ranges, "Ranges"), "Ranges", Utf8);
+}
+
+bool HostDevice::Test() {
+    return Driver_->Get(&IADC3::Test, "Test") != VARIANT_FALSE;
+}
+bool HostDevice::Busy() const {
+    return Driver_->Get(&IADC3::get_Busy, "Busy") != VARIANT_FALSE;
+}
+
+std::string HostDevice::ChannelName(int16_t index) const {
+    return TakeText(Driver_->Get(&IADC3::get_ChannelName, index, "ChannelName"));
+}
+
+int16_t HostDevice::ChannelRange(int16_t index) const {
+    return Driver_->Get(&IADC3::get_ChannelRange, index, "ChannelRange");
+}
+
+float HostDevice::ChannelUnitScale(int16_t index) const {
+    return Driver_->Get(&IADC3::get_ChannelUnitScale, index, "ChannelUnitScale");
+}
+
+float HostDevice::ChannelUnitOffset(int16_t index) const {
+    return Driver_->Get(&IADC3::get_ChannelUnitOffset, index, "ChannelUnitOffset");
+}
+
+std::string HostDevice::ChannelUnitName(int16_t index) const {
+    return TakeText(Driver_->Get(&IADC3::get_ChannelUnitName, index, "ChannelUnitName"));
+}
+
+float HostDevice::Rate() {
+    return Driver_->Get(&IADC3::get_Rate, "Rate");
+}
+void HostDevice::SetRate(float rate) {
+    Check(Driver_->Device->put_Rate(rate), "Rate");
+}
+void HostDevice::SetInputSizeData(int32_t size) {
+    Check(Driver_->Device->put_InputSizeData(size), "InputSizeData");
+}
+int32_t HostDevice::InputSizeKadrs() const {
+    return Driver_->Get(&IADC3::get_InputSizeKadrs, "InputSizeKadrs");
+}
+int32_t HostDevice::InputCountKadrs() const {
+    return Driver_->Get(&IADC3::get_InputCountKadrs, "InputCountKadrs");
+}
+
+std::vector<int16_t> HostDevice::InputChannels() const {
+    return TakeArray<short, int16_t>(Driver_->Get(&IADC3::get_InputChannels, "InputChannels"), "InputChannels",
+                                     [](short number) { return number; });
+}
+
+void HostDevice::SetInputChannels(std::span<const int16_t> table) {
+    SAFEARRAY* array = SafeArrayCreateVector(VT_I2, 0, static_cast<ULONG>(table.size()));
+    if (array == nullptr) throw std::bad_alloc();
+    for (LONG i = 0; i < static_cast<LONG>(table.size()); i++) {
+        short number = table[static_cast<size_t>(i)];
+        SafeArrayPutElement(array, &i, &number);
+    }
+    const HRESULT result = Driver_->Device->put_InputChannels(&array);
+    SafeArrayDestroy(array);
+    Check(result, "InputChannels");
+}
+
+bool HostDevice::StartRecord() {
+    return Driver_->Get(&IADC3::StartRecord, "StartRecord") != VARIANT_FALSE;
+}
+void HostDevice::StopRecord() {
+    Check(Driver_->Device->StopRecord(), "StopRecord");
+}
+
+int32_t HostDevice::GetData(std::span<int16_t> samples) {
+    auto count = static_cast<LONG>(samples.size());
+    LONG remaining = 0;
+    LONG kadrs = 0;
+    Check(Driver_->Device->GetData(samples.data(), &count, &remaining, &kadrs), "GetData");
+    return kadrs;
+}
+
+std::string HostDevice::LastError() const {
+    return TakeText(Driver_->Get(&IADC3::get_LastError, "LastError"));
+}
+
+}  // namespace corvane::recorder

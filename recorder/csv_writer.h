@@ -1,0 +1,44 @@
+// The text of a CSV recording: comment lines with "# ", a header row, then one row per kadr. Comma separated, decimal
+// point, UTF-8.
+#pragma once
+
+#include <cstdint>
+#include <ctime>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "recorder/channel.h"
+
+namespace corvane::recorder {
+
+// Quoted when it holds a comma, a quote or a line break.
+std::string CsvField(const std::string& text);
+
+// Local time with its distance from UTC: 2025-03-09T14:05:00+03:00.
+std::string Iso8601(std::time_t time);
+
+// Writes rows; keeps count of them for the time column.
+class CsvWriter {
+public:
+    CsvWriter(std::vector<Channel> channels, double rate);
+
+    // Appends the comment lines and the header row.
+    void AppendHeader(std::string& text, const std::string& device, std::time_t start, int64_t wantedKadrs) const;
+
+    // Appends the rows of whole kadrs, one after another. A value has the fewest decimals that keep neighbouring codes
+    // apart, and lies within half a code of the exact one.
+    void AppendRows(std::string& text, std::span<const int16_t> samples);
+
+private:
+    void AppendValue(std::string& text, size_t channel, int16_t sample) const;
+
+    std::vector<Channel> Channels_;
+    std::vector<int> Decimals_;  // of each channel
+    double Rate_;                // Hz
+    int64_t Period_;             // us
+    int TimeDecimals_;
+    int64_t Row_ = 0;
+};
+
+}  // namespace corvane::recorder

@@ -1,0 +1,52 @@
+// The driver as a host uses it. Linked in one of two forms: com/ goes through the registered component as any host
+// does, native/ stands straight on the driver's own object. Texts are UTF-8. Every member belongs to the thread that
+// made the device; destroying it ends a recording and closes the crate. A driver that can't be had, or that answers
+// with an error where none is foreseen, throws Failure with ExitCode::NoDriver.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace corvane::recorder {
+
+class HostDevice {
+public:
+    HostDevice();
+    ~HostDevice();
+    HostDevice(const HostDevice&) = delete;
+    HostDevice& operator=(const HostDevice&) = delete;
+
+    std::string ADCName() const;
+    int Resolution() const;  // bits
+    int16_t ChannelsCount() const;
+    float RateMax() const;  // Hz
+    std::vector<std::string> Ranges() const;
+    bool Test();  // opens the crate; false: see LastError
+    bool Busy() const;
+    std::string ChannelName(int16_t index) const;
+    int16_t ChannelRange(int16_t index) const;     // index into Ranges
+    float ChannelUnitScale(int16_t index) const;   // samples per unit
+    float ChannelUnitOffset(int16_t index) const;  // unit value of sample 0
+    std::string ChannelUnitName(int16_t index) const;
+    float Rate();                         // Hz, the effective one
+    void SetRate(float rate);             // Hz
+    void SetInputSizeData(int32_t size);  // the ring's length; counts in kadrs once a recording starts
+    int32_t InputSizeKadrs() const;
+    int32_t InputCountKadrs() const;
+    std::vector<int16_t> InputChannels() const;
+    void SetInputChannels(std::span<const int16_t> table);
+    bool StartRecord();  // false: see LastError
+    void StopRecord();
+    // Copies the unread kadrs that fit whole into `samples`, one after another. Returns their number.
+    int32_t GetData(std::span<int16_t> samples);
+    std::string LastError() const;
+
+private:
+    struct Driver;
+    std::unique_ptr<Driver> Driver_;
+};
+
+}  // namespace corvane::recorder

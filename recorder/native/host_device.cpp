@@ -1,0 +1,88 @@
+#include "recorder/host_device.h"
+
+#include "driver/driver_object.h"
+
+namespace corvane::recorder {
+
+struct HostDevice::Driver {
+    DriverObject Object;
+};
+
+HostDevice::HostDevice() : Driver_(std::make_unique<Driver>()) {}
+HostDevice::~HostDevice() = default;
+
+std::string HostDevice::ADCName() const {
+    return Driver_->Object.ADCName();
+}
+int HostDevice::Resolution() const {
+    return Driver_->Object.Resolution();
+}
+int16_t HostDevice::ChannelsCount() const {
+    return Driver_->Object.ChannelsCount();
+}
+float HostDevice::RateMax() const {
+    return Driver_->Object.RateMax();
+}
+std::vector<std::string> HostDevice::Ranges() const {
+    return Driver_->Object.Ranges();
+}
+bool HostDevice::Test() {
+    return Driver_->Object.Test();
+}
+bool HostDevice::Busy() const {
+    return Driver_->Object.Busy();
+}
+std::string HostDevice::ChannelName(int16_t index) const {
+    return Driver_->Object.ChannelName(index);
+}
+int16_t HostDevice::ChannelRange(int16_t index) const {
+    return Driver_->Object.ChannelRange(index);
+}
+float HostDevice::ChannelUnitScale(int16_t index) const {
+    return Driver_->Object.ChannelUnitScale(index);
+}
+float HostDevice::ChannelUnitOffset(int16_t index) const {
+    return Driver_->Object.ChannelUnitOffset(index);
+}
+std::string HostDevice::ChannelUnitName(int16_t index) const {
+    return Driver_->Object.ChannelUnitName(index);
+}
+float HostDevice::Rate() {
+    return Driver_->Object.Rate();
+}
+void HostDevice::SetRate(float rate) {
+    Driver_->Object.SetRate(rate);
+}
+void HostDevice::SetInputSizeData(int32_t size) {
+    Driver_->Object.SetInputSizeData(size);
+}
+int32_t HostDevice::InputSizeKadrs() const {
+    return Driver_->Object.InputSizeKadrs();
+}
+int32_t HostDevice::InputCountKadrs() const {
+    return Driver_->Object.InputCountKadrs();
+}
+std::vector<int16_t> HostDevice::InputChannels() const {
+    return Driver_->Object.InputChannels();
+}
+void HostDevice::SetInputChannels(std::span<const int16_t> table) {
+    Driver_->Object.SetInputChannels(table);
+}
+bool HostDevice::StartRecord() {
+    return Driver_->Object.StartRecord();
+}
+void HostDevice::StopRecord() {
+    Driver_->Object.StopRecord();
+}
+
+int32_t HostDevice::GetData(std::span<int16_t> samples) {
+    auto count = static_cast<int32_t>(samples.size());
+    int32_t remaining = 0;
+    return Driver_->Object.GetData(samples.data(), count, remaining);
+}
+
+std::string HostDevice::LastError() const {
+    return Driver_->Object.LastError();
+}
+
+}  // namespace corvane::recorder

@@ -1,0 +1,49 @@
+#include "recorder/progress.h"
+
+#include <fmt/format.h>
+#include <algorithm>
+
+#include "recorder/console.h"
+
+namespace corvane::recorder {
+
+std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, int32_t unreadKadrs, bool bar) {
+    constexpr int64_t BarWidth = 20;
+    std::string line;
+    if (bar) {
+        const int64_t done = kadrs * BarWidth / wantedKadrs;
+        line = fmt::format("[{:<{}}] ", std::string(static_cast<size_t>(done), '#'), BarWidth);
+    }
+    return line + fmt::format("{:3} %  {} of {} kadrs  {:.1f} s  {} unread", kadrs * 100 / wantedKadrs, kadrs,
+                              wantedKadrs, seconds, unreadKadrs);
+}
+
+Progress::Progress(int64_t wantedKadrs, bool quiet)
+    : WantedKadrs_(wantedKadrs), Quiet_(quiet), Terminal_(IsTerminal(stderr)), NextShow_(Start_ + Interval()) {}
+
+void Progress::Show(int64_t kadrs, int32_t unreadKadrs) {
+    const Clock::time_point now = Clock::now();
+    if (Quiet_ || now < NextShow_) return;
+    NextShow_ = now + Interval();
+    const double seconds = std::chrono::duration<double>(now - Start_).count();
+    const std::string line = ProgressLine(kadrs, WantedKadrs_, seconds, unreadKadrs, Terminal_);
+    // Spaces over what a longer line left, one place short of the width so that no console wraps.
+    WriteText(stderr, Terminal_ ? fmt::format("\r{:<79}", line) : line + '\n');
+    LineOpen_ = Terminal_;
+}
+
+void Progress::Note(const std::string& text) {
+    if (!Quiet_) Warn(text);
+}
+
+void Progress::Warn(const std::string& text) {
+    EndLine();
+    WriteText(stderr, text + '\n');
+}
+
+void Progress::EndLine() {
+    if (LineOpen_) WriteText(stderr, "\n");
+    LineOpen_ = false;
+}
+
+}  // namespace corvane::recorder

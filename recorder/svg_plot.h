@@ -1,0 +1,27 @@
+// The picture of a recording as SVG: a panel for each unit, all over one time axis.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "recorder/channel.h"
+#include "recorder/envelope.h"
+
+namespace corvane::recorder {
+
+struct Plot {
+    std::string Title;
+    std::string Details;  // below the title
+    double Rate;          // Hz
+    std::span<const Channel> Channels;
+    const Envelope& Data;  // of the same channels
+};
+
+// Draws each kadr while every one has a bin of its own, else the band between smallest and largest samples. A unit with
+// more channels than can be told apart by colour gets several panels.
+std::string RenderPlot(const Plot& plot);
+
+// Text for XML content and attributes; control characters that XML can't hold are left out.
+std::string EscapeXml(const std::string& text);
+
+}  // namespace corvane::recorder

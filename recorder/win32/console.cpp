@@ -1,0 +1,89 @@
+#include "recorder/console.h"
+
+#include <windows.h>
+// windows.h first: the other builds on it.
+#include <shellapi.h>
+
+#include <io.h>
+#include <atomic>
+
+namespace corvane::recorder {
+namespace {
+
+std::atomic<bool> interrupted = false;  // set by the system's console thread
+
+std::string Utf8(const wchar_t* text) {
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    std::string utf8(static_cast<size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
+    utf8.resize(static_cast<size_t>(size - 1));  // without the closing zero
+    return utf8;
+}
+
+std::wstring Utf16(std::string_view text) {
+    std::wstring utf16(text.size(), L'\0');  // never more units than bytes
+    const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), utf16.data(),
+                                           static_cast<int>(utf16.size()));
+    utf16.resize(static_cast<size_t>(length));
+    return utf16;
+}
+
+HANDLE ConsoleOf(std::FILE* stream) {
+    return GetStdHandle(stream == stdout ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+}
+
+BOOL WINAPI OnConsoleEvent(DWORD event) {
+    if (interrupted.exchange(true)) return FALSE;
+    // The system ends the process as soon as this returns from a closing event, and after 5 s anyway: the time between
+    // is for the recording to end in order.
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(4500);
+    return TRUE;
+}
+
+}  // namespace
+
+std::vector<std::string> CommandLineArguments(int, const char* const*) {
+    int count = 0;
+    wchar_t** values = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> arguments;
+    for (int i = 1; i < count; i++) arguments.push_back(Utf8(values[i]));
+    LocalFree(values);
+    return arguments;
+}
+
+// A console takes UTF-16, whatever its code page and font can do; a pipe or file gets the UTF-8 as it is.
+void WriteText(std::FILE* stream, std::string_view text) {
+    if (IsTerminal(stream)) {
+        const std::wstring utf16 = Utf16(text);
+        constexpr size_t Piece = 8192;  // units; old consoles refuse more than 64 KB at once
+        for (size_t start = 0; start < utf16.size(); start += Piece) {
+            const auto length = static_cast<DWORD>(std::min(Piece, utf16.size() - start));
+            DWORD written = 0;
+            WriteConsoleW(ConsoleOf(stream), utf16.data() + start, length, &written, nullptr);
+        }
+        return;
+    }
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::fflush(stream);
+}
+
+bool IsTerminal(std::FILE* stream) {
+    DWORD mode = 0;
+    return GetConsoleMode(ConsoleOf(stream), &mode) != 0;
+}
+
+void WatchInterrupt() {
+    SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+}
+
+bool InterruptRequested() {
+    return interrupted;
+}
+
+std::FILE* OpenForWriting(const std::string& path) {
+    std::FILE* file = _wfopen(Utf16(path).c_str(), L"wb");
+    if (file != nullptr) std::setvbuf(file, nullptr, _IONBF, 0);
+    return file;
+}
+
+}  // namespace corvane::recorder

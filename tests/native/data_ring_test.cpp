@@ -1,0 +1,138 @@
+#include "driver/model/data_ring.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include "driver/model/input_state.h"
+
+namespace corvane {
+namespace {
+
+// Writes blocks of `kadrs` kadrs whose samples count up from `next`.
+void Write(DataRing& ring, int32_t kadrs, int16_t& next) {
+    ASSERT_TRUE(ring.Room(kadrs));
+    int16_t* place = ring.WritePlace();
+    for (int32_t i = 0; i < kadrs * ring.Channels(); i++) place[i] = next++;
+    ring.Commit(kadrs);
+}
+
+TEST(DataRing, ReadsAcrossTheEndAndTellsPositions) {
+    DataRing ring;
+    ASSERT_TRUE(ring.Reset(2, 8));
+    EXPECT_EQ(ring.LastWritten(), 0);
+    int16_t next = 1;
+    Write(ring, 8, next);
+    EXPECT_FALSE(ring.Room(1));
+    std::vector<int16_t> out(100);
+    EXPECT_EQ(ring.Read(out.data(), 6), 6);
+    EXPECT_EQ(ring.ReadPos(), 7);
+    EXPECT_EQ(ring.LastWritten(), 8);
+    Write(ring, 4, next);
+    EXPECT_EQ(ring.LastWritten(), 4);
+    EXPECT_EQ(ring.Unread(), 6);
+    EXPECT_EQ(ring.Read(out.data(), 3), 3);
+    EXPECT_EQ(std::vector<int16_t>(out.begin(), out.begin() + 6), (std::vector<int16_t>{13, 14, 15, 16, 17, 18}));
+    EXPECT_EQ(ring.ReadPos(), 2);
+    EXPECT_FALSE(ring.Drained());
+    EXPECT_EQ(ring.Read(out.data(), 100), 3);
+    EXPECT_TRUE(ring.Drained());
+    EXPECT_EQ(ring.Read(out.data(), -5), 0);
+}
+
+TEST(DataRing, ImpossibleSizesAreRefusedAndCostNoData) {
+    DataRing ring;
+    ASSERT_TRUE(ring.Reset(1, 4));
+    int16_t next = 7;
+    Write(ring, 4, next);
+    const int32_t highest = std::numeric_limits<int32_t>::max();
+    const struct {
+        int32_t Channels, Kadrs;
+    } impossible[] = {{0, 4}, {1, 0}, {-1, -1}, {32, highest}, {2, highest / 2 + 1}};
+    for (const auto& size : impossible) EXPECT_FALSE(ring.Reset(size.Channels, size.Kadrs));
+    int16_t out[4] = {};
+    EXPECT_EQ(ring.Read(out, 4), 4);
+    EXPECT_EQ(out[0], 7);
+    EXPECT_EQ(out[3], 10);
+}
+
+TEST(DataRing, TwoThreadsPassEveryKadrOnceInOrder) {
+    constexpr int32_t Kadrs = 400000;
+    constexpr int32_t Block = 16;
+    DataRing ring;
+    ASSERT_TRUE(ring.Reset(3, 256));
+    std::thread writer([&] {
+        for (int32_t k = 0; k < Kadrs; k += Block) {
+            while (!ring.Room(Block)) std::this_thread::yield();
+            int16_t* place = ring.WritePlace();
+            for (int32_t i = 0; i < Block * 3; i++) place[i] = static_cast<int16_t>((k * 3 + i) % 30011);
+            ring.Commit(Block);
+        }
+    });
+    std::mt19937 random(1);
+    int64_t samples = 0;
+    int64_t wrong = 0;
+    std::vector<int16_t> out(300 * 3);
+    while (samples < int64_t{Kadrs} * 3) {
+        const int32_t got = ring.Read(out.data(), static_cast<int32_t>(random() % 300));
+        if (got == 0) std::this_thread::yield();
+        for (int32_t i = 0; i < got * 3; i++) wrong += out[static_cast<size_t>(i)] != (samples + i) % 30011;
+        samples += got * 3;
+    }
+    writer.join();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_TRUE(ring.Drained());
+}
+
+TEST(InputState, SizesAreToldByTheRules) {
+    const int32_t highest = std::numeric_limits<int32_t>::max();
+    const struct {
+        int32_t Requested;
+        size_t Channels;
+        int32_t LetKadrs, LetSamples, BlockKadrs, StartKadrs;
+    } cases[] = {
+        {32768, 3, 16384, 49152, 64, 32768}, {32768, 5, 8192, 40960, 64, 32768},
+        {500, 1, 32768, 32768, 1, 32768},    {-7, 1, 32768, 32768, 8, 32768},
+        {1500, 1, 1500, 1500, 64, 1536},     {1500, 1, 1500, 1500, 1, 1500},
+        {1027, 2, 514, 1028, 8, 1032},       {highest, 32, 67108864, highest, 64, highest},
+    };
+    for (const auto& each : cases) {
+        InputState input;
+        input.ChTable.resize(each.Channels);
+        input.RequestedSize = each.Requested;
+        EXPECT_EQ(SetInputSize(input, true, 0), each.LetKadrs);
+        EXPECT_EQ(input.InputSizeData, each.LetSamples);
+        EXPECT_EQ(PrepareInputBuffer(input, each.BlockKadrs), each.Requested != highest);
+        EXPECT_EQ(input.InputSizeKadrs, each.StartKadrs);
+    }
+}
+
+TEST(InputState, GetDataTakesWholeKadrsOfTheRecordedShape) {
+    InputState input;
+    input.ChTable = {2, 5};
+    ASSERT_TRUE(PrepareInputBuffer(input, 64));
+    int16_t next = 0;
+    Write(input.Ring, 64, next);
+    input.ChTable = {1, 2, 3, 4, 5};  // chosen while kadrs are unread
+    input.RequestedSize = 2000000000;
+    SetInputSize(input, true, 0);
+    const struct {
+        int32_t Count, Kadrs, CountOut, Remaining;
+    } reads[] = {{-100, 0, 0, 128}, {1, 0, 0, 128}, {7, 3, 6, 122}, {1000, 61, 122, 0}, {1000, 0, 0, 0}};
+    std::vector<int16_t> out(1000, -1);
+    int16_t expected = 0;
+    for (const auto& read : reads) {
+        int32_t count = read.Count;
+        int32_t remaining = -1;
+        EXPECT_EQ(GetData(input, out.data(), count, remaining), read.Kadrs);
+        EXPECT_EQ(count, read.CountOut);
+        EXPECT_EQ(remaining, read.Remaining);
+        for (int32_t i = 0; i < count; i++) EXPECT_EQ(out[static_cast<size_t>(i)], expected++);
+    }
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include "driver/lifecycle.h"
+#include "tests/native/driver_fixture.h"
+
+namespace corvane {
+namespace {
+
+class DeviceTest : public DriverFixture {};
+
+TEST_F(DeviceTest, OpeningFailuresNameTheirReason) {
+    const std::string noCrates = "[[server]]\naddress = \"127.0.0.1\"\n";
+    const std::string noServer = "[[server]]\naddress = \"10.0.0.1\"\n";
+    const std::string crate = SequenceCrate({3, 5}, "1.0");
+    const struct {
+        std::string Scenario, Fault, Error;
+    } cases[] = {
+        {noCrates, "", ""},
+        {noServer, "", "Connect LTR and run LTR-Server!"},
+        {crate, "call = \"LTR_GetCrates\"\nerror = -31", "Connect LTR and run LTR-Server!"},
+        {crate, "call = \"LTR27_Open\"\nerror = -32", "Error '-32':\r\n"},
+        {crate, "call = \"LTR27_GetConfig\"\nerror = -33", "Error '-33':\r\n"},
+        {crate, "call = \"LTR27_GetDescription\"\nafter = 1\nslot = 5\nerror = -34", "Error '-34':\r\n"},
+    };
+    for (const auto& each : cases) {
+        Configure(each.Scenario);
+        if (!each.Fault.empty()) AddFault(each.Fault);
+        const bool oneModuleLeft = each.Fault.find("slot") != std::string::npos;
+        EXPECT_EQ(Driver->Test(), oneModuleLeft) << each.Fault;
+        EXPECT_EQ(Driver->Detected(), oneModuleLeft);
+        EXPECT_EQ(Driver->BasePort(), oneModuleLeft ? -1 : 0);
+        const std::string error = Driver->LastError();
+        if (oneModuleLeft) {
+            EXPECT_EQ(error, "");  // opening succeeded with the module that did open
+            EXPECT_EQ(Driver->ChannelsCount(), 16);
+        } else {
+            EXPECT_EQ(error.substr(0, each.Error.size()), each.Error);
+            EXPECT_EQ(error.empty(), each.Error.empty());
+            LtrSim_ClearFaults();  // the crate comes back: the next try opens it
+            EXPECT_EQ(Driver->Test(), each.Scenario == crate);
+        }
+    }
+}
+
+TEST_F(DeviceTest, TheFirstTwoModulesThatOpenAreUsed) {
+    Configure(SequenceCrate({2, 7, 9}, "1.0"));
+    AddFault("call = \"LTR27_Open\"\nslot = 2\nerror = -1");
+    ASSERT_TRUE(Driver->Test());
+    EXPECT_EQ(Driver->ChannelsCount(), 32);
+    EXPECT_EQ(Driver->ChannelName(0), "07_1-1_SEQ");
+    EXPECT_EQ(Driver->ChannelName(16), "09_1-1_SEQ");
+    EXPECT_EQ(Driver->ChannelName(31), "Empty");
+    EXPECT_EQ(Driver->ChannelUnitName(3), "V");
+    EXPECT_EQ(Driver->ChannelUnitName(-1), "");
+    EXPECT_EQ(Driver->ChannelUnitScale(32), 0);
+    EXPECT_EQ(LtrSim_OpenConnections(), 2);
+}
+
+TEST_F(DeviceTest, ObjectsOfOneThreadShareOneDevice) {
+    ASSERT_TRUE(Driver->Test());
+    auto second = std::make_unique<DriverObject>();
+    EXPECT_TRUE(second->Detected());
+    second->SetRate(400);
+    EXPECT_FLOAT_EQ(Driver->Rate(), 1000.0f / 3);
+    Driver.reset();
+    EXPECT_EQ(LtrSim_OpenConnections(), 2);
+    EXPECT_TRUE(second->Detected());
+    std::thread([] { EXPECT_FALSE(DriverObject().Detected()); }).join();  // another thread, another state
+    std::thread([&] { second.reset(); }).join();                          // released on the wrong thread
+    EXPECT_EQ(LtrSim_OpenConnections(), 0);
+    EXPECT_FALSE(DriverObject().Detected());
+}
+
+TEST_F(DeviceTest, DescriptionsTellTheBoardAndTheCrate) {
+    ASSERT_TRUE(Driver->Test());
+    DriverState& state = AttachObject();
+    EXPECT_EQ(state.Engine.Modules[0].Info,
+              "Board: LTR27\r\nBoard SN: CRATE1-3\r\nFirmware: v1.2.3.4\r\nCrate Slot: 3");
+    EXPECT_EQ(state.Crate.Info, "Crate: LTR030\r\nCrate SN: CRATE1\r\nCrate Port: USB\r\nCrate IP: 127.0.0.1");
+    EXPECT_EQ(state.Engine.Modules[1].Mezzanines[0].Revision, "A.0");
+    EXPECT_EQ(state.Engine.Modules[1].Mezzanines[7].Top, 1);
+    DetachObject(state);
+}
+
+TEST_F(DeviceTest, SingleReadingsAreFreshEvery400Milliseconds) {
+    ASSERT_TRUE(Driver->Test());
+    Select({0, 14, 16});
+    EXPECT_EQ(Driver->GetChannel(24), 0);  // right after opening nothing was read yet
+    std::this_thread::sleep_for(std::chrono::milliseconds(410));
+    const int before = LtrSim_Calls("LTR27_Recv");
+    // The first kadr of a fresh start has number 0; an empty position and a missing channel give 0.
+    EXPECT_EQ(Driver->GetKadr(), (std::vector<int16_t>{-16384, 0, -16384}));
+    EXPECT_EQ(Driver->GetChannel(24), -16384);
+    EXPECT_EQ(Driver->GetChannel(-1), 0);
+    EXPECT_EQ(Driver->GetChannel(32), 0);
+    EXPECT_EQ(LtrSim_Calls("LTR27_Recv"), before + 2);
+    EXPECT_EQ(LtrSim_RunningModules(), 0);
+    Driver->SetRate(500);
+    ASSERT_TRUE(Driver->StartRecord());
+    std::this_thread::sleep_for(std::chrono::milliseconds(410));
+    const int stops = LtrSim_Calls("LTR27_ADCStop");
+    EXPECT_EQ(Driver->GetKadr(), (std::vector<int16_t>{0, 0, 0}));  // the modules belong to the recording
+    EXPECT_EQ(Driver->GetChannel(0), 0);
+    EXPECT_EQ(LtrSim_Calls("LTR27_ADCStop"), stops);
+    StopWhole();
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,94 @@
+// A driver on a simulated crate, for tests that go the whole road.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "driver/driver_object.h"
+#include "platform/portable/test_hooks.h"
+#include "simulator/control.h"
+
+namespace corvane {
+
+// One local crate with LTR27 modules in these slots; every position but the last numbers its kadrs.
+inline std::string SequenceCrate(const std::vector<int>& slots, const std::string& speed,
+                                 const std::string& crateKeys = "") {
+    std::string toml = "speed = " + speed +
+                       "\n[[server]]\naddress = \"127.0.0.1\"\n[[server.crate]]\nserial = \"CRATE1\"\n" + crateKeys +
+                       "\n";
+    for (const int slot : slots) {
+        toml +=
+            "[[server.crate.module]]\nid = \"LTR27\"\nslot = " + std::to_string(slot) + "\nfirmware = \"1.2.3.4\"\n";
+        for (int position = 1; position < 8; position++) {
+            toml += "[[server.crate.module.mezzanine]]\nposition = " + std::to_string(position) +
+                    "\nname = \"SEQ\"\nunit = \"В\"\nbottom = -10\ntop = 10\nsignal = { kind = \"sequence\" }\n";
+        }
+    }
+    return toml;
+}
+
+class DriverFixture : public testing::Test {
+protected:
+    void SetUp() override { Configure(SequenceCrate({3, 5}, "1.0")); }
+
+    void TearDown() override {
+        Driver.reset();
+        platform::SkipSleeps = false;
+        platform::FailThreadCreation = false;
+        EXPECT_EQ(LtrSim_OpenConnections(), 0);
+        EXPECT_EQ(LtrSim_RunningModules(), 0);
+        EXPECT_EQ(LtrSim_Violations(), 0) << LtrSim_Message();
+    }
+
+    void Configure(const std::string& toml) {
+        Driver.reset();
+        ASSERT_EQ(LtrSim_Configure(toml.c_str()), 0) << LtrSim_Message();
+        Driver = std::make_unique<DriverObject>();
+    }
+
+    void AddFault(const std::string& toml) { ASSERT_EQ(LtrSim_AddFault(toml.c_str()), 0) << LtrSim_Message(); }
+
+    void Select(const std::vector<int16_t>& channels) { Driver->SetInputChannels(channels); }
+
+    // Polls until the condition holds; false after ten seconds.
+    static bool Eventually(const std::function<bool()>& condition) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > end) return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return true;
+    }
+
+    // Waits for `kadrs` kadrs and takes them; empty when they don't come.
+    std::vector<int16_t> Take(int32_t kadrs) {
+        if (!Eventually([&] { return Driver->InputCountKadrs() >= kadrs; })) return {};
+        int32_t count = kadrs * Driver->InputCountChannels();
+        int32_t remaining = 0;
+        std::vector<int16_t> samples(static_cast<size_t>(count));
+        Driver->GetData(samples.data(), count, remaining);
+        return samples;
+    }
+
+    // Stops and waits until a new recording would be allowed.
+    void StopWhole() {
+        Driver->StopRecord();
+        EXPECT_FALSE(Driver->Busy());
+        EXPECT_TRUE(Eventually([] { return LtrSim_RunningModules() == 0; }));
+    }
+
+    std::unique_ptr<DriverObject> Driver;
+};
+
+// Kadr number that an even channel's sample stands for, modulo 32768.
+inline int32_t KadrNumber(int16_t sample) {
+    return sample + 16384;
+}
+
+}  // namespace corvane

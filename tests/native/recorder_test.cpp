@@ -1,0 +1,186 @@
+// The recorder's own rules: what it accepts on the command line, and what it writes.
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <cmath>
+#include <sstream>
+
+#include "recorder/csv_writer.h"
+#include "recorder/data_clock.h"
+#include "recorder/envelope.h"
+#include "recorder/failure.h"
+#include "recorder/options.h"
+#include "recorder/repeat_check.h"
+#include "recorder/svg_plot.h"
+
+namespace corvane::recorder {
+namespace {
+
+using Numbers = std::vector<int16_t>;
+
+TEST(RecorderOptions, ChannelLists) {
+    const std::pair<const char*, Numbers> good[] = {
+        {"5", {5}}, {"0-3,17", {0, 1, 2, 3, 17}}, {"17,2,0-2", {0, 1, 2, 17}}, {"32767", {32767}}};
+    for (const auto& [text, numbers] : good) EXPECT_EQ(ParseChannelList(text), numbers) << text;
+    EXPECT_EQ(ParseChannelList("fitted"), std::nullopt);
+    for (const char* text : {"", ",", "1,", "3-1", "-1", "1-", "1--2", "1-2-3", "a", "1 2", "32768", "1.5"}) {
+        EXPECT_THROW(ParseChannelList(text), Failure) << text;
+    }
+}
+
+TEST(RecorderOptions, Durations) {
+    const std::pair<const char*, double> good[] = {{"500ms", 0.5}, {"10s", 10}, {"2m", 120},    {"2min", 120},
+                                                   {"1.5h", 5400}, {"90", 90},  {"0.25", 0.25}, {"0", 0}};
+    for (const auto& [text, seconds] : good) EXPECT_DOUBLE_EQ(ParseDuration(text), seconds) << text;
+    for (const char* text : {"", "s", "-1s", "1x", "1 s", "nan", "inf", "10001h", "1e999", "1,5h"}) {
+        EXPECT_THROW(ParseDuration(text), Failure) << text;
+    }
+}
+
+TEST(RecorderOptions, CommandLines) {
+    const std::vector<std::string> bad[] = {{},
+                                            {"reord"},
+                                            {"record"},
+                                            {"record", "-o", "a", "-r", "0"},
+                                            {"record", "-o", "a", "-r", "5kHz"},
+                                            {"record", "-o", "a", "-d", "0"},
+                                            {"record", "-o", "a", "-p", "a"},
+                                            {"list", "-o", "a"}};
+    for (const auto& arguments : bad) EXPECT_THROW(ParseCommandLine(arguments), Failure);
+    const Options options = ParseCommandLine({"record", "-c", "4", "--rate", "250", "-o", "a b.csv"});
+    EXPECT_EQ(options.Action, Command::Record);
+    EXPECT_EQ(options.Channels, Numbers({4}));
+    EXPECT_EQ(options.Rate, 250);
+    EXPECT_EQ(options.OutputPath, "a b.csv");
+    EXPECT_EQ(options.Duration, 10);
+    EXPECT_EQ(options.StallTimeout, 60);
+}
+
+TEST(RecorderCsv, ValuesTellEveryCodeApart) {
+    const std::tuple<double, double, size_t> cases[] = {// scale, offset, decimals
+                                                        {1638.4, 0, 4},    {1638.4, -1e-9, 4}, {1638.4, 10, 4},
+                                                        {131.072, 125, 3}, {-1638.4, 0, 4},    {1, 0, 0},
+                                                        {1000, 0, 3},      {0.01, 5, 0},       {3e6, 0, 7}};
+    for (const auto& [scale, offset, decimals] : cases) {
+        CsvWriter csv({{0, "a", "", "V", scale, offset}}, 1000);
+        std::string rows;
+        Numbers samples;
+        for (int sample = -16384; sample <= 16383; sample++) samples.push_back(static_cast<int16_t>(sample));
+        csv.AppendRows(rows, samples);
+        std::istringstream lines(rows);
+        std::string line;
+        for (const int16_t sample : samples) {
+            ASSERT_TRUE(std::getline(lines, line));
+            const std::string value = line.substr(line.find(',') + 1);
+            ASSERT_EQ(std::llround((std::stod(value) - offset) * scale), sample) << line;
+            const size_t point = value.find('.');
+            ASSERT_EQ(point == std::string::npos ? 0 : value.size() - point - 1, decimals) << line;
+            ASSERT_FALSE(value.starts_with('-') && std::stod(value) == 0) << line;
+        }
+    }
+}
+
+TEST(RecorderCsv, TextOfARecording) {
+    CsvWriter csv({{0, "a,\"b\"", "", "V", 1, 0}, {1, "c", "", "", 10, 0}}, static_cast<double>(1000.0F / 3));
+    std::string text;
+    csv.AppendHeader(text, "LTR27", 0, 2);
+    EXPECT_NE(text.find("\n# Rate: 333.333 Hz\n"), std::string::npos) << text;
+    EXPECT_TRUE(text.ends_with("\ntime (s),\"a,\"\"b\"\" (V)\",c\n")) << text;
+    text.clear();
+    csv.AppendRows(text, Numbers{1, -2, 3, 15});
+    csv.AppendRows(text, Numbers{5, 0});
+    EXPECT_EQ(text, "0.000,1,-0.2\n0.003,3,1.5\n0.006,5,0.0\n");
+}
+
+TEST(RecorderEnvelope, KeepsExtremesWhenBinsDouble) {
+    for (const size_t kadrs : {size_t{1}, Envelope::Capacity, Envelope::Capacity + 1, 5 * Envelope::Capacity + 3}) {
+        Envelope envelope(2);
+        std::vector<int16_t> first;  // of channel 0; channel 1 is its mirror image
+        for (size_t i = 0; i < kadrs; i++) {
+            first.push_back(static_cast<int16_t>(static_cast<int>(i * 7919 % 30011) - 15000));
+            envelope.Add(Numbers{first[i], static_cast<int16_t>(-first[i])});
+        }
+        const auto width = static_cast<size_t>(envelope.BinKadrs());
+        EXPECT_EQ(envelope.Kadrs(), static_cast<int64_t>(kadrs));
+        EXPECT_EQ(envelope.Bins(), (kadrs + width - 1) / width);
+        EXPECT_LE(envelope.Bins(), Envelope::Capacity);
+        EXPECT_TRUE(width == 1 || envelope.Bins() > Envelope::Capacity / 2);
+        for (size_t bin = 0; bin < envelope.Bins(); bin++) {
+            const auto begin = first.begin() + static_cast<ptrdiff_t>(bin * width);
+            const auto [low, high] = std::minmax_element(
+                begin, begin + std::min<ptrdiff_t>(first.end() - begin, static_cast<ptrdiff_t>(width)));
+            ASSERT_EQ(envelope.At(0, bin).Min, *low);
+            ASSERT_EQ(envelope.At(0, bin).Max, *high);
+            ASSERT_EQ(envelope.At(1, bin).Min, -*high);
+            ASSERT_EQ(envelope.At(1, bin).Max, -*low);
+        }
+    }
+}
+
+TEST(RecorderPlot, EscapesTexts) {
+    EXPECT_EQ(EscapeXml("<a & 'b'>\"\x01\xC2\xB1"), "&lt;a &amp; &#39;b&#39;&gt;&quot;\xC2\xB1");
+    Envelope data(1);
+    data.Add(Numbers{5, 5, 5});  // a flat line needs an axis too
+    const std::vector<Channel> channels = {{0, "a<b", "", "m&V", 100, 0}};
+    const std::string svg = RenderPlot({"x<y", "", 10, channels, data});
+    for (const char* text : {"a&lt;b", "m&amp;V", "x&lt;y"}) EXPECT_NE(svg.find(text), std::string::npos) << text;
+    EXPECT_EQ(svg.find("nan"), std::string::npos);
+    EXPECT_EQ(svg.find("inf"), std::string::npos);
+}
+
+TEST(RecorderRepeatCheck, FindsBlocksFilledInForAModule) {
+    // 40 Hz makes blocks of two kadrs; columns 0 and 1 belong to the first module, column 2 to the second.
+    const std::vector<Channel> channels = {{0, "", "", "", 1, 0}, {15, "", "", "", 1, 0}, {16, "", "", "", 1, 0}};
+    const std::tuple<const char*, Numbers, int64_t> cases[] = {
+        {"all new", {1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 2, 4}, 0},
+        {"repeated in one module", {1, 2, 3, 4, 5, 6, 1, 2, 7, 4, 5, 8, 1, 2, 9, 4, 5, 1}, 4},
+        {"repeated but for one channel", {1, 2, 3, 4, 5, 6, 1, 3, 7, 4, 5, 8}, 0},
+        {"quiet", {1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3}, 0},
+        {"never filled", {1, 2, -16384, 4, 5, -16384}, 2},
+        {"repeated across a block's edge", {9, 9, 9, 1, 2, 3, 1, 2, 3, 8, 8, 8}, 0}};
+    for (const auto& [what, samples, kadrs] : cases) {
+        RepeatCheck check(channels, 40);
+        check.Add(std::span(samples).first(3));  // cuts the first block
+        check.Add(std::span(samples).subspan(3));
+        EXPECT_EQ(check.FilledInKadrs(), kadrs) << what;
+    }
+}
+
+TEST(RecorderDataClock, DoubtsDataAtAnotherPace) {
+    struct Case {
+        const char* What;
+        double Pace;       // of the data, to the clock
+        int SilenceFrom;   // ms
+        int SilenceUntil;  // ms; the driver catches up at once then
+        int LooksUntil;    // ms; from here to the end of the silence the host does not look either
+        bool Doubtful;
+    };
+    const Case cases[] = {{"in step", 1, 0, 0, 0, false},
+                          {"late start", 1, 0, 5000, 5000, false},
+                          {"quartz", 1.0005, 0, 0, 0, false},
+                          {"slow", 0.85, 0, 0, 0, true},
+                          {"fast", 1.15, 0, 0, 0, true},
+                          {"short silence", 1, 8000, 8800, 8800, false},
+                          {"long silence", 1, 8000, 9500, 9500, true},
+                          {"machine asleep", 1, 8000, 9500, 8000, false}};
+    for (const Case& test : cases) {
+        const auto start = DataClock::Clock::now();
+        DataClock clock(100);
+        const int first = test.SilenceFrom == 0 ? test.SilenceUntil : 0;
+        double arrived = 0;
+        for (int time = 0; time < 20000; time += 40) {
+            const bool silent = time >= test.SilenceFrom && time < test.SilenceUntil;
+            // The first data after a silence is late, the rest follows within 0.2 s.
+            if (!silent && time > first && time - test.SilenceUntil >= 200)
+                arrived = (time - first) * test.Pace / 10;
+            else if (!silent)
+                arrived += 4;
+            if (silent && time >= test.LooksUntil) continue;
+            clock.Observe(static_cast<int64_t>(arrived), start + std::chrono::milliseconds(time));
+        }
+        EXPECT_EQ(clock.Doubtful(), test.Doubtful) << test.What << ' ' << clock.WorstLead();
+    }
+}
+
+}  // namespace
+}  // namespace corvane::recorder

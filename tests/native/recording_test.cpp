@@ -1,0 +1,229 @@
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "driver/lifecycle.h"
+#include "engine/recording.h"
+#include "tests/native/driver_fixture.h"
+
+namespace corvane {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+int64_t MillisecondsSince(Clock::time_point start) {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
+}
+
+class RecordingTest : public DriverFixture {
+protected:
+    void Open(const std::string& toml, const std::vector<int16_t>& channels, float rate) {
+        Configure(toml);
+        ASSERT_TRUE(Driver->Test()) << Driver->LastError();
+        Select(channels);
+        Driver->SetRate(rate);
+    }
+};
+
+TEST_F(RecordingTest, StartFailuresNameTheirReasonAndLeaveNothingRunning) {
+    Open(SequenceCrate({3, 5}, "1.0"), {0, 16}, 1000);
+    const std::string crate = SequenceCrate({3, 5}, "1.0");
+    DriverState& state = AttachObject();
+    const struct {
+        const char* Error;
+        std::function<void()> Break, Mend;
+    } cases[] = {
+        {"The Sampling Rate is not selected!", [&] { state.Input.Rate = 0; }, [&] { state.Input.Rate = 1000; }},
+        {"Any channel is not selected!", [&] { state.Input.ChTable.clear(); },
+         [&] {
+             state.Input.ChTable = {0, 16};
+         }},
+        {"", [&] { Driver->SetInputSizeData(INT32_MAX); }, [&] { Driver->SetInputSizeData(32768); }},
+        {"Error '-41':\r\n", [&] { AddFault("call = \"LTR27_SetConfig\"\nslot = 5\nerror = -41"); },
+         [] { LtrSim_ClearFaults(); }},
+        {"Unable create thread!", [] { platform::FailThreadCreation = true; },
+         [] { platform::FailThreadCreation = false; }},
+        {"Error '-42':\r\n", [&] { AddFault("call = \"LTR27_ADCStart\"\nslot = 5\nerror = -42"); },
+         [] { LtrSim_ClearFaults(); }},
+    };
+    for (const auto& each : cases) {
+        each.Break();
+        EXPECT_FALSE(Driver->StartRecord()) << each.Error;
+        EXPECT_FALSE(Driver->Busy());
+        const std::string error = Driver->LastError();
+        EXPECT_EQ(error.substr(0, std::string(each.Error).size()), each.Error);
+        EXPECT_EQ(error.empty(), std::string(each.Error).empty()) << error;
+        EXPECT_EQ(LtrSim_RunningModules(), 0);
+        each.Mend();
+        EXPECT_TRUE(Driver->StartRecord()) << Driver->LastError();
+        EXPECT_EQ(Driver->LastError(), "");
+        EXPECT_FALSE(Driver->StartRecord());  // busy
+        StopWhole();
+    }
+    DetachObject(state);
+}
+
+TEST_F(RecordingTest, StartNeedsAnOpenDeviceAndTheEndOfThePreviousThread) {
+    EXPECT_FALSE(Driver->StartRecord());
+    EXPECT_EQ(Driver->LastError(), "");
+    Open(SequenceCrate({3, 5}, "1.0"), {0}, 4);
+    AddFault("call = \"LTR27_Recv\"\nstall = true");
+    ASSERT_TRUE(Driver->StartRecord());
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const auto start = Clock::now();
+    Driver->StopRecord();  // the receive waits up to 750 ms, stopping only two block periods of 250 ms
+    EXPECT_LT(MillisecondsSince(start), 600);
+    EXPECT_FALSE(Driver->StartRecord());
+    EXPECT_EQ(Driver->LastError(), "Please wait end of previous thread of recording!");
+    EXPECT_EQ(Driver->GetChannel(0), 0);  // the thread still holds the module
+    EXPECT_TRUE(Eventually([&] { return Driver->StartRecord(); }));
+    StopWhole();
+}
+
+TEST_F(RecordingTest, ChannelsOfBothModulesLandInTheirPlaces) {
+    Open(SequenceCrate({3, 5}, "1.0"), {0, 15, 16, 17, 31}, 1000);
+    Driver->SetInputSizeData(1500);
+    ASSERT_TRUE(Driver->StartRecord());
+    EXPECT_EQ(Driver->InputSizeKadrs(), 1536);  // whole blocks of 64
+    Driver->SetRate(10);                        // both ignored while recording
+    Select({1});
+    EXPECT_EQ(Driver->Rate(), 1000);
+    EXPECT_EQ(Driver->InputChannels(), (std::vector<int16_t>{0, 15, 16, 17, 31}));
+    const std::vector<int16_t> samples = Take(256);
+    ASSERT_EQ(samples.size(), 256u * 5);
+    for (int32_t k = 0; k < 256; k++) {
+        const int16_t* kadr = &samples[static_cast<size_t>(k) * 5];
+        EXPECT_EQ(KadrNumber(kadr[0]), KadrNumber(samples[0]) + k);
+        EXPECT_EQ(kadr[1], 0);  // nothing is fitted at the last position
+        EXPECT_EQ(KadrNumber(kadr[2]), KadrNumber(samples[2]) + k);
+        EXPECT_EQ(kadr[3], -16384);
+        EXPECT_EQ(kadr[4], 0);
+    }
+    StopWhole();
+}
+
+TEST_F(RecordingTest, OnlyModulesOfSelectedChannelsRun) {
+    const struct {
+        std::vector<int16_t> Channels;
+        int Running;
+    } cases[] = {{{0, 7}, 1}, {{20}, 1}, {{3, 20}, 2}};
+    for (const auto& each : cases) {
+        Open(SequenceCrate({3, 5}, "1.0"), each.Channels, 1000);
+        ASSERT_TRUE(Driver->StartRecord());
+        EXPECT_EQ(LtrSim_RunningModules(), each.Running);
+        EXPECT_FALSE(Take(64).empty());
+        StopWhole();
+    }
+}
+
+TEST_F(RecordingTest, ShortReceivesArePaddedAndNeverShiftChannels) {
+    // The third receive breaks off inside a kadr, and so does its second attempt; later ones are whole again.
+    const std::string table = "call = \"LTR27_Recv\"\nafter = 2\ntimes = 1\nshort = 600";
+    Open(SequenceCrate({3}, "0", "type = \"LTR010\""), {0, 1, 2, 12}, 1000);
+    AddFault(table);
+    AddFault("call = \"LTR27_Recv\"\nafter = 3\ntimes = 1\nstall = true");
+    ASSERT_TRUE(Driver->StartRecord());
+    const std::vector<int16_t> samples = Take(6 * 64);
+    ASSERT_FALSE(samples.empty());
+    StopWhole();
+    int32_t next = 0;  // number of the module's next kadr
+    for (size_t k = 0; k < 6 * 64; k++) {
+        const int16_t* kadr = &samples[k * 4];
+        if (k >= 2 * 64 + 38 && k < 3 * 64) {  // 600 words are 37 kadrs and half of one
+            EXPECT_EQ(kadr[0], 0) << k;
+            EXPECT_EQ(kadr[1], 0);
+            continue;
+        }
+        EXPECT_EQ(KadrNumber(kadr[0]), next) << k;
+        EXPECT_EQ(kadr[1], -16384);
+        EXPECT_EQ(KadrNumber(kadr[2]), next);
+        EXPECT_EQ(KadrNumber(kadr[3]), k == 2 * 64 + 37 ? 16384 : next) << k;
+        next++;
+    }
+}
+
+TEST_F(RecordingTest, TheStartMarkBeginsTheRecording) {
+    const std::vector<std::string> crates = {
+        "start_marks = \"at once\"\nstart_mark_kadr = 3",   // inside the first block
+        "start_marks = \"at once\"\nstart_mark_kadr = 64",  // a block later
+        "start_marks = \"at once\"\nstart_mark_kadr = 201"};
+    const int32_t first[] = {3, 64, 201};
+    for (size_t i = 0; i < crates.size(); i++) {
+        Open(SequenceCrate({3, 5}, "0", crates[i]), {0, 16}, 1000);
+        ASSERT_TRUE(Driver->StartRecord());
+        const std::vector<int16_t> samples = Take(128);
+        ASSERT_FALSE(samples.empty());
+        StopWhole();
+        EXPECT_EQ(KadrNumber(samples[0]), first[i]);
+        EXPECT_EQ(KadrNumber(samples[1]), first[i]);
+        EXPECT_EQ(KadrNumber(samples[2 * 127]), first[i] + 127);
+    }
+}
+
+TEST_F(RecordingTest, AMarkThatNeverComesBringsNoKadr) {
+    Open(SequenceCrate({3, 5}, "1.0", "start_marks = \"never\""), {0, 16}, 1000);
+    ASSERT_TRUE(Driver->StartRecord());
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_TRUE(Driver->Busy());
+    EXPECT_EQ(Driver->InputCountKadrs(), 0);
+    const auto start = Clock::now();
+    StopWhole();
+    EXPECT_LT(MillisecondsSince(start), 150);
+}
+
+TEST_F(RecordingTest, WithoutMarksTheModulesAreAlignedByTheirStarts) {
+    Open(SequenceCrate({3, 5}, "1.0", "type = \"LTR010\""), {0, 16}, 1000);
+    AddFault("call = \"LTR27_ADCStart\"\nslot = 5\ndelay = 0.3");  // started 300 kadrs after the first
+    ASSERT_TRUE(Driver->StartRecord());
+    const std::vector<int16_t> samples = Take(128);
+    ASSERT_FALSE(samples.empty());
+    StopWhole();
+    EXPECT_EQ(KadrNumber(samples[1]), 0);
+    EXPECT_NEAR(KadrNumber(samples[0]), 300, 30);
+    EXPECT_EQ(KadrNumber(samples[2 * 127]), KadrNumber(samples[0]) + 127);
+}
+
+TEST_F(RecordingTest, AFullRingStopsTheThreadAndLosesNothing) {
+    Open(SequenceCrate({3}, "0", "type = \"LTR010\""), {0}, 1000);
+    Driver->SetInputSizeData(1024);
+    ASSERT_TRUE(Driver->StartRecord());
+    ASSERT_TRUE(Eventually([&] { return Driver->InputCountKadrs() == 1024; }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(Driver->InputCountKadrs(), 1024);
+    Driver->SetInputSizeData(4096);  // reported, but the live ring keeps its length
+    for (int32_t next = 0; next < 5000;) {
+        const std::vector<int16_t> samples = Take(100);
+        ASSERT_FALSE(samples.empty());
+        for (const int16_t sample : samples) ASSERT_EQ(KadrNumber(sample), next++);
+    }
+    ASSERT_TRUE(Eventually([&] { return Driver->InputCountKadrs() > 1024 - 64; }));
+    StopWhole();
+    EXPECT_GT(Driver->InputCountKadrs(), 0);  // stays readable after the stop
+}
+
+TEST_F(RecordingTest, UnpluggingGoesOnAndStopsInTime) {
+    Open(SequenceCrate({3, 5}, "1.0", "type = \"LTR010\""), {0, 16}, 1000);
+    ASSERT_TRUE(Driver->StartRecord());
+    ASSERT_FALSE(Take(64).empty());
+    AddFault("slot = 5\nunplug = true");
+    ASSERT_FALSE(Take(256).empty());
+    std::vector<int16_t> samples = Take(128);
+    ASSERT_FALSE(samples.empty());
+    for (size_t k = 1; k < 64; k++) {
+        EXPECT_EQ(samples[2 * k], samples[0] + static_cast<int16_t>(k)) << k;  // the other module goes on
+        EXPECT_EQ(samples[2 * k + 1], samples[2 * (k + 64) + 1]);              // this one repeats its last block
+    }
+    AddFault("slot = 3\nunplug = true");  // both gone: the repeated blocks keep the pace of the rate
+    const int32_t before = Driver->InputCountKadrs();
+    const auto start = Clock::now();
+    std::this_thread::sleep_for(std::chrono::milliseconds(640));
+    EXPECT_LE(Driver->InputCountKadrs() - before, MillisecondsSince(start) + 2 * 64);
+    const auto stop = Clock::now();
+    Driver->StopRecord();
+    EXPECT_LT(MillisecondsSince(stop), 140);
+    EXPECT_EQ(Driver->LastError(), "");
+    EXPECT_TRUE(Driver->Test());
+}
+
+}  // namespace
+}  // namespace corvane

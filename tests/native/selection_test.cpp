@@ -1,0 +1,52 @@
+#include <gtest/gtest.h>
+
+#include "selection/mQuorn.h"
+#include "selection/name_pattern.h"
+#include "simulator/control.h"
+
+namespace corvane {
+namespace {
+
+TEST(NamePattern, WildcardsMatchWholeNames) {
+    const struct {
+        const char* Name;
+        const char* Pattern;
+        bool Matches;
+    } cases[] = {{"LTR27", "LTR27", true},      {"LTR27", "ltr27", false},     {"LTR27", "LTR2", false},
+                 {"LTR27", "LTR2?", true},      {"LTR2", "LTR2?", false},      {"LTR27", "LTR##", true},
+                 {"LTR2x", "LTR##", false},     {"LTR27", "*", true},          {"", "*", true},
+                 {"LTR27", "L*2*7", true},      {"LTR27", "L*2*8", false},     {"LTR27", "LTR2[5-7]", true},
+                 {"LTR24", "LTR2[5-7]", false}, {"LTR24", "LTR2[!5-7]", true}, {"LTR27", "LTR2[!5-7]", false},
+                 {"LTR27", "LTR2[7", false},    {"LTR27", "[KL]TR27", true},   {"LTR-", "LTR[a-]", true}};
+    for (const auto& each : cases) {
+        EXPECT_EQ(MatchesPattern(each.Name, each.Pattern), each.Matches) << each.Name << " " << each.Pattern;
+    }
+    const std::string hostile = std::string(40, '*') + "b";
+    EXPECT_FALSE(MatchesPattern(std::string(20000, 'a'), hostile));
+}
+
+TEST(Enumeration, ListsCratesWithMatchingModulesOnly) {
+    const char* crates =
+        "[[server]]\naddress = \"127.0.0.1\"\n"
+        "[[server.crate]]\nserial = \"NONE\"\n[[server.crate.module]]\nid = \"LTR11\"\nslot = 1\n"
+        "[[server.crate]]\nserial = \"BOTH\"\n[[server.crate.module]]\nid = \"LTR11\"\nslot = 1\n"
+        "[[server.crate.module]]\nid = \"LTR27\"\nslot = 2\n[[server.crate.module]]\nid = \"LTR27\"\nslot = 5\n"
+        "[[server]]\naddress = \"10.0.0.1\"\n";
+    ASSERT_EQ(LtrSim_Configure(crates), 0) << LtrSim_Message();
+    DriverState state;
+    EXPECT_EQ(FindCrates(state, "LTR27"), 1);
+    ASSERT_EQ(state.CrateList.size(), 1u);
+    EXPECT_EQ(state.CrateList[0].Serial, "BOTH");
+    EXPECT_EQ(state.CrateList[0].Address, "127.0.0.1");
+    ASSERT_EQ(state.CrateList[0].Modules.size(), 2u);
+    EXPECT_EQ(state.CrateList[0].Modules[0].Slot, 2);
+    EXPECT_EQ(state.CrateList[0].Modules[1].Slot, 5);
+    EXPECT_EQ(EnumerateCrates(state, 0x7F000001, ""), 2);
+    EXPECT_EQ(state.CrateList[1].Modules.size(), 3u);
+    EXPECT_EQ(EnumerateCrates(state, 0x0A000001, ""), 0);
+    EXPECT_EQ(EnumerateCrates(state, 0x0A000002, ""), -1);
+    EXPECT_EQ(state.Device.LastError, "");
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,113 @@
+#include "engine/store_block.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <random>
+
+#include "common/rounding.h"
+
+namespace corvane {
+namespace {
+
+// The rule, written down once more in long-hand arithmetic.
+int16_t Expected(double code) {
+    if (!(code > -32768.0)) return -32768;
+    if (code > 32767.0) code = 32767.0;
+    double whole = std::floor(code);
+    const double rest = code - whole;
+    if (rest > 0.5 || (rest == 0.5 && std::fmod(whole, 2) != 0)) whole += 1;
+    return static_cast<int16_t>(std::max(whole - 16384, -32768.0));
+}
+
+std::vector<double> Codes() {
+    std::vector<double> codes = {0.0,
+                                 -0.0,
+                                 1e300,
+                                 -1e300,
+                                 2147483647.5,
+                                 2147483648.0,
+                                 -2147483649.0,
+                                 5e-324,
+                                 40000,
+                                 -40000,
+                                 std::numeric_limits<double>::infinity(),
+                                 -std::numeric_limits<double>::infinity(),
+                                 std::numeric_limits<double>::quiet_NaN(),
+                                 -std::numeric_limits<double>::quiet_NaN()};
+    for (int code = -32770; code <= 32770; code += code > -16390 && code < 32700 ? 7 : 1) {
+        const double half = code + 0.5;
+        for (const double each : {double(code), half, std::nextafter(half, -1e9), std::nextafter(half, 1e9)}) {
+            codes.push_back(each);
+        }
+    }
+    std::mt19937_64 random(7);
+    for (int i = 0; i < 100000; i++) codes.push_back(std::bit_cast<double>(random()));
+    while (codes.size() % (64 * ModuleChannels) != 0) codes.push_back(12345.5);
+    return codes;
+}
+
+class StoreBlockTest : public testing::Test {
+protected:
+    StoreBlockTest() {
+        Engine.Modules.resize(2);
+        Engine.OpenedCount = 2;
+        for (ModuleRecord& module : Engine.Modules) {
+            for (MezzanineInfo& mezzanine : module.Mezzanines) mezzanine.Name = "fitted";
+            module.Block.resize(64 * ModuleChannels);
+        }
+        Engine.Modules[1].Mezzanines[3].Name.clear();
+    }
+
+    // Every value must land at its channel's position and nowhere else.
+    void Check(const std::vector<int16_t>& table) {
+        const std::vector<double> codes = Codes();
+        const StorePlan plan = PlanStore(Engine, table);
+        std::vector<int16_t> ring(64 * table.size() + 1);
+        int64_t wrong = 0;
+        for (size_t first = 0; first < codes.size(); first += 64 * ModuleChannels) {
+            std::copy_n(codes.begin() + static_cast<ptrdiff_t>(first), 64 * ModuleChannels,
+                        Engine.Modules[0].Block.begin());
+            std::reverse_copy(Engine.Modules[0].Block.begin(), Engine.Modules[0].Block.end(),
+                              Engine.Modules[1].Block.begin());
+            std::fill(ring.begin(), ring.end(), int16_t{0});
+            ring.back() = 4711;
+            StoreBlock(plan, 64, ring.data());
+            for (size_t i = 0; i < 64 * table.size(); i++) {
+                const int16_t channel = table[i % table.size()];
+                const ModuleRecord& module = Engine.Modules[static_cast<size_t>(channel / ModuleChannels)];
+                const bool fitted = ChannelFitted(module, channel % ModuleChannels);
+                const double code =
+                    module.Block[i / table.size() * ModuleChannels + static_cast<size_t>(channel % ModuleChannels)];
+                wrong += ring[i] != (fitted ? Expected(code) : 0);
+            }
+            ASSERT_EQ(ring.back(), 4711);
+        }
+        EXPECT_EQ(wrong, 0);
+    }
+
+    EngineState Engine;
+};
+
+TEST_F(StoreBlockTest, EveryDoubleInEveryShapeOfTable) {
+    std::vector<int16_t> all(32);
+    std::iota(all.begin(), all.end(), int16_t{0});
+    const std::vector<int16_t> second(all.begin() + 16, all.end());
+    for (const auto& table : {all,
+                              second,
+                              std::vector<int16_t>{0},
+                              {3, 20, 22, 23, 31},
+                              {0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}}) {
+        Check(table);
+    }
+    EXPECT_EQ(ClampToInt16(40000), 32767);
+    EXPECT_EQ(ClampToInt16(2.5), 2);
+    EXPECT_EQ(ClampToInt16(3.5), 4);
+}
+
+}  // namespace
+}  // namespace corvane
