@@ -1,0 +1,34 @@
+// Automation's arrays to and from the driver's vectors. Every array handed out belongs to the caller and is typed
+// (VT_I2 or VT_BSTR), with lower bounds 0. Functions throw std::bad_alloc or Failure.
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+class DriverObject;
+
+// A failure that the host is told as it is.
+struct Failure {
+    HRESULT Code;
+};
+
+SAFEARRAY* ToArray(std::span<const int16_t> samples);
+SAFEARRAY* ToArray(std::span<const std::string> texts);
+
+// Elements of a one-dimensional array of short, whatever its lower bound; it may be empty. E_INVALIDARG for a null
+// array, for other elements and for more dimensions.
+std::vector<int16_t> FromArray(SAFEARRAY* array);
+
+// All unread kadrs: dimension 1 is the channel position, dimension 2 the kadr, where kadr 0 holds the channel numbers.
+// The samples of one kadr are adjacent in memory.
+SAFEARRAY* TakeInputData(DriverObject& driver);
+
+}  // namespace corvane

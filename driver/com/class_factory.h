@@ -1,0 +1,11 @@
+// The class factory of Corvane.
+#pragma once
+
+#include <windows.h>
+
+namespace corvane {
+
+// Answers as DllGetClassObject does for the component's one class.
+HRESULT GetClassFactory(REFIID identifier, void** object);
+
+}  // namespace corvane

@@ -1,0 +1,24 @@
+// The fixed identifiers under which hosts and the platform know the component. The identifiers of the interfaces and of
+// the class itself come with the generated headers.
+#pragma once
+
+#include <ADCInterface3.h>
+#include <Tessmark.h>
+
+namespace corvane {
+
+constexpr wchar_t ProgrammaticIdentifier[] = L"Tessmark.Corvane";
+constexpr wchar_t ComponentDescription[] = L"L-Card Corvane ADC Driver";
+
+// Type library resources of the component's file.
+constexpr int TessmarkResource = 1;
+constexpr int ADCInterface3Resource = 2;
+
+constexpr GUID TessmarkLibrary = {0xB4598549, 0xF4AF, 0x4583, {0x85, 0x3E, 0xDC, 0xB9, 0x1F, 0xC0, 0xCD, 0xFD}};
+constexpr wchar_t TessmarkVersion[] = L"1.1";
+constexpr wchar_t TessmarkLocale[] = L"409";  // hexadecimal, as the registry names it
+
+// _Corvane as hosts built against earlier releases ask for it: the same slots.
+constexpr GUID EarlierCorvane = {0xFAC99029, 0x3AFF, 0x4FAD, {0xA8, 0x3E, 0xC4, 0x16, 0xF4, 0x0B, 0x48, 0xB6}};
+
+}  // namespace corvane

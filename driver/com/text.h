@@ -1,0 +1,19 @@
+// Text at the COM border, where it is UTF-16.
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <string>
+#include <string_view>
+
+namespace corvane {
+
+// Bytes that are no UTF-8 become the replacement character.
+std::wstring ToUtf16(std::string_view utf8);
+
+// The caller owns the result. Throws std::bad_alloc.
+BSTR ToBstr(std::string_view utf8);
+
+}  // namespace corvane
