@@ -1,0 +1,83 @@
+// What a host does with the component: the apartment, registration, creation, reading members. For tests only.
+#pragma once
+
+#include <windows.h>
+
+#include <ADCInterface3.h>
+#include <Tessmark.h>
+#include <gtest/gtest.h>
+#include <oleauto.h>
+#include <wrl/client.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace corvane::test {
+
+using Microsoft::WRL::ComPtr;
+
+class Apartment {
+public:
+    Apartment() { CoInitialize(nullptr); }
+    ~Apartment() { CoUninitialize(); }
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+};
+
+// Full path of the component under test: that of the folder `stage`, which holds this executable or lies beside its
+// folder.
+std::wstring ComponentPath();
+
+// The component's file, loaded without COM's knowledge.
+class LoadedComponent {
+public:
+    LoadedComponent();
+    ~LoadedComponent();
+    LoadedComponent(const LoadedComponent&) = delete;
+    LoadedComponent& operator=(const LoadedComponent&) = delete;
+
+    HRESULT Call(const char* function) const;  // DllRegisterServer, DllUnregisterServer or DllCanUnloadNow
+    HRESULT GetClassObject(const GUID& classIdentifier, const GUID& identifier, void** object) const;
+
+private:
+    FARPROC Find(const char* function) const;
+    HMODULE Module_;
+};
+
+// Creates an object by its programmatic identifier. Null when that fails.
+ComPtr<IADC3> CreateDriver();
+
+template <class Value>
+Value Read(IADC3* driver, HRESULT (STDMETHODCALLTYPE IADC3::*member)(Value*)) {
+    Value value = {};
+    EXPECT_EQ(S_OK, (driver->*member)(&value));
+    return value;
+}
+
+inline bool True(IADC3* driver, HRESULT (STDMETHODCALLTYPE IADC3::*member)(VARIANT_BOOL*)) {
+    return Read(driver, member) == VARIANT_TRUE;
+}
+
+std::wstring LastError(IADC3* driver);
+
+struct ArrayDestroyer {
+    void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
+};
+using Array = std::unique_ptr<SAFEARRAY, ArrayDestroyer>;
+
+Array MakeShorts(const std::vector<short>& values, LONG lowerBound);
+void SelectChannels(IADC3* driver, const std::vector<short>& channels);
+std::vector<short> SelectedChannels(IADC3* driver);
+
+// Polls until `condition` holds; false after the time-out.
+template <class Condition>
+bool WaitFor(Condition condition, DWORD timeoutMs) {
+    for (const DWORD start = GetTickCount(); !condition();) {
+        if (GetTickCount() - start > timeoutMs) return false;
+        Sleep(1);
+    }
+    return true;
+}
+
+}  // namespace corvane::test

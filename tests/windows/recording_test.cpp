@@ -1,0 +1,124 @@
+// Recordings through COM: every kadr reaches the host once and in order, however it reads.
+#include <algorithm>
+#include <random>
+#include <thread>
+
+#include "tests/windows/recording_host.h"
+
+namespace corvane::test {
+namespace {
+
+constexpr LONG EnoughKadrs = 100000;  // three rounds of the even channels' count
+constexpr LONG RingKadrs = 2048;      // small, so that a stalled host finds it full
+constexpr DWORD Patience = 60000;     // ms; a block of 64 kadrs takes the driver some 5 ms
+
+class Recording : public DriverTest {
+protected:
+    // Reads once with room for `samples`, and checks what GetData says about it.
+    LONG ReadData(std::vector<short>& buffer, LONG samples) {
+        constexpr short Canary = 0x5A5A;
+        buffer.assign(static_cast<size_t>(samples) + 1, Canary);
+        LONG count = samples, remaining = -1, kadrs = -1;
+        EXPECT_EQ(S_OK, Driver->GetData(buffer.data(), &count, &remaining, &kadrs));
+        EXPECT_EQ(kadrs * 32, count);
+        EXPECT_LE(count, samples);
+        EXPECT_EQ(0, remaining % 32);
+        EXPECT_EQ(Canary, buffer[static_cast<size_t>(count)]) << "written beyond the count";
+        return kadrs;
+    }
+
+    std::mt19937 Random{27};
+};
+
+// Takes all unread kadrs with InputData. False when the array isn't one kadr of channel numbers and then data.
+bool TakeInputData(IADC3* driver, LONG channels, SequenceCheck& check) {
+    const Array data(Read(driver, &IADC3::get_InputData));
+    if (!data || data->rgsabound[1].cElements != static_cast<ULONG>(channels)) return false;
+    const short* first = static_cast<const short*>(data->pvData);
+    for (short channel = 0; channel < channels; channel++) {
+        if (first[channel] != channel) return false;
+    }
+    check.Take(first + channels, static_cast<LONG>(data->rgsabound[0].cElements) - 1);
+    return true;
+}
+
+TEST_F(Recording, GetDataDeliversEveryKadrOnce) {
+    ASSERT_TRUE(OpenSequence(2));
+    ASSERT_EQ(S_OK, Driver->put_InputSizeData(RingKadrs));
+    ASSERT_TRUE(Start(1000));
+    ASSERT_EQ(RingKadrs, Read(Driver.Get(), &IADC3::get_InputSizeKadrs));
+    SequenceCheck check(2);
+    std::vector<short> buffer;
+    bool ringWasFull = false;
+    for (const DWORD start = GetTickCount(); check.Kadrs() < EnoughKadrs && GetTickCount() - start < Patience;) {
+        Sleep(Random() % 40 == 0 ? 400 : Random() % 60);
+        ringWasFull |= Read(Driver.Get(), &IADC3::get_InputCountKadrs) == RingKadrs;
+        const LONG kadrs = ReadData(buffer, static_cast<LONG>(Random() % (2 * RingKadrs * 32)));
+        check.Take(buffer.data(), kadrs);
+    }
+    ASSERT_EQ(S_OK, Driver->StopRecord());
+    while (const LONG kadrs = ReadData(buffer, 32 * 100)) check.Take(buffer.data(), kadrs);
+    EXPECT_EQ("", check.Fault());
+    EXPECT_GE(check.Kadrs(), EnoughKadrs);
+    EXPECT_TRUE(ringWasFull);
+    EXPECT_EQ(0, Read(Driver.Get(), &IADC3::get_InputCountData));
+}
+
+TEST_F(Recording, InputDataDeliversEveryKadrOnce) {
+    ASSERT_TRUE(OpenSequence(2));
+    ASSERT_EQ(S_OK, Driver->put_InputSizeData(RingKadrs));
+    ASSERT_TRUE(Start(1000));
+    SequenceCheck check(2);
+    for (const DWORD start = GetTickCount(); check.Kadrs() < EnoughKadrs && GetTickCount() - start < Patience;) {
+        Sleep(Random() % 100);
+        ASSERT_TRUE(TakeInputData(Driver.Get(), 32, check));
+    }
+    ASSERT_EQ(S_OK, Driver->StopRecord());
+    ASSERT_TRUE(TakeInputData(Driver.Get(), 32, check));
+    EXPECT_EQ("", check.Fault());
+    EXPECT_GE(check.Kadrs(), EnoughKadrs);
+}
+
+// One host thread with objects of its own: opens, records `kadrs` kadrs and leaves. Says what went wrong.
+std::string RecordAsHost(float rate, LONG kadrs) {
+    const Apartment apartment;
+    const ComPtr<IADC3> driver = CreateDriver();
+    if (!driver) return "no object";
+    if (!True(driver.Get(), &IADC3::Test)) return "not opened";
+    SelectChannels(driver.Get(), FirstChannels(32));
+    driver->put_Rate(rate);
+    if (!True(driver.Get(), &IADC3::StartRecord)) return "not started";
+    if (std::abs(Read(driver.Get(), &IADC3::get_Rate) - rate) > 0.01f) return "the other thread's rate";
+    SequenceCheck check(2);
+    for (const DWORD start = GetTickCount(); check.Kadrs() < kadrs; Sleep(10)) {
+        if (GetTickCount() - start > Patience) return "too slow: " + std::to_string(check.Kadrs()) + " kadrs";
+        if (!TakeInputData(driver.Get(), 32, check)) return "wrong array";
+    }
+    return check.Fault();
+}
+
+TEST_F(Recording, HostThreadsRecordSideBySide) {
+    ASSERT_TRUE(OpenSequence(2));
+    std::string results[2];
+    std::thread first([&] { results[0] = RecordAsHost(1000, 30000); });
+    std::thread second([&] { results[1] = RecordAsHost(500, 10000); });
+    first.join();
+    second.join();
+    EXPECT_EQ("", results[0]);
+    EXPECT_EQ("", results[1]);
+    EXPECT_TRUE(True(Driver.Get(), &IADC3::get_Detected)) << "this thread's device stays open";
+}
+
+TEST_F(Recording, ObjectsOfOneThreadShareTheDevice) {
+    ASSERT_TRUE(OpenSequence(1));
+    ASSERT_TRUE(Start(500));
+    ComPtr<IADC3> second = CreateDriver();
+    EXPECT_TRUE(True(second.Get(), &IADC3::get_Busy));
+    EXPECT_FALSE(True(second.Get(), &IADC3::StartRecord));
+    Driver = second;
+    EXPECT_TRUE(WaitForKadrs(64)) << "the first object's end stopped the recording";
+    EXPECT_FLOAT_EQ(500, Read(Driver.Get(), &IADC3::get_Rate));
+}
+
+}  // namespace
+}  // namespace corvane::test
