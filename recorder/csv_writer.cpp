@@ -11,9 +11,9 @@ namespace {
 
 constexpr int DecimalsMax = 12;
 
-// Fewest decimals whose last place is no larger than one code.
+// Fewest decimals whose last place is no larger than a tenth of a code: the text then adds no error worth naming.
 int DecimalsFor(double scale) {
-    return std::clamp(static_cast<int>(std::ceil(std::log10(std::abs(scale)) - 1e-9)), 0, DecimalsMax);
+    return std::clamp(static_cast<int>(std::ceil(std::log10(std::abs(scale)) - 1e-9)) + 1, 0, DecimalsMax);
 }
 
 void AppendFixed(std::string& text, double value, int decimals) {

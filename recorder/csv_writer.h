@@ -26,8 +26,8 @@ public:
     // Appends the comment lines and the header row.
     void AppendHeader(std::string& text, const std::string& device, std::time_t start, int64_t wantedKadrs) const;
 
-    // Appends the rows of whole kadrs, one after another. A value has the fewest decimals that keep neighbouring codes
-    // apart, and lies within half a code of the exact one.
+    // Appends the rows of whole kadrs, one after another. A value has the fewest decimals that keep it
+    // within a twentieth of a code of the exact one.
     void AppendRows(std::string& text, std::span<const int16_t> samples);
 
 private:

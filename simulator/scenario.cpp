@@ -73,11 +73,12 @@ void ReadSignals(const TomlTable& table, const std::string& source, Mezzanine& m
         table.Refuse("signal", "must be one table, or an array of two for the two channels");
 }
 
-// Coefficients off the identity and different on every channel, so that a driver that doesn't apply them is seen.
+// Coefficients off the identity and different on every channel, so that a driver that doesn't apply them is seen. Scales
+// below 1 keep a calibrated code within half a code of its signal.
 Calibration FactoryDefault(const Signal& signal, uint32_t slot, size_t position, size_t channel) {
     if (signal.Kind == SignalKind::Sequence) return {};
     const double step = static_cast<double>(position * MezzanineChannels + channel);
-    return {-40.0 - 3.5 * step - slot, 0.985 + 0.002 * step};
+    return {-40.0 - 3.5 * step - slot, 0.95 + 0.002 * step};
 }
 
 void ReadCalibration(const TomlTable& table, uint32_t slot, size_t position, Mezzanine& mezzanine) {

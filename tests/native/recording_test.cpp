@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <map>
+#include <algorithm>
+#include <cmath>
+#include <numeric>
 
 #include "driver/lifecycle.h"
-#include "engine/recording.h"
+#include "simulator/scenario.h"
 #include "tests/native/driver_fixture.h"
 
 namespace corvane {
@@ -100,6 +102,35 @@ TEST_F(RecordingTest, ChannelsOfBothModulesLandInTheirPlaces) {
         EXPECT_EQ(kadr[4], 0);
     }
     StopWhole();
+}
+
+TEST_F(RecordingTest, SamplesAreTheSimulatedSignals) {
+    std::string scenario = ltrsim::DefaultScenario;
+    const std::string realTime = "speed = 1";
+    ASSERT_NE(scenario.find(realTime), std::string::npos);
+    scenario.replace(scenario.find(realTime), realTime.size(), "speed = 0");
+    std::vector<int16_t> all(32);
+    std::iota(all.begin(), all.end(), int16_t{0});
+    Open(scenario, all, 500);
+    ASSERT_TRUE(Driver->StartRecord());
+    const std::vector<int16_t> samples = Take(2048);
+    ASSERT_FALSE(samples.empty());
+    StopWhole();
+    constexpr int64_t FirstKadr = 3;  // at full speed the START mark shows in the fourth kadr
+    int fitted = 0;
+    for (int channel = 0; channel < 32; channel++) {
+        const bool empty = std::isnan(LtrSim_ExpectedCode(channel < 16 ? 3 : 5, channel % 16, 0, 500));
+        EXPECT_EQ(empty, Driver->ChannelName(static_cast<int16_t>(channel)) == "Empty");
+        fitted += !empty;
+        double worst = 0;
+        for (int64_t k = 0; k < 2048; k++) {
+            const double code = LtrSim_ExpectedCode(channel < 16 ? 3 : 5, channel % 16, FirstKadr + k, 500);
+            const int16_t sample = samples[static_cast<size_t>(k * 32 + channel)];
+            worst = std::max(worst, std::abs(sample - (empty ? 0 : code - 16384)));
+        }
+        EXPECT_LE(worst, 1.0) << channel;
+    }
+    EXPECT_EQ(fitted, 20);
 }
 
 TEST_F(RecordingTest, OnlyModulesOfSelectedChannelsRun) {
