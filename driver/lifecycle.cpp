@@ -65,16 +65,17 @@ DriverState& AttachObject() {
 void DetachObject(DriverState& state) noexcept {
     std::unique_ptr<DriverState> last = ReleaseInstance(state);
     if (!last) return;
+    bool closed = false;
     try {
-        if (!CloseDevice(*last)) {
-            // The thread may still touch the state, so it stays for good, and so does the code.
-            ThreadLeftBehind = true;
-            SaveSettings(*last.release());
-            return;
-        }
+        closed = CloseDevice(*last);
         SaveSettings(*last);
     } catch (...) {
-        // Only memory can fail here, and the state is going anyway.
+        // Nobody is left to be told.
+    }
+    if (!closed) {
+        // The thread may still touch the state, so it stays for good, and so does the code.
+        ThreadLeftBehind = true;
+        static_cast<void>(last.release());
     }
 }
 

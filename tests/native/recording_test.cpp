@@ -78,6 +78,10 @@ TEST_F(RecordingTest, StartNeedsAnOpenDeviceAndTheEndOfThePreviousThread) {
     EXPECT_FALSE(Driver->StartRecord());
     EXPECT_EQ(Driver->LastError(), "Please wait end of previous thread of recording!");
     EXPECT_EQ(Driver->GetChannel(0), 0);  // the thread still holds the module
+    DriverState& state = AttachObject();
+    Driver->SetRate(1000);
+    EXPECT_EQ(state.Engine.Modules[0].Handle.FrequencyDivisor, 249);  // and its record
+    DetachObject(state);
     EXPECT_TRUE(Eventually([&] { return Driver->StartRecord(); }));
     StopWhole();
 }
@@ -101,7 +105,19 @@ TEST_F(RecordingTest, ChannelsOfBothModulesLandInTheirPlaces) {
         EXPECT_EQ(kadr[3], -16384);
         EXPECT_EQ(kadr[4], 0);
     }
+    ASSERT_TRUE(Eventually([&] { return Driver->InputCountKadrs() > 0; }));
     StopWhole();
+    // Unread kadrs keep the channels that they were recorded with; the new table holds once they are read.
+    Select({7});
+    const InputDataShape shape = Driver->NextInputData();
+    ASSERT_EQ(shape.Channels, 5);
+    EXPECT_EQ(Driver->InputCountData(), shape.Kadrs * 5);
+    std::vector<int16_t> data(static_cast<size_t>(shape.Kadrs + 1) * 5);
+    Driver->TakeInputData(shape, data.data());
+    EXPECT_EQ(std::vector<int16_t>(data.begin(), data.begin() + 5), (std::vector<int16_t>{0, 15, 16, 17, 31}));
+    EXPECT_EQ(KadrNumber(data[5]), KadrNumber(samples[0]) + 256);
+    EXPECT_EQ(Driver->NextInputData().Channels, 1);
+    EXPECT_EQ(Driver->NextInputData().Kadrs, 0);
 }
 
 TEST_F(RecordingTest, SamplesAreTheSimulatedSignals) {
@@ -181,6 +197,7 @@ TEST_F(RecordingTest, TheStartMarkBeginsTheRecording) {
     const int32_t first[] = {3, 64, 201};
     for (size_t i = 0; i < crates.size(); i++) {
         Open(SequenceCrate({3, 5}, "0", crates[i]), {0, 16}, 1000);
+        if (i == 0) AddFault("call = \"LTR27_Recv\"\nslot = 5\ntimes = 1\nstall = true");  // one module comes later
         ASSERT_TRUE(Driver->StartRecord());
         const std::vector<int16_t> samples = Take(128);
         ASSERT_FALSE(samples.empty());
@@ -193,6 +210,7 @@ TEST_F(RecordingTest, TheStartMarkBeginsTheRecording) {
 
 TEST_F(RecordingTest, AMarkThatNeverComesBringsNoKadr) {
     Open(SequenceCrate({3, 5}, "1.0", "start_marks = \"never\""), {0, 16}, 1000);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1100));  // the marks of seconds go on and mean nothing
     ASSERT_TRUE(Driver->StartRecord());
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     EXPECT_TRUE(Driver->Busy());
