@@ -4,20 +4,20 @@
 
 #include <algorithm>
 
-#include "common/rounding.h"
-
 namespace corvane {
 
 namespace {
 
-// Two values to the nearest 32-bit integers within 16 bits. The operand order makes NaN the lowest value; the
-// conversion alone would turn large positive values into it too.
+constexpr double Highest = 32767;
+
+// Two values to the nearest integers, at most 32767. The conversion itself makes the lowest integer of everything below
+// its range, but of everything above it, too: hence the limit. The operand order lets NaN through, to end as the
+// lowest.
 __m128i RoundTwo(const double* values) {
-    const __m128d lowest = _mm_set1_pd(-32768);
-    const __m128d highest = _mm_set1_pd(32767);
-    return _mm_cvtpd_epi32(_mm_min_pd(_mm_max_pd(_mm_loadu_pd(values), lowest), highest));
+    return _mm_cvtpd_epi32(_mm_min_pd(_mm_set1_pd(Highest), _mm_loadu_pd(values)));
 }
 
+// The packing saturates at the lowest 16-bit value.
 __m128i EightSamples(const double* values) {
     const __m128i low = _mm_unpacklo_epi64(RoundTwo(values), RoundTwo(values + 2));
     const __m128i high = _mm_unpacklo_epi64(RoundTwo(values + 4), RoundTwo(values + 6));
@@ -78,7 +78,8 @@ StorePlan PlanStore(const EngineState& engine, const std::vector<int16_t>& table
 }
 
 int16_t SampleOf(double code) {
-    return static_cast<int16_t>(std::max(ClampToInt16(code) - MidScale, -32768));
+    const int rounded = _mm_cvtsd_si32(_mm_min_sd(_mm_set_sd(Highest), _mm_set_sd(code)));
+    return static_cast<int16_t>(std::max(rounded, MidScale - 32768) - MidScale);
 }
 
 void StoreBlock(const StorePlan& plan, int32_t kadrs, int16_t* ring) {
