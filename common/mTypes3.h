@@ -1,13 +1,29 @@
-// Small services shared by the whole driver: where the settings live.
+// Small services shared by the whole driver: where the settings live, and its numbered texts.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "driver/model/driver_state.h"
 
 namespace corvane {
 
-// Derives the settings location from a device name. The first name given stays the driver's name.
+// Derives the settings location from a device name, points SettingsRegistry there, which creates the key, and leaves
+// the name as the key's default value. The first name given stays the driver's name. Where the key can be neither
+// opened nor created SettingsRegistry stays where it was, and nothing is written there.
 void InitSettingsLocation(DriverState& state, const std::string& name);
+
+// Points SettingsRegistry at the settings. False when they have no key: nothing may be read or written then.
+bool GoToSettings(DriverState& state);
+
+// The numbered text in the user's language with its placeholders filled in; empty when there is none.
+std::string ResourceText(int32_t number, const std::string& a1 = {}, const std::string& a2 = {},
+                         const std::string& a3 = {});
+
+// The template with its placeholders "%1" to "%5" filled in by the platform's rules for message texts. A template that
+// the platform rejects, that asks for a sixth argument or for anything but a text, or whose result is empty or longer
+// than the template and twice the arguments, comes back without its percent signs.
+std::string FormatText(const std::string& pattern, const std::string& a1, const std::string& a2, const std::string& a3,
+                       const std::string& a4, const std::string& a5);
 
 }  // namespace corvane

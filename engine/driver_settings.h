@@ -1,11 +1,16 @@
-// The two settings that outlive the driver: the rate and the START mark mode.
+// The two settings that outlive the driver: the rate and the START mark mode, kept per user in the registry. Failure is
+// silent: the built-in 10 Hz and mode 0 stay.
 #pragma once
 
 #include "driver/model/driver_state.h"
 
 namespace corvane {
 
+// Once for a host thread, when its first driver object is made and has its defaults. The rate is taken as stored:
+// opening the device, or reading Rate, brings it to a reachable one.
 void LoadSettings(DriverState& state);
-void SaveSettings(const DriverState& state);
+
+// Once, when its last driver object has closed the device.
+void SaveSettings(DriverState& state);
 
 }  // namespace corvane

@@ -11,6 +11,7 @@
 #include "driver/model/input_state.h"
 #include "hardware/TLTR27API.h"
 #include "hardware/TLTRAPI.h"
+#include "settings/cRegistry.h"
 
 namespace corvane {
 
@@ -25,6 +26,7 @@ struct DriverState {
     std::vector<CrateListEntry> CrateList;
     int16_t CrateListCount = 0;   // valid entries; -1: the last search could not ask its server
     std::string SettingsKeyPath;  // below HKEY_CURRENT_USER
+    cRegistry SettingsRegistry;   // points there
     std::string HelpFile;         // full path; empty: there is none
     TLTR27API ModuleApi;
     TLTRAPI CrateApi;

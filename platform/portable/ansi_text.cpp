@@ -55,7 +55,8 @@ std::string ToAnsi(std::string_view utf8) {
         const auto lead = static_cast<uint8_t>(utf8[i++]);
         const int following = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
         uint32_t point = following == 0 ? lead : lead & (0x3Fu >> following);
-        for (int k = 0; k < following && i < utf8.size(); k++) point = point << 6 | (utf8[i++] & 0x3Fu);
+        for (int k = 0; k < following && i < utf8.size(); k++)
+            point = point << 6 | (static_cast<uint8_t>(utf8[i++]) & 0x3Fu);
         text += AnsiByte(point);
     }
     return text;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "driver/driver_object.h"
+#include "platform/portable/registry_hooks.h"
 #include "platform/portable/test_hooks.h"
 #include "simulator/control.h"
 
@@ -35,7 +36,10 @@ inline std::string SequenceCrate(const std::vector<int>& slots, const std::strin
 
 class DriverFixture : public testing::Test {
 protected:
-    void SetUp() override { Configure(SequenceCrate({3, 5}, "1.0")); }
+    void SetUp() override {
+        platform::ClearRegistry();
+        Configure(SequenceCrate({3, 5}, "1.0"));
+    }
 
     void TearDown() override {
         Driver.reset();

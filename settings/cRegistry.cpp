@@ -1,0 +1,247 @@
+// Location, keys and typed values; listings and export are in registry_export.cpp.
+#include "settings/cRegistry.h"
+
+#include <bit>
+#include <cstring>
+#include <iterator>
+#include <type_traits>
+
+#include "platform/ansi_text.h"
+#include "platform/message_text.h"
+
+namespace corvane {
+
+namespace {
+
+using namespace platform;
+
+constexpr uint32_t ReadRights = QueryValueRight | EnumerateSubKeysRight | ReadControlRight;
+constexpr uint32_t ChangeRights = SetValueRight | CreateSubKeyRight | ReadControlRight;
+constexpr uint32_t MessageRoom = 256;  // characters
+
+static_assert(std::endian::native == std::endian::little, "numbers are stored as their bytes in memory");
+
+std::string StripAtNull(const std::string& text) {
+    return text.substr(0, text.find('\0'));
+}
+
+// In the ANSI code page, where a character is a byte.
+std::string AnsiErrorText(int32_t code) {
+    const std::string text = SystemMessage(code, MessageRoom);
+    return text.size() > 2 ? text.substr(0, text.size() - 2) : std::string();
+}
+
+}  // namespace
+
+cRegistry::HeldKey::~HeldKey() {
+    if (Opened) CloseKey(Handle);
+}
+
+bool cRegistry::Record(int32_t result) {
+    LastError_ = result;
+    return result == 0;
+}
+
+bool cRegistry::Open(HeldKey& key, uint32_t root, const std::string& path, uint32_t rights) {
+    key.Opened = Record(OpenKey(root, ToAnsi(path), rights, key.Handle));
+    return key.Opened;
+}
+
+bool cRegistry::OpenForListing(HeldKey& key, uint32_t root, const std::string& path) {
+    if (!path.empty()) return Open(key, root, path, ReadRights);
+    key.Handle = root;
+    return true;
+}
+
+void cRegistry::SetRootKey(uint32_t root) {
+    if (root == RootKey_ || !KeyExists(root, "")) return;
+    RootKey_ = root;
+    SetKeyPath("");
+}
+
+void cRegistry::SetKeyPath(const std::string& path) {
+    if (path == KeyPath_) return;
+    if (KeyExists(RootKey_, path) || CreateKey(RootKey_, path, "")) KeyPath_ = path;
+}
+
+std::string cRegistry::SystemErrorText(int32_t code, bool cutAtPeriod) {
+    const std::string text = AnsiErrorText(code);
+    return FromAnsi(cutAtPeriod ? text.substr(0, text.find('.')) : text);
+}
+
+std::string cRegistry::LastErrorText() const {
+    std::string text = AnsiErrorText(LastError_);
+    if (text.size() > 4) text.pop_back();
+    return FromAnsi(text);
+}
+
+std::string cRegistry::RootKeyName(uint32_t root) {
+    static constexpr const char* Names[] = {"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER",     "HKEY_LOCAL_MACHINE",
+                                            "HKEY_USERS",        "HKEY_PERFORMANCE_DATA", "HKEY_CURRENT_CONFIG",
+                                            "HKEY_DYN_DATA"};
+    const uint32_t index = root - 0x80000000;
+    return index < std::size(Names) ? Names[index] : "";
+}
+
+bool cRegistry::HoldsDWord(const std::string& name) {
+    HeldKey key;
+    uint32_t type = 0, size = 0;
+    return Open(key, RootKey_, KeyPath_, QueryValueRight) &&
+           Record(QueryKeyValue(key.Handle, ToAnsi(name), &type, nullptr, size)) && type == DWordType &&
+           size == sizeof(int32_t);
+}
+
+bool cRegistry::KeyExists(uint32_t root, const std::string& path) {
+    HeldKey key;
+    return Open(key, root, path, ReadRights);
+}
+
+bool cRegistry::CreateKey(uint32_t root, const std::string& path, const std::string& defaultText) {
+    {
+        HeldKey key;
+        key.Opened = Record(platform::CreateKey(root, ToAnsi(path), CreateSubKeyRight, key.Handle));
+        if (!key.Opened) return false;
+    }
+    if (!defaultText.empty()) WriteStringAt(root, path, "", defaultText);
+    return true;
+}
+
+bool cRegistry::DeleteKey(uint32_t root, const std::string& path) {
+    HeldKey key;
+    return Open(key, root, path, ChangeRights) && Record(platform::DeleteKey(root, ToAnsi(path)));
+}
+
+bool cRegistry::DeleteValue(uint32_t root, const std::string& path, const std::string& name) {
+    HeldKey key;
+    return Open(key, root, path, ChangeRights) && Record(DeleteKeyValue(key.Handle, ToAnsi(name)));
+}
+
+// Once the length is known the text counts as read. A value that grew meanwhile gives what the platform left in the
+// buffer, which is an empty text.
+bool cRegistry::ReadAt(const Place& place, std::string& text) {
+    HeldKey key;
+    if (!Open(key, place.Root, place.Path, QueryValueRight)) return false;
+    const std::string name = ToAnsi(place.Name);
+    uint32_t size = 0;
+    if (!Record(QueryKeyValue(key.Handle, name, nullptr, nullptr, size))) return false;
+    std::string buffer(size_t{size} + 1, '\0');
+    if (size > 0) Record(QueryKeyValue(key.Handle, name, nullptr, buffer.data(), size));
+    text = FromAnsi(StripAtNull(buffer));
+    return true;
+}
+
+bool cRegistry::ReadAt(const Place& place, int32_t& number) {
+    HeldKey key;
+    if (!Open(key, place.Root, place.Path, QueryValueRight)) return false;
+    int32_t stored = number;
+    uint32_t size = sizeof stored;
+    if (!Record(QueryKeyValue(key.Handle, ToAnsi(place.Name), nullptr, &stored, size))) return false;
+    number = stored;
+    return true;
+}
+
+bool cRegistry::ReadAt(const Place& place, RegistryBytes& bytes) {
+    HeldKey key;
+    if (!Open(key, place.Root, place.Path, QueryValueRight)) return false;
+    const std::string name = ToAnsi(place.Name);
+    uint32_t size = 0;
+    if (!Record(QueryKeyValue(key.Handle, name, nullptr, nullptr, size)) || size == 0) return false;
+    RegistryBytes stored(size);  // keeps this length when the value shrinks now
+    if (!Record(QueryKeyValue(key.Handle, name, nullptr, stored.data(), size))) return false;
+    bytes = std::move(stored);
+    return true;
+}
+
+template <class Value>
+bool cRegistry::ReadAt(const Place& place, Value& value) {
+    if constexpr (sizeof value == sizeof(int64_t)) {
+        RegistryBytes bytes;
+        if (!ReadAt(place, bytes) || bytes.size() != sizeof value) return false;
+        std::memcpy(&value, bytes.data(), sizeof value);
+    } else {
+        int32_t number = 0;
+        if (!ReadAt(place, number)) return false;
+        if constexpr (std::is_same_v<Value, bool>) {
+            value = number != 0;
+        } else {
+            std::memcpy(&value, &number, sizeof value);
+        }
+    }
+    return true;
+}
+
+template <class Value>
+bool cRegistry::ReadOr(const Place& place, Value& value, const Value& fallback) {
+    if (ReadAt(place, value)) return true;
+    if constexpr (std::is_same_v<Value, std::string>) {
+        if (fallback.empty()) return false;
+    }
+    value = fallback;
+    return false;
+}
+
+bool cRegistry::Store(const Place& place, uint32_t rights, uint32_t type, const void* data, size_t size) {
+    HeldKey key;
+    return Open(key, place.Root, place.Path, rights) &&
+           Record(SetKeyValue(key.Handle, ToAnsi(place.Name), type, data, static_cast<uint32_t>(size)));
+}
+
+// The terminator is not counted; the platform finds it behind the text and adds it.
+bool cRegistry::WriteAt(const Place& place, const std::string& text) {
+    const std::string ansi = ToAnsi(text);
+    return Store(place, SetValueRight, TextType, ansi.c_str(), ansi.size());
+}
+
+bool cRegistry::WriteAt(const Place& place, const RegistryBytes& bytes) {
+    return !bytes.empty() && Store(place, SetValueRight, BinaryType, bytes.data(), bytes.size());
+}
+
+template <class Value>
+bool cRegistry::WriteAt(const Place& place, const Value& value) {
+    if constexpr (sizeof value == sizeof(int64_t)) {
+        return Store(place, SetValueRight, BinaryType, &value, sizeof value);
+    } else {
+        uint32_t number = 0;
+        std::memcpy(&number, &value, sizeof value);
+        return Store(place, ChangeRights, DWordType, &number, sizeof number);
+    }
+}
+
+#define CORVANE_REGISTRY_MEMBERS(F, T)                                                                              \
+    void cRegistry::Set##F##Value(const std::string& name, const T& value) {                                        \
+        WriteAt(Here(name), value);                                                                                 \
+    }                                                                                                               \
+    bool cRegistry::Write##F(const std::string& name, const T& value) {                                             \
+        return WriteAt(Here(name), value);                                                                          \
+    }                                                                                                               \
+    bool cRegistry::Read##F##At(uint32_t root, const std::string& path, const std::string& name, T& value) {        \
+        return ReadAt({root, path, name}, value);                                                                   \
+    }                                                                                                               \
+    bool cRegistry::Write##F##At(uint32_t root, const std::string& path, const std::string& name, const T& value) { \
+        return WriteAt({root, path, name}, value);                                                                  \
+    }
+#define CORVANE_REGISTRY_READERS(F, T)                                              \
+    T cRegistry::F##Value(const std::string& name) {                                \
+        T value = {};                                                               \
+        ReadAt(Here(name), value);                                                  \
+        return value;                                                               \
+    }                                                                               \
+    bool cRegistry::Read##F(const std::string& name, T& value, const T& fallback) { \
+        return ReadOr(Here(name), value, fallback);                                 \
+    }
+
+CORVANE_REGISTRY_FAMILIES(CORVANE_REGISTRY_MEMBERS)
+CORVANE_REGISTRY_FAMILIES(CORVANE_REGISTRY_READERS)
+CORVANE_REGISTRY_MEMBERS(Binary, RegistryBytes)
+
+RegistryBytes cRegistry::BinaryValue(const std::string& name) {
+    RegistryBytes value = {0};
+    ReadAt(Here(name), value);
+    return value;
+}
+
+bool cRegistry::ReadBinary(const std::string& name, RegistryBytes& value) {
+    return ReadAt(Here(name), value);
+}
+
+}  // namespace corvane

@@ -1,0 +1,140 @@
+// What a driver object starts with and leaves behind in the registry.
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <thread>
+
+#include "driver/driver_object.h"
+#include "driver/lifecycle.h"
+#include "platform/portable/registry_hooks.h"
+#include "tests/registry/registry_stage.h"
+
+namespace corvane::test {
+namespace {
+
+using namespace std::string_literals;
+using platform::BinaryType;
+using platform::DWordType;
+using platform::TextType;
+
+const std::string SettingsKey = "Software\\Vrex\\ADC\\L-Card\\LTR27";
+
+template <class Value>
+std::string BytesOf(Value value) {
+    std::string bytes(sizeof value, '\0');
+    std::memcpy(bytes.data(), &value, sizeof value);
+    return bytes;
+}
+
+class Settings : public testing::Test {
+protected:
+    void SetUp() override { platform::ClearRegistry(); }
+    void TearDown() override { platform::ClearRegistry(); }
+
+    static void Store(const std::string& name, uint32_t type, const std::string& data) {
+        platform::StoreValue(CurrentUser, SettingsKey, name, type, data);
+    }
+};
+
+// The stored rate as it stands in the state, before anything brings it to a reachable one, and the mode.
+std::pair<float, int16_t> Loaded() {
+    DriverState& state = AttachObject();
+    const std::pair<float, int16_t> loaded = {state.Input.Rate, state.Crate.MarkSTARTMode};
+    DetachObject(state);
+    return loaded;
+}
+
+TEST_F(Settings, AreLoadedOnlyWhenUsable) {
+    using Float = std::numeric_limits<float>;
+    const struct {
+        uint32_t Type;
+        std::string Data;
+        float Rate;
+    } rates[] = {
+        {DWordType, BytesOf(400.0f), 400},
+        {DWordType, BytesOf(0.5f), 0.5f},
+        {DWordType, BytesOf(1000.0f), 1000},
+        {DWordType, BytesOf(1000.0001f), 10},
+        {DWordType, BytesOf(1500.0f), 10},
+        {DWordType, BytesOf(0.0f), 10},
+        {DWordType, BytesOf(-0.0f), 10},
+        {DWordType, BytesOf(-5.0f), 10},
+        {DWordType, BytesOf(Float::quiet_NaN()), 10},
+        {DWordType, BytesOf(Float::signaling_NaN()), 10},
+        {DWordType, BytesOf(Float::infinity()), 10},
+        {DWordType, BytesOf(-Float::infinity()), 10},
+        {DWordType, BytesOf(Float::denorm_min()), 10},
+        {DWordType, BytesOf(Float::min()), Float::min()},
+        {DWordType, "\xFF\xFF\xFF", 10},  // short of a byte
+        {TextType, "12AC", 10},           // 193.3 to whoever takes it for a float
+        {BinaryType, BytesOf(400.0f), 10},
+        {TextType, "400\0"s, 10},
+        {BinaryType, BytesOf(400.0), 10},
+    };
+    for (const auto& each : rates) {
+        platform::ClearRegistry();
+        Store("Rate", each.Type, each.Data);
+        EXPECT_EQ(each.Rate, Loaded().first) << testing::PrintToString(each.Data);
+    }
+    const std::pair<int32_t, int16_t> modes[] = {{0, 0},     {1, 1},  {7, 7},       {8, 0},    {9, 0},
+                                                 {65535, 0}, {-1, 0}, {0x10003, 3}, {32768, 0}};
+    for (const auto& [stored, mode] : modes) {
+        platform::ClearRegistry();
+        Store("MarkSTARTMode", DWordType, BytesOf(stored));
+        EXPECT_EQ(mode, Loaded().second) << stored;
+        EXPECT_EQ(RawValue(DWordType, BytesOf<int32_t>(mode)), LoadRaw(SettingsKey, "MarkSTARTMode")) << "repaired";
+    }
+}
+
+TEST_F(Settings, AreSavedByTheLastObject) {
+    auto first = std::make_unique<DriverObject>();
+    EXPECT_EQ(RawValue(TextType, "LTR27\0"s), LoadRaw(SettingsKey, ""));
+    auto second = std::make_unique<DriverObject>();
+    second->SetRate(400);
+    second.reset();
+    EXPECT_EQ(std::nullopt, LoadRaw(SettingsKey, "Rate"));
+    first.reset();
+    EXPECT_EQ(RawValue(DWordType, BytesOf(1000.0f / 3)), LoadRaw(SettingsKey, "Rate"));
+    EXPECT_EQ(RawValue(DWordType, "\0\0\0\0"s), LoadRaw(SettingsKey, "MarkSTARTMode"));
+    std::thread([] { EXPECT_FLOAT_EQ(1000.0f / 3, DriverObject().Rate()); }).join();
+    EXPECT_EQ(0, platform::OpenRegistryKeys());
+
+    DriverState& state = AttachObject();
+    state.Input.Rate = 2000;  // beyond what may be stored
+    state.Crate.MarkSTARTMode = 5;
+    DetachObject(state);
+    EXPECT_EQ(std::pair(1000.0f / 3, int16_t{5}), Loaded());
+}
+
+TEST_F(Settings, DefaultValueIsTheNameAndWrittenOnlyWhenItDiffers) {
+    Store("", TextType, "LTR27");
+    EXPECT_EQ(10, Loaded().first);
+    EXPECT_EQ(RawValue(TextType, "LTR27"), LoadRaw(SettingsKey, "")) << "rewritten, with a terminator now";
+    Store("", TextType, "ltr27\0"s);
+    Loaded();
+    EXPECT_EQ(RawValue(TextType, "LTR27\0"s), LoadRaw(SettingsKey, ""));
+}
+
+TEST_F(Settings, WithoutAKeyNothingIsReadOrWrittenElsewhere) {
+    platform::StoreValue(CurrentUser, "Software", "Rate", DWordType, BytesOf(500.0f));
+    platform::StoreValue(CurrentUser, "Software", "MarkSTARTMode", DWordType, BytesOf(3));
+    platform::DenyRights(CurrentUser, "Software", platform::CreateSubKeyRight);
+    {
+        DriverObject driver;
+        EXPECT_FLOAT_EQ(10, driver.Rate());
+        driver.SetRate(1000);
+    }
+    EXPECT_EQ(RawValue(DWordType, BytesOf(500.0f)), LoadRaw("Software", "Rate"));
+    EXPECT_EQ(std::nullopt, LoadRaw("Software", ""));
+
+    platform::ClearRegistry();  // a registry that fails throughout
+    platform::InterceptRegistry([](int) { return 1450; });
+    EXPECT_EQ(std::pair(10.0f, int16_t{0}), Loaded());
+    platform::InterceptRegistry(nullptr);
+    Store("Rate", DWordType, BytesOf(500.0f));  // one that may only be read
+    platform::DenyRights(CurrentUser, SettingsKey, platform::SetValueRight);
+    EXPECT_EQ(500, Loaded().first);
+}
+
+}  // namespace
+}  // namespace corvane::test

@@ -1,0 +1,313 @@
+// The rules of cRegistry, the same on every registry. Names are created in alphabetical order: the real registry may
+// list them so.
+#include "settings/cRegistry.h"
+
+#include <functional>
+#include <limits>
+
+#include "platform/ansi_text.h"
+#include "tests/registry/registry_stage.h"
+
+namespace corvane::test {
+namespace {
+
+using namespace std::string_literals;
+using platform::BinaryType;
+using platform::DWordType;
+using platform::TextType;
+
+class RegistryTest : public RegistryStage {
+protected:
+    void SetUp() override {
+        RegistryStage::SetUp();
+        Registry.SetKeyPath(Stage);
+    }
+
+    cRegistry Registry;
+};
+
+template <class Type>
+struct Member {
+    Type (cRegistry::*Value)(const std::string&);
+    void (cRegistry::*SetValue)(const std::string&, const Type&);
+    bool (cRegistry::*Read)(const std::string&, Type&, const Type&);
+    bool (cRegistry::*Write)(const std::string&, const Type&);
+    bool (cRegistry::*ReadAt)(uint32_t, const std::string&, const std::string&, Type&);
+    bool (cRegistry::*WriteAt)(uint32_t, const std::string&, const std::string&, const Type&);
+};
+
+template <class Type>
+void CheckFamily(cRegistry& registry, const Member<Type>& member, const Type& written, const Type& other,
+                 const RawValue& stored) {
+    Type value = other;
+    EXPECT_EQ(Type{}, (registry.*member.Value)("none"));
+    EXPECT_FALSE((registry.*member.ReadAt)(CurrentUser, Stage, "none", value));
+    EXPECT_EQ(other, value);
+    EXPECT_EQ(2, registry.LastError());
+    EXPECT_FALSE((registry.*member.Read)("none", value, written));
+    EXPECT_EQ(written, value);
+
+    EXPECT_TRUE((registry.*member.Write)("a", written));
+    EXPECT_EQ(0, registry.LastError());
+    EXPECT_EQ(stored, LoadRaw(Stage, "a"));
+    value = other;
+    EXPECT_TRUE((registry.*member.Read)("A", value, other)) << "names have no case";
+    EXPECT_EQ(written, value);
+    (registry.*member.SetValue)("b", written);
+    EXPECT_EQ(written, (registry.*member.Value)("b"));
+    EXPECT_TRUE((registry.*member.WriteAt)(CurrentUser, Stage, "", written));
+    EXPECT_EQ(written, (registry.*member.Value)(""));
+    EXPECT_FALSE((registry.*member.WriteAt)(CurrentUser, Stage + "\\none", "a", written));
+    EXPECT_EQ(2, registry.LastError());
+}
+
+#define CHECK_FAMILY(F, Type, ...)                                                                               \
+    {                                                                                                            \
+        SCOPED_TRACE(#F);                                                                                        \
+        const Member<Type> member = {&cRegistry::F##Value, &cRegistry::Set##F##Value, &cRegistry::Read##F,       \
+                                     &cRegistry::Write##F, &cRegistry::Read##F##At,   &cRegistry::Write##F##At}; \
+        CheckFamily<Type>(Registry, member, __VA_ARGS__);                                                        \
+    }
+
+TEST_F(RegistryTest, FamiliesAreStoredAndReadBackInTheirForms) {
+    CHECK_FAMILY(String, std::string, "Ток, \"A\\B\"", "other",
+                 RawValue(TextType, "\xD2\xEE\xEA, \"A\\B\"\0"s))  // the platform adds the terminator
+    CHECK_FAMILY(DWord, int32_t, -2, 7, RawValue(DWordType, "\xFE\xFF\xFF\xFF"))
+    CHECK_FAMILY(Byte, uint8_t, 200, 7, RawValue(DWordType, "\xC8\0\0\0"s))
+    CHECK_FAMILY(Int16, int16_t, -1, 7, RawValue(DWordType, "\xFF\xFF\0\0"s))
+    CHECK_FAMILY(Bool, bool, true, false, RawValue(DWordType, "\1\0\0\0"s))
+    CHECK_FAMILY(Float, float, 10.0f, 7.0f, RawValue(DWordType, "\0\0\x20\x41"s))
+    CHECK_FAMILY(Double, double, -2.5, 7.0, RawValue(BinaryType, "\0\0\0\0\0\0\x04\xC0"s))
+    CHECK_FAMILY(Currency, int64_t, -2, 7, RawValue(BinaryType, "\xFE\xFF\xFF\xFF\xFF\xFF\xFF\xFF"))
+
+    RegistryBytes bytes = {9};
+    EXPECT_FALSE(Registry.WriteBinary("a", {}));
+    EXPECT_EQ(RegistryBytes{0}, Registry.BinaryValue("none"));
+    EXPECT_FALSE(Registry.ReadBinary("none", bytes));
+    EXPECT_EQ(RegistryBytes{9}, bytes);
+    EXPECT_TRUE(Registry.WriteBinary("bin", {0, 255, 10}));
+    EXPECT_EQ(RawValue(BinaryType, "\0\xFF\n"s), LoadRaw(Stage, "bin"));
+    EXPECT_TRUE(Registry.ReadBinary("bin", bytes));
+    EXPECT_EQ((RegistryBytes{0, 255, 10}), bytes);
+
+    std::string text = "mine";
+    EXPECT_FALSE(Registry.ReadString("none", text, ""));
+    EXPECT_EQ("mine", text) << "an empty fallback is none";
+    EXPECT_TRUE(Registry.WriteString("empty", ""));
+    EXPECT_EQ(RawValue(TextType, ""), LoadRaw(Stage, "empty"));
+    EXPECT_TRUE(Registry.ReadString("empty", text, "fallback"));
+    EXPECT_EQ("", text);
+}
+
+TEST_F(RegistryTest, ReadersTakeWhateverFits) {
+    const struct {
+        RawValue Stored;
+        std::optional<std::string> Text;
+        std::optional<int32_t> Number;  // into 0x11223344
+        bool EightBytes;
+        bool Bytes;
+    } cases[] = {
+        {{TextType, "abcdefgh"}, "abcdefgh", {}, true, true},  // no terminator
+        {{TextType, "ab\0cd\0"s}, "ab", {}, false, true},
+        {{TextType, "12AC"}, "12AC", 0x43413231, false, true},
+        {{TextType, "ab"}, "ab", 0x11006261, false, true},  // the platform ends a text that has room
+        {{2, "%a%\0"s}, "%a%", 0x00256125, false, true},
+        {{7, "a\0bc\0\0"s}, "a", {}, false, true},
+        {{BinaryType, ""}, "", 0x11223344, false, false},
+        {{BinaryType, "\1\2"}, "\1\2", 0x11220201, false, true},
+        {{BinaryType, "\1\2\3\4\5\6\7\x8\x9"}, "\1\2\3\4\5\6\7\x8\x9", {}, false, true},
+        {{DWordType, "\0\0\1\0"s}, "", 0x00010000, false, true},
+        {{5, "\1\2\3\4"}, "\1\2\3\4", 0x04030201, false, true},
+        {{11, "\1\2\3\4\5\6\7\x8"}, "\1\2\3\4\5\6\7\x8", {}, true, true},
+        {{0, "x"}, "x", 0x11223378, false, true},
+    };
+    for (const auto& each : cases) {
+        StoreRaw(Stage, "v", each.Stored.first, each.Stored.second);
+        SCOPED_TRACE(std::to_string(each.Stored.first) + ": " + each.Stored.second);
+        std::string text = "mine";
+        EXPECT_EQ(each.Text.has_value(), Registry.ReadStringAt(CurrentUser, Stage, "v", text));
+        EXPECT_EQ(each.Text.value_or("mine"), text);
+        int32_t number = 0x11223344;
+        EXPECT_EQ(each.Number.has_value(), Registry.ReadDWordAt(CurrentUser, Stage, "v", number));
+        EXPECT_EQ(each.Number.value_or(0x11223344), number);
+        EXPECT_EQ(each.Number ? 0 : 234, Registry.LastError());
+        bool truth = false;
+        EXPECT_EQ(each.Number.has_value(), Registry.ReadBoolAt(CurrentUser, Stage, "v", truth));
+        EXPECT_EQ(!each.Stored.second.empty() && each.Number.has_value(), truth);
+        double real = 7;
+        EXPECT_EQ(each.EightBytes, Registry.ReadDouble("v", real, 8));
+        EXPECT_EQ(!each.EightBytes, real == 8);
+        RegistryBytes bytes = {9};
+        EXPECT_EQ(each.Bytes, Registry.ReadBinary("v", bytes));
+        EXPECT_EQ(each.Bytes ? each.Stored.second : "\x9", std::string(bytes.begin(), bytes.end()));
+    }
+}
+
+TEST_F(RegistryTest, LocationGoesOnlyWhereAKeyIs) {
+    cRegistry registry;
+    EXPECT_EQ(0x80000001u, registry.RootKey());
+    EXPECT_EQ("Software", registry.KeyPath());
+    registry.SetKeyPath(Stage + "\\Новый\\b");
+    EXPECT_EQ(Stage + "\\Новый\\b", registry.KeyPath());
+    EXPECT_TRUE(registry.KeyExists(CurrentUser, Stage + "\\нОВЫЙ\\B\\"));
+    registry.SetKeyPath("\\bad");
+    EXPECT_EQ(161, registry.LastError());
+    EXPECT_EQ(Stage + "\\Новый\\b", registry.KeyPath());
+    registry.SetRootKey(0x80000007);
+    EXPECT_EQ(6, registry.LastError());
+    EXPECT_EQ(Stage + "\\Новый\\b", registry.KeyPath());
+    registry.SetRootKey(0x80000002);
+    EXPECT_EQ(0x80000002u, registry.RootKey());
+    EXPECT_EQ("", registry.KeyPath());
+    registry.SetRootKey(CurrentUser);
+    EXPECT_TRUE(registry.KeyExists(CurrentUser, "software"));
+    registry.SetKeyPath(Stage + "\\" + std::string(300, 'x'));
+    EXPECT_EQ(234, registry.LastError()) << "longer than the platform takes";
+    EXPECT_EQ("", registry.KeyPath());
+}
+
+TEST_F(RegistryTest, KeysAndValuesComeAndGo) {
+    EXPECT_TRUE(Registry.CreateKey(CurrentUser, Stage + "\\a\\b", "text"));
+    EXPECT_EQ(RawValue(TextType, "text\0"s), LoadRaw(Stage + "\\a\\b", ""));
+    EXPECT_TRUE(Registry.CreateKey(CurrentUser, Stage + "\\a\\b", ""));
+    EXPECT_EQ(RawValue(TextType, "text\0"s), LoadRaw(Stage + "\\a\\b", ""));
+    EXPECT_FALSE(Registry.DeleteKey(CurrentUser, Stage + "\\a"));
+    EXPECT_EQ(5, Registry.LastError()) << "a key with subkeys stays";
+    EXPECT_FALSE(Registry.DeleteKey(CurrentUser, ""));
+    EXPECT_TRUE(Registry.DeleteValue(CurrentUser, Stage + "\\a\\b", ""));
+    EXPECT_FALSE(Registry.DeleteValue(CurrentUser, Stage + "\\a\\b", ""));
+    EXPECT_TRUE(Registry.DeleteKey(CurrentUser, Stage + "\\a\\b"));
+    EXPECT_TRUE(Registry.DeleteKey(CurrentUser, Stage + "\\A"));
+    EXPECT_FALSE(Registry.DeleteKey(CurrentUser, Stage + "\\a"));
+    EXPECT_EQ(2, Registry.LastError());
+}
+
+TEST_F(RegistryTest, OperationsAskForNoMoreRightsThanTheyNeed) {
+    RegistryValue any;
+    std::vector<std::string> names;
+    std::string text;
+    int32_t number = 0;
+    RegistryBytes bytes;
+    const std::string key = Stage + "\\k";
+    const struct {
+        const char* Name;
+        uint32_t Rights;
+        std::function<bool()> Works;
+    } operations[] = {
+        {"KeyExists", 0x20009, [&] { return Registry.KeyExists(CurrentUser, key); }},
+        {"CreateKey", 4, [&] { return Registry.CreateKey(CurrentUser, key, ""); }},
+        {"QueryValue", 0x20009, [&] { return Registry.QueryValue(CurrentUser, key, "n", any) != 0; }},
+        {"EnumSubKeys", 0x20009, [&] { return Registry.EnumSubKeys(CurrentUser, key, names) == 1; }},
+        {"EnumValues", 0x20009, [&] { return Registry.EnumValues(CurrentUser, key, names) == 1; }},
+        {"ExportKey", 0x20009, [&] { return !Registry.ExportKey(CurrentUser, key, false).empty(); }},
+        {"ReadString", 1, [&] { return Registry.ReadStringAt(CurrentUser, key, "n", text); }},
+        {"ReadDWord", 1, [&] { return Registry.ReadDWordAt(CurrentUser, key, "n", number); }},
+        {"ReadBinary", 1, [&] { return Registry.ReadBinaryAt(CurrentUser, key, "n", bytes); }},
+        {"WriteString", 2, [&] { return Registry.WriteStringAt(CurrentUser, key, "n", "a"); }},
+        {"WriteBinary", 2, [&] { return Registry.WriteBinaryAt(CurrentUser, key, "n", {1}); }},
+        {"WriteDouble", 2, [&] { return Registry.WriteDoubleAt(CurrentUser, key, "n", 1); }},
+        {"WriteDWord", 0x20006, [&] { return Registry.WriteDWordAt(CurrentUser, key, "n", 1); }},
+        {"DeleteValue", 0x20006, [&] { return Registry.DeleteValue(CurrentUser, key, "n"); }},
+        {"DeleteKey", 0x20006, [&] { return Registry.DeleteKey(CurrentUser, key + "\\sub"); }},
+    };
+    for (const uint32_t denied : {0u, 1u, 2u, 4u, 8u, 0x20000u}) {
+        for (const auto& each : operations) {
+            StoreRaw(key, "n", DWordType, "abcd");
+            StoreRaw(key + "\\sub", "", DWordType, "abcd");
+            const bool allowed = (each.Rights & denied) == 0;
+            const std::string& target = each.Name == "DeleteKey"s ? key + "\\sub" : key;
+            DenyRights(target, denied);
+            EXPECT_EQ(allowed, each.Works()) << each.Name << " without right " << denied;
+            EXPECT_EQ(allowed ? 0 : 5, Registry.LastError()) << each.Name;
+            if (!allowed || target == key) DenyRights(target, 0);
+        }
+    }
+}
+
+TEST_F(RegistryTest, ListingsBeginWithThePath) {
+    std::vector<std::string> names;
+    EXPECT_EQ(0, Registry.EnumSubKeys(CurrentUser, Stage + "\\none", names));
+    EXPECT_EQ(std::vector<std::string>{Stage + "\\none"}, names);
+    EXPECT_EQ(0, Registry.EnumValues(CurrentUser, Stage, names));
+    EXPECT_EQ(std::vector<std::string>{Stage}, names);
+    for (const char* name : {"", "A \"quoted\" one", "b", "\xDF\xED"}) {
+        StoreRaw(Stage, name, TextType, "abc");
+        if (*name != '\0') StoreRaw(Stage + "\\" + name, "", TextType, "");
+    }
+    EXPECT_EQ(3, Registry.EnumSubKeys(CurrentUser, Stage, names));
+    EXPECT_EQ((std::vector<std::string>{Stage, "A \"quoted\" one", "b", "Ян"}), names);
+    EXPECT_EQ(4, Registry.EnumValues(CurrentUser, Stage, names));
+    EXPECT_EQ((std::vector<std::string>{Stage, "", "A \"quoted\" one", "b", "Ян"}), names);
+    EXPECT_GT(Registry.EnumSubKeys(CurrentUser, "", names), 0) << "the root itself";
+    EXPECT_EQ("", names[0]);
+}
+
+struct StoredForms {
+    RawValue Stored;
+    RegistryValue Any;
+    std::string Exported;
+};
+
+const StoredForms EveryForm[] = {
+    {{TextType, "a\\b \"c\"\0"s}, "a\\b \"c\"", "\"a\\\\b \"c\"\""},
+    {{TextType, " \xD2\xEE\xEA  \0"s}, " Ток  ", "\"Ток\""},
+    {{TextType, "abc"}, "ab", "\"abc\""},  // no terminator
+    {{TextType, ""}, "", "\"\""},
+    {{TextType, "   "}, "  ", "\"\""},
+    {{2, "%A%\0"s}, "%A%", "\"%A%\""},
+    {{7, "a\0bc\0\0"s}, "a\0bc\0"s, "\"a\""},
+    {{BinaryType, "\x0A\xFF"}, RegistryBytes{10, 255}, "hex:0a,ff"},
+    {{BinaryType, ""}, RegistryBytes{}, "hex:"},
+    {{DWordType, "\xFF\0\0\0"s}, 255, "dword:000000ff"},
+    {{DWordType, "\xFE\xFF\xFF\xFF"}, -2, "dword:fffffffe"},
+    {{DWordType, "\1\2"}, 0x201, "dword:00000201"},
+    {{DWordType, "\1\2\3\4\5"}, 0, "dword:00000000"},
+    {{5, "\1\2\3\4"}, 0x04030201, "dword:04030201"},
+    {{11, "\1\2\3\4\5\6\7\x8"}, {}, "hex(b):01,02,03,04,05,06,07,08"},
+    {{8, "\1"}, {}, "hex(8):01"},
+    {{0x1234, ""}, {}, "hex(1234):"},
+};
+
+TEST_F(RegistryTest, AnyValueIsFoundAndExported) {
+    for (const StoredForms& each : EveryForm) {
+        StoreRaw(Stage, "Va\xEB", each.Stored.first, each.Stored.second);
+        SCOPED_TRACE(each.Exported);
+        RegistryValue value;
+        EXPECT_EQ(each.Stored.first, Registry.QueryValue(CurrentUser, Stage, "Vaл", value));
+        EXPECT_EQ(each.Any, value);
+        EXPECT_EQ(0u, Registry.QueryValue(CurrentUser, Stage, "vaл", value)) << "found in another case";
+        EXPECT_EQ(each.Any, value);
+        EXPECT_EQ("\r\n[HKEY_CURRENT_USER\\" + Stage + "]\r\n\"Vaл\"=" + each.Exported + "\r\n",
+                  Registry.ExportKey(CurrentUser, Stage, false));
+    }
+}
+
+TEST_F(RegistryTest, ExportGoesDepthFirst) {
+    StoreRaw(Stage, "", TextType, "x\0"s);
+    StoreRaw(Stage, "q\"q", DWordType, "\1\0\0\0"s);
+    StoreRaw(Stage + "\\a\\c", "", DWordType, "\1\0\0\0"s);
+    StoreRaw(Stage + "\\b", "", BinaryType, "\1");
+    const std::string head = "\r\n[HKEY_CURRENT_USER\\" + Stage;
+    const std::string own = head + "]\r\n@=\"x\"\r\n\"q\"q\"=dword:00000001\r\n";
+    EXPECT_EQ(own, Registry.ExportKey(CurrentUser, Stage, false));
+    EXPECT_EQ(own + head + "\\a]\r\n" + head + "\\a\\c]\r\n@=dword:00000001\r\n" + head + "\\b]\r\n@=hex:01\r\n",
+              Registry.ExportKey(CurrentUser, Stage, true));
+    EXPECT_EQ("", Registry.ExportKey(CurrentUser, Stage + "\\none", true));
+    EXPECT_TRUE(Registry.ExportKey(CurrentUser, "", false).starts_with("\r\n[HKEY_CURRENT_USER]\r\n"));
+}
+
+TEST_F(RegistryTest, ErrorTextsAreThePlatformsWithoutTheirEnd) {
+    Registry.KeyExists(CurrentUser, Stage + "\\none");
+    const std::string whole = cRegistry::SystemErrorText(2, false);
+    ASSERT_GT(whole.size(), 5u);
+    EXPECT_EQ('.', whole.back());
+    EXPECT_EQ(whole, Registry.LastErrorText() + ".");
+    EXPECT_EQ(Registry.LastErrorText(), cRegistry::SystemErrorText(2, true));
+    EXPECT_EQ("", cRegistry::SystemErrorText(123456789, false));
+    EXPECT_EQ("HKEY_DYN_DATA", cRegistry::RootKeyName(0x80000006));
+    EXPECT_EQ("", cRegistry::RootKeyName(0x80000007));
+    EXPECT_EQ("", cRegistry::RootKeyName(0));
+}
+
+}  // namespace
+}  // namespace corvane::test
