@@ -1,0 +1,188 @@
+// What a host feels of the driver: how long the calls take that it waits for, and what a recording costs. The same
+// program natively and, through COM, under Windows. Exit code 1 when a limit is missed.
+//   host_bench [seconds of each recording, 20 by default]
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <numeric>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "bench/process_time.h"
+#include "recorder/host_device.h"
+#include "simulator/control.h"
+
+namespace corvane::bench {
+
+namespace {
+
+using recorder::HostDevice;
+using Clock = std::chrono::steady_clock;
+
+constexpr int Rounds = 21;
+constexpr float Rate = 1000;    // Hz
+constexpr double BlockMs = 64;  // 64 kadrs at 1000 Hz
+
+double MsSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+void SleepMs(int milliseconds) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+// A local server with `crates` crates, the last of which holds two LTR27 modules and makes no START mark unless told
+// so.
+std::string Scenario(int crates, const std::string& lastCrateKeys) {
+    std::string toml = "[[server]]\naddress = \"127.0.0.1\"\n";
+    for (int crate = 1; crate <= crates; crate++) {
+        toml += "[[server.crate]]\nserial = \"CRATE" + std::to_string(crate) + "\"\n";
+        if (crate < crates) continue;
+        toml += lastCrateKeys + "\n";
+        for (const char* slot : {"3", "5"}) {
+            toml += std::string("[[server.crate.module]]\nid = \"LTR27\"\nslot = ") + slot + "\n";
+            for (int position = 1; position <= 8; position++) {
+                toml += "[[server.crate.module.mezzanine]]\nposition = " + std::to_string(position) +
+                        "\nname = \"SEQ\"\nunit = \"V\"\nbottom = -10\ntop = 10\nsignal = { kind = \"sequence\" }\n";
+            }
+        }
+    }
+    return toml;
+}
+
+const std::string NoMark = "type = \"LTR010\"";
+
+class Table {
+public:
+    Table() { std::printf("| what | measured | limit | met |\n|---|---|---|---|\n"); }
+
+    void Add(const char* name, double measured, const char* unit, double limit) {
+        const bool met = measured <= limit;
+        std::printf("| %-52s | %8.3f %-2s | at most %g %s | %s |\n", name, measured, unit, limit, unit,
+                    met ? "yes" : "NO");
+        std::fflush(stdout);
+        AllMet_ = AllMet_ && met;
+    }
+
+    bool AllMet() const { return AllMet_; }
+
+private:
+    bool AllMet_ = true;
+};
+
+std::unique_ptr<HostDevice> Open(const std::string& scenario) {
+    if (LtrSim_Configure(scenario.c_str()) != 0) throw std::runtime_error(LtrSim_Message());
+    auto device = std::make_unique<HostDevice>();
+    if (!device->Test()) throw std::runtime_error(device->LastError());
+    std::vector<int16_t> all(32);
+    std::iota(all.begin(), all.end(), int16_t{0});
+    device->SetInputChannels(all);
+    device->SetRate(Rate);
+    return device;
+}
+
+// Times of several runs, slowest last, without the first, which finds everything cold.
+template <typename Timed, typename Between>
+std::vector<double> TimesMs(Timed timed, Between between) {
+    std::vector<double> times;
+    for (int round = 0; round <= Rounds; round++) {
+        const Clock::time_point start = Clock::now();
+        timed();
+        if (round > 0) times.push_back(MsSince(start));
+        between(round);
+    }
+    std::sort(times.begin(), times.end());
+    return times;
+}
+
+// Creates and releases an object while another thread's object keeps the component loaded.
+double MedianCreationMs() {
+    HostDevice();  // what fails, fails on this thread
+    std::atomic<bool> ready = false;
+    std::atomic<bool> done = false;
+    std::thread otherHost([&] {
+        const HostDevice device;
+        ready = true;
+        while (!done) SleepMs(1);
+    });
+    while (!ready) SleepMs(1);
+    const double median = TimesMs([] { HostDevice(); }, [](int) {})[Rounds / 2];
+    done = true;
+    otherHost.join();
+    return median;
+}
+
+void AddLatencies(Table& table) {
+    LtrSim_Configure(Scenario(1, NoMark).c_str());
+    table.Add("creating and releasing the first object", MedianCreationMs(), "ms", 5);
+    const Clock::time_point start = Clock::now();
+    Open(Scenario(16, NoMark));
+    table.Add("Test with 16 crates, creation and release", MsSince(start), "ms", 50);
+
+    const auto device = Open(Scenario(1, NoMark));
+    double worstStop = 0;
+    const double worstStart = TimesMs([&] { device->StartRecord(); },
+                                      [&](int round) {
+                                          SleepMs(100 + 7 * round);  // another moment of a block each time
+                                          const Clock::time_point stop = Clock::now();
+                                          device->StopRecord();
+                                          worstStop = std::max(worstStop, MsSince(stop));
+                                      })
+                                  .back();
+    table.Add("StartRecord without a START mark", worstStart, "ms", 5);
+    table.Add("StopRecord while data flows", worstStop, "ms", BlockMs + 5);
+    LtrSim_AddFault("call = \"LTR27_Recv\"\nstall = true");
+    device->StartRecord();
+    SleepMs(100);
+    const Clock::time_point stop = Clock::now();
+    device->StopRecord();
+    table.Add("StopRecord while nothing comes", MsSince(stop), "ms", 2 * BlockMs + 5);
+}
+
+// Share of a core that a recording of 32 channels uses. The host looks in every 50 ms; it takes the data when
+// `reading`.
+void AddCost(Table& table, const char* name, const std::string& crateKeys, int32_t ringKadrs, bool reading,
+             int seconds) {
+    const auto device = Open(Scenario(1, crateKeys));
+    device->SetInputSizeData(ringKadrs);
+    if (!device->StartRecord()) throw std::runtime_error(device->LastError());
+    std::vector<int16_t> samples(size_t{32} * 4096);
+    if (!reading) SleepMs(ringKadrs + 500);  // the ring is full by then
+    const double before = ProcessSeconds();
+    const Clock::time_point start = Clock::now();
+    while (MsSince(start) < 1000.0 * seconds) {
+        SleepMs(50);
+        if (reading) device->GetData(samples);
+    }
+    const double share = 100 * (ProcessSeconds() - before) / (MsSince(start) / 1000);
+    device->StopRecord();
+    table.Add(name, share, "%", 1);
+}
+
+int Run(int seconds) {
+    Table table;
+    AddLatencies(table);
+    AddCost(table, "recording 32 channels at 1000 Hz, of a core", NoMark, 32768, true, seconds);
+    AddCost(table, "the same with the ring full", NoMark, 1024, false, seconds);
+    AddCost(table, "the same, waiting for a START mark", "start_marks = \"never\"", 32768, true, seconds);
+    return table.AllMet() ? 0 : 1;
+}
+
+}  // namespace
+
+}  // namespace corvane::bench
+
+int main(int count, char** values) {
+    try {
+        return corvane::bench::Run(count > 1 ? std::max(1, std::atoi(values[1])) : 20);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "host_bench: %s\n", failure.what());
+        return 2;
+    }
+}
