@@ -36,7 +36,7 @@ struct KeyInfo {
 
 // A key opened or created is the caller's to close.
 int32_t OpenKey(RegistryKey parent, const std::string& path, uint32_t rights, RegistryKey& key);
-// Creates what is missing of the path, with no class and kept beyond the session; opens a key that is there.
+// Creates what is missing of the path, with no class and kept on disk; opens a key that is there.
 int32_t CreateKey(RegistryKey parent, const std::string& path, uint32_t rights, RegistryKey& key);
 void CloseKey(RegistryKey key);
 // A key that has subkeys is not deleted.

@@ -3,9 +3,7 @@
 #include "settings/cRegistry.h"
 
 #include <functional>
-#include <limits>
 
-#include "platform/ansi_text.h"
 #include "tests/registry/registry_stage.h"
 
 namespace corvane::test {
@@ -276,6 +274,7 @@ TEST_F(RegistryTest, AnyValueIsFoundAndExported) {
         EXPECT_EQ(each.Stored.first, Registry.QueryValue(CurrentUser, Stage, "Vaл", value));
         EXPECT_EQ(each.Any, value);
         EXPECT_EQ(0u, Registry.QueryValue(CurrentUser, Stage, "vaл", value)) << "found in another case";
+        EXPECT_EQ(0u, Registry.QueryValue(CurrentUser, Stage, "Va", value)) << "found by its beginning";
         EXPECT_EQ(each.Any, value);
         EXPECT_EQ("\r\n[HKEY_CURRENT_USER\\" + Stage + "]\r\n\"Vaл\"=" + each.Exported + "\r\n",
                   Registry.ExportKey(CurrentUser, Stage, false));
