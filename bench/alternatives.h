@@ -13,7 +13,8 @@ namespace corvane::bench {
 // Reads `count` doubles, a multiple of eight, with SSE2.
 void ReadAll(const double* values, size_t count);
 
-// Reads the selected doubles of a block one by one, as a plain loop does.
+// Reads the selected doubles of a block one by one into one running sum. Each addition waits for the one before, so
+// this is what a plain loop takes, not the least that reading can take: with four sums it is about three times as fast.
 void ReadSelected(const StorePlan& plan, int32_t kadrs);
 
 // The four steps on vectors, channel by channel: choose, round and limit, centre, interleave.

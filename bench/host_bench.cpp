@@ -120,7 +120,7 @@ double MedianCreationMs() {
 
 void AddLatencies(Table& table) {
     LtrSim_Configure(Scenario(1, NoMark).c_str());
-    table.Add("creating and releasing the first object", MedianCreationMs(), "ms", 5);
+    table.Add("creating and releasing the first object, warm, median", MedianCreationMs(), "ms", 5);
     const Clock::time_point start = Clock::now();
     Open(Scenario(16, NoMark));
     table.Add("Test with 16 crates, creation and release", MsSince(start), "ms", 50);
@@ -135,8 +135,8 @@ void AddLatencies(Table& table) {
                                           worstStop = std::max(worstStop, MsSince(stop));
                                       })
                                   .back();
-    table.Add("StartRecord without a START mark", worstStart, "ms", 5);
-    table.Add("StopRecord while data flows", worstStop, "ms", BlockMs + 5);
+    table.Add("StartRecord without a START mark, slowest", worstStart, "ms", 5);
+    table.Add("StopRecord while data flows, slowest", worstStop, "ms", BlockMs + 5);
     LtrSim_AddFault("call = \"LTR27_Recv\"\nstall = true");
     device->StartRecord();
     SleepMs(100);

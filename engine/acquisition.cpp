@@ -13,8 +13,7 @@ namespace corvane {
 
 namespace {
 
-constexpr uint32_t Breath = 5;               // ms between two looks at something that needs time
-constexpr uint32_t StartMarks = 0xFFFF0000;  // the part of a time mark that counts START marks
+constexpr uint32_t Breath = 5;  // ms between two looks at something that needs time
 
 // One recording, as its thread sees it.
 class Acquisition {
@@ -104,7 +103,7 @@ void Acquisition::WaitStartMark() {
 int32_t Acquisition::FindStartMark(int32_t words) const {
     int32_t word = 0;
     while (word < words) {
-        const uint32_t mark = Engine_.MarkBuffer[static_cast<size_t>(word)] & StartMarks;
+        const uint32_t mark = Engine_.MarkBuffer[static_cast<size_t>(word)] & StartMarkBits;
         if (mark != static_cast<uint32_t>(Engine_.MarkRef)) break;
         word += ModuleChannels;
     }

@@ -61,11 +61,10 @@ bool StartUsedModules(DriverState& state) {
 
 // The crate's count of START marks before this recording, or NoMark when the crate makes none.
 int32_t RequestStartMark(DriverState& state) {
-    constexpr uint32_t StartMarks = 0xFFFF0000;
     uint32_t mark = 0;
     const int32_t mode = state.Crate.MarkSTARTMode + 1;
     const bool made = state.CrateApi.MakeStartMark(state.Crate.NetAddr, state.Crate.Serial, mode, mark);
-    return made ? static_cast<int32_t>(mark & StartMarks) : NoMark;
+    return made ? static_cast<int32_t>(mark & StartMarkBits) : NoMark;
 }
 
 bool StartAcquisitionThread(DriverState& state) {

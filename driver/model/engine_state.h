@@ -12,8 +12,9 @@
 
 namespace corvane {
 
-constexpr int MaxModules = 2;   // modules of one crate that are opened
-constexpr int32_t NoMark = -1;  // MarkRef when no START mark was made
+constexpr int MaxModules = 2;                   // modules of one crate that are opened
+constexpr uint32_t StartMarkBits = 0xFFFF0000;  // the part of a time mark that counts START marks
+constexpr int32_t NoMark = -1;                  // MarkRef when no START mark was made
 
 struct EngineState {
     std::atomic<bool> Busy = false;  // a request: the host clears it to stop, the thread when it ends
