@@ -10,6 +10,8 @@ HRESULT Corvane::QueryInterface(REFIID identifier, void** object) {
     *object = nullptr;
     if (identifier == __uuidof(IADC3)) {
         *object = static_cast<IADC3*>(this);
+    } else if (identifier == __uuidof(IProvideClassInfo)) {
+        *object = static_cast<IProvideClassInfo*>(this);
     } else if (identifier == __uuidof(IUnknown) || identifier == __uuidof(IDispatch) ||
                identifier == __uuidof(_Corvane) || identifier == EarlierCorvane) {
         *object = OwnInterface();
@@ -28,6 +30,14 @@ ULONG Corvane::Release() {
     const LONG left = InterlockedDecrement(&References_);
     if (left == 0) delete this;
     return static_cast<ULONG>(left);
+}
+
+HRESULT Corvane::GetClassInfo(ITypeInfo** info) {
+    return Guard(info, [&] {
+        ITypeInfo* own = ClassType_.Get();
+        own->AddRef();
+        return own;
+    });
 }
 
 HRESULT Corvane::GetADC3(IUnknown** result) {

@@ -1,29 +1,36 @@
 // The component's class as COM sees it: each member checks and converts in Guard and passes on to the driver object.
-// Two dual interfaces with an IDispatch each; the object's own is that of _Corvane.
+// Two dual interfaces with an IDispatch each; the object's own is that of _Corvane, which scripts use.
 #pragma once
 
 #include <windows.h>
 
+#include <ocidl.h>
+
 #include "driver/com/automation.h"
 #include "driver/com/identifiers.h"
 #include "driver/com/library.h"
+#include "driver/com/script_members.h"
 #include "driver/driver_object.h"
 
 namespace corvane {
 
 class Corvane final : private LibraryUse,
-                      public Dual<_Corvane, TessmarkResource>,
-                      public Dual<IADC3, ADCInterface3Resource> {
+                      public ScriptMembers,
+                      public Dual<IADC3, ADCInterface3Resource>,
+                      public IProvideClassInfo {
 public:
     // Born with one reference, the caller's.
-    Corvane() = default;
+    Corvane() : ScriptMembers(static_cast<IADC3&>(*this)) {}
     Corvane(const Corvane&) = delete;
     Corvane& operator=(const Corvane&) = delete;
 
-    // IUnknown, one for both interfaces
+    // IUnknown, one for all interfaces
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID identifier, void** object) override;
     ULONG STDMETHODCALLTYPE AddRef() override;
     ULONG STDMETHODCALLTYPE Release() override;
+
+    // IProvideClassInfo: tools learn from it that this is a Corvane, and which interfaces it has.
+    HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** info) override;
 
     // _Corvane
     HRESULT STDMETHODCALLTYPE GetADC3(IUnknown** result) override;
@@ -69,6 +76,7 @@ private:
     _Corvane* OwnInterface() { return this; }
 
     LONG References_ = 1;
+    TypeDescription ClassType_{TessmarkResource, __uuidof(::Corvane)};
     DriverObject Driver_;
 };
 

@@ -1,6 +1,5 @@
 #include "driver/com/arrays.h"
 
-#include <memory>
 #include <new>
 
 #include "driver/com/text.h"
@@ -9,31 +8,6 @@
 namespace corvane {
 
 namespace {
-
-struct DestroyArray {
-    void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
-};
-using ArrayOwner = std::unique_ptr<SAFEARRAY, DestroyArray>;
-
-// The array's elements, locked in place for as long as this lives.
-template <class Element>
-class LockedElements {
-public:
-    explicit LockedElements(SAFEARRAY* array) : Array_(array) {
-        void* data = nullptr;
-        const HRESULT result = SafeArrayAccessData(array, &data);
-        if (FAILED(result)) throw Failure{result};
-        First = static_cast<Element*>(data);
-    }
-    ~LockedElements() { SafeArrayUnaccessData(Array_); }
-    LockedElements(const LockedElements&) = delete;
-    LockedElements& operator=(const LockedElements&) = delete;
-
-    Element* First = nullptr;
-
-private:
-    SAFEARRAY* Array_;
-};
 
 ArrayOwner Create(VARTYPE type, std::span<const ULONG> sizes) {
     std::vector<SAFEARRAYBOUND> bounds;

@@ -7,6 +7,7 @@
 #include <oleauto.h>
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -18,6 +19,31 @@ class DriverObject;
 // A failure that the host is told as it is.
 struct Failure {
     HRESULT Code;
+};
+
+struct DestroyArray {
+    void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
+};
+using ArrayOwner = std::unique_ptr<SAFEARRAY, DestroyArray>;
+
+// The array's elements, locked in place for as long as this lives.
+template <class Element>
+class LockedElements {
+public:
+    explicit LockedElements(SAFEARRAY* array) : Array_(array) {
+        void* data = nullptr;
+        const HRESULT result = SafeArrayAccessData(array, &data);
+        if (FAILED(result)) throw Failure{result};
+        First = static_cast<Element*>(data);
+    }
+    ~LockedElements() { SafeArrayUnaccessData(Array_); }
+    LockedElements(const LockedElements&) = delete;
+    LockedElements& operator=(const LockedElements&) = delete;
+
+    Element* First = nullptr;
+
+private:
+    SAFEARRAY* Array_;
 };
 
 SAFEARRAY* ToArray(std::span<const int16_t> samples);

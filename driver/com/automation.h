@@ -31,6 +31,11 @@ private:
 // Throws the failure that `result` stands for, if it does.
 void Check(HRESULT result);
 
+// IDispatch passes IID_NULL wherever an interface identifier is reserved.
+inline void CheckReserved(REFIID reserved) {
+    Check(reserved == IID_NULL ? S_OK : DISP_E_UNKNOWNINTERFACE);
+}
+
 template <class Interface, int Resource>
 class Dual : public Interface {
 public:
@@ -47,15 +52,24 @@ public:
         });
     }
 
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
-        return Guard([&] { Check(DispGetIDsOfNames(Type_.Get(), names, count, ids)); }, names, ids);
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+        return Guard(
+            [&] {
+                CheckReserved(reserved);
+                Check(DispGetIDsOfNames(Type_.Get(), names, count, ids));
+            },
+            names, ids);
     }
 
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
-                                     EXCEPINFO* exception, UINT* argument) override {
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID, WORD flags, DISPPARAMS* parameters,
+                                     VARIANT* result, EXCEPINFO* exception, UINT* argument) override {
         Interface* self = this;
-        return Guard([&] { Check(DispInvoke(self, Type_.Get(), id, flags, parameters, result, exception, argument)); },
-                     parameters);
+        return Guard(
+            [&] {
+                CheckReserved(reserved);
+                Check(DispInvoke(self, Type_.Get(), id, flags, parameters, result, exception, argument));
+            },
+            parameters);
     }
 
 protected:

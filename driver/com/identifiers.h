@@ -18,6 +18,9 @@ constexpr GUID TessmarkLibrary = {0xB4598549, 0xF4AF, 0x4583, {0x85, 0x3E, 0xDC,
 constexpr wchar_t TessmarkVersion[] = L"1.1";
 constexpr wchar_t TessmarkLocale[] = L"409";  // hexadecimal, as the registry names it
 
+constexpr GUID ADCInterface3Library = {0x97B526A7, 0x3B46, 0x11D7, {0xB6, 0x88, 0xFD, 0xAE, 0xA8, 0x66, 0x8E, 0x28}};
+constexpr wchar_t ADCInterface3Version[] = L"1.0";
+
 // _Corvane as hosts built against earlier releases ask for it: the same slots.
 constexpr GUID EarlierCorvane = {0xFAC99029, 0x3AFF, 0x4FAD, {0xA8, 0x3E, 0xC4, 0x16, 0xF4, 0x0B, 0x48, 0xB6}};
 

@@ -1,11 +1,12 @@
-// The component's registry entries: the programmatic identifier, the class, the type library and its two interfaces.
-// The host's IADC3 entry belongs to the host and is never touched.
+// The component's registry entries: the programmatic identifier, the class, its surrogate for clients of another
+// bitness, the type library and its two interfaces. They are made for all users, or for this one where only that is
+// allowed. The description of the host's IADC3 is added where no host has registered it.
 #pragma once
 
 namespace corvane {
 
-// Both throw Failure. Register leaves nothing behind when it fails; Unregister removes what it can first, and what is
-// not there counts as removed.
+// Both throw Failure. A Register that fails leaves everything as it was; Unregister removes what it can first, and what
+// is not there counts as removed.
 void Register();
 void Unregister();
 

@@ -9,7 +9,6 @@ namespace {
 
 constexpr GUID EarlierCorvane = {0xFAC99029, 0x3AFF, 0x4FAD, {0xA8, 0x3E, 0xC4, 0x16, 0xF4, 0x0B, 0x48, 0xB6}};
 constexpr GUID TessmarkLibrary = {0xB4598549, 0xF4AF, 0x4583, {0x85, 0x3E, 0xDC, 0xB9, 0x1F, 0xC0, 0xCD, 0xFD}};
-constexpr wchar_t HostInterfaceKey[] = L"Software\\Classes\\Interface\\{97B526A8-3B46-11D7-B688-FDAEA8668E28}";
 
 class Registration : public ::testing::Test {
 protected:
@@ -31,13 +30,6 @@ bool ClassKnown() {
                                       reinterpret_cast<void**>(object.GetAddressOf())));
 }
 
-bool KeyExists(const std::wstring& path) {
-    HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
-    RegCloseKey(key);
-    return true;
-}
-
 std::wstring ClassValue(const std::wstring& path) {
     wchar_t value[MAX_PATH] = {};
     LONG bytes = sizeof value;
@@ -54,31 +46,6 @@ TEST_F(Registration, LeadsFromEitherIdentifierToTheObject) {
     EXPECT_EQ(S_OK, LoadRegTypeLib(TessmarkLibrary, 1, 1, 0x409, library.GetAddressOf()));
 }
 
-TEST_F(Registration, IsUndoneExceptForTheHostsInterface) {
-    HKEY host = nullptr;
-    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyW(HKEY_LOCAL_MACHINE, HostInterfaceKey, &host));
-    const wchar_t name[] = L"IADC3 of the host";
-    RegSetValueExW(host, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(name), sizeof name);
-    RegCloseKey(host);
-
-    const LoadedComponent component;
-    EXPECT_EQ(S_OK, component.Call("DllRegisterServer"));
-    EXPECT_EQ(name, ClassValue(L"Interface\\{97B526A8-3B46-11D7-B688-FDAEA8668E28}"));
-    EXPECT_EQ(S_OK, component.Call("DllUnregisterServer"));
-    EXPECT_EQ(name, ClassValue(L"Interface\\{97B526A8-3B46-11D7-B688-FDAEA8668E28}"));
-    RegDeleteKeyW(HKEY_LOCAL_MACHINE, HostInterfaceKey);
-
-    EXPECT_EQ(nullptr, CreateDriver());
-    EXPECT_FALSE(ClassKnown());
-    for (const wchar_t* key :
-         {L"Tessmark.Corvane", L"CLSID\\{8C86D41E-5B13-49E0-ABA4-123E7066E30C}",
-          L"TypeLib\\{B4598549-F4AF-4583-853E-DCB91FC0CDFD}", L"Interface\\{D75DF814-C1F9-411B-A556-490B3B57C88F}",
-          L"Interface\\{FAC99029-3AFF-4FAD-A83E-C416F40B48B6}"}) {
-        EXPECT_FALSE(KeyExists(key)) << std::string(key, key + wcslen(key));
-    }
-    EXPECT_EQ(S_OK, component.Call("DllUnregisterServer")) << "nothing left to remove is no failure";
-}
-
 TEST_F(Registration, ObjectObeysTheRulesOfIdentity) {
     const ComPtr<IADC3> driver = CreateDriver();
     ASSERT_NE(nullptr, driver);
@@ -86,8 +53,8 @@ TEST_F(Registration, ObjectObeysTheRulesOfIdentity) {
     const ComPtr<IUnknown> own = Query(driver.Get(), __uuidof(_Corvane));
     EXPECT_EQ(own, Query(driver.Get(), EarlierCorvane));
     EXPECT_EQ(own, Query(driver.Get(), __uuidof(IDispatch)));
-    for (const GUID& identifier :
-         {__uuidof(IUnknown), __uuidof(IDispatch), __uuidof(_Corvane), EarlierCorvane, __uuidof(IADC3)}) {
+    for (const GUID& identifier : {__uuidof(IUnknown), __uuidof(IDispatch), __uuidof(_Corvane), EarlierCorvane,
+                                   __uuidof(IADC3), __uuidof(IProvideClassInfo)}) {
         const ComPtr<IUnknown> face = Query(identity.Get(), identifier);
         ASSERT_NE(nullptr, face);
         EXPECT_EQ(identity, Query(face.Get(), __uuidof(IUnknown)));
@@ -197,6 +164,24 @@ TEST(Component, CarriesTextsInBothLanguages) {
     EXPECT_EQ(L"\u0412\u044B\u0431\u043E\u0440 IP \u0430\u0434\u0440\u0435\u0441\u0430",
               TextResource(module, 0x419, 150));
     EXPECT_EQ(L"&Mezzanines:", TextResource(module, 0x409, 2700));
+}
+
+TEST(Component, CarriesIconsInBothSizes) {
+    const LoadedComponent component;
+    const HMODULE module = GetModuleHandleW(L"Corvane.adc");
+    for (const wchar_t* name :
+         std::initializer_list<const wchar_t*>{MAKEINTRESOURCEW(1), L"ADC", MAKEINTRESOURCEW(2), MAKEINTRESOURCEW(3)}) {
+        const HRSRC found = FindResourceW(module, name, RT_GROUP_ICON);
+        ASSERT_NE(nullptr, found);
+        const BYTE* group = static_cast<const BYTE*>(LockResource(LoadResource(module, found)));
+        ASSERT_EQ(2, group[4]) << "images";
+        EXPECT_EQ(32, group[6]);
+        EXPECT_EQ(16, group[6 + 14]);
+        EXPECT_EQ(4, group[6 + 6]) << "bits a pixel";
+        const HANDLE icon = LoadImageW(module, name, IMAGE_ICON, 16, 16, 0);
+        EXPECT_NE(nullptr, icon);
+        DestroyIcon(static_cast<HICON>(icon));
+    }
 }
 
 bool Loaded() {

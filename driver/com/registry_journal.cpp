@@ -1,0 +1,81 @@
+#include "driver/com/registry_journal.h"
+
+#include <shlwapi.h>
+
+#include "driver/com/guard.h"
+
+namespace corvane {
+
+namespace {
+
+void CheckStatus(LSTATUS status) {
+    if (status != ERROR_SUCCESS) throw Failure{HRESULT_FROM_WIN32(status)};
+}
+
+LSTATUS StoreValue(HKEY root, const std::wstring& key, const wchar_t* name, DWORD type, const void* bytes,
+                   size_t size) {
+    HKEY opened = nullptr;
+    LSTATUS status = RegOpenKeyExW(root, key.c_str(), 0, KEY_SET_VALUE, &opened);
+    if (status != ERROR_SUCCESS) return status;
+    status = RegSetValueExW(opened, name, 0, type, static_cast<const BYTE*>(bytes), static_cast<DWORD>(size));
+    RegCloseKey(opened);
+    return status;
+}
+
+}  // namespace
+
+RegistryJournal::~RegistryJournal() {
+    for (auto step = Steps_.rbegin(); step != Steps_.rend(); ++step) Undo(*step);
+}
+
+void RegistryJournal::Write(const std::wstring& key, const wchar_t* name, const std::wstring& text) {
+    MakeKeys(key);
+    Steps_.push_back({key, false, name, Read(key, name)});
+    const LSTATUS status = StoreValue(Root_, key, name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+    if (status != ERROR_SUCCESS) Steps_.pop_back();
+    CheckStatus(status);
+}
+
+// One level after the other, so that each new key is known. Keys that are there are only looked at: without
+// administrator's rights even that needs no more than reading.
+void RegistryJournal::MakeKeys(const std::wstring& key) {
+    for (size_t end = 0; end != std::wstring::npos;) {
+        end = key.find(L'\\', end + 1);
+        const std::wstring part = key.substr(0, end);
+        HKEY opened = nullptr;
+        LSTATUS status = RegOpenKeyExW(Root_, part.c_str(), 0, KEY_READ, &opened);
+        if (status == ERROR_FILE_NOT_FOUND) {
+            Steps_.push_back({part, true, nullptr, std::nullopt});
+            status = RegCreateKeyExW(Root_, part.c_str(), 0, nullptr, 0, KEY_READ, nullptr, &opened, nullptr);
+            if (status != ERROR_SUCCESS) Steps_.pop_back();
+        }
+        CheckStatus(status);
+        RegCloseKey(opened);
+    }
+}
+
+std::optional<RegistryJournal::Value> RegistryJournal::Read(const std::wstring& key, const wchar_t* name) const {
+    Value value = {};
+    DWORD size = 0;
+    LSTATUS status = static_cast<LSTATUS>(SHGetValueW(Root_, key.c_str(), name, &value.Type, nullptr, &size));
+    if (status == ERROR_FILE_NOT_FOUND) return std::nullopt;
+    CheckStatus(status);
+    value.Bytes.resize(size);
+    CheckStatus(static_cast<LSTATUS>(SHGetValueW(Root_, key.c_str(), name, &value.Type, value.Bytes.data(), &size)));
+    value.Bytes.resize(size);
+    return value;
+}
+
+// Failures have nobody to go to: the one that led here is what is reported.
+void RegistryJournal::Undo(const Step& step) const {
+    if (step.MadeKey) {
+        RegDeleteKeyW(Root_, step.Key.c_str());
+    } else if (step.Earlier) {
+        StoreValue(Root_, step.Key, step.Name, step.Earlier->Type, step.Earlier->Bytes.data(),
+                   step.Earlier->Bytes.size());
+    } else {
+        SHDeleteValueW(Root_, step.Key.c_str(), step.Name);
+    }
+}
+
+}  // namespace corvane

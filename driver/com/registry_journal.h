@@ -1,0 +1,46 @@
+// Registry values written one after the other, all of which are taken back unless they are kept: what was there before
+// returns, keys that were made go again.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+class RegistryJournal {
+public:
+    explicit RegistryJournal(HKEY root) : Root_(root) {}
+    ~RegistryJournal();
+    RegistryJournal(const RegistryJournal&) = delete;
+    RegistryJournal& operator=(const RegistryJournal&) = delete;
+
+    // Stores a text, making the keys on the way there; `name` null: the key's default value. Throws Failure.
+    void Write(const std::wstring& key, const wchar_t* name, const std::wstring& text);
+
+    void Keep() { Steps_.clear(); }
+
+private:
+    struct Value {
+        DWORD Type;
+        std::vector<BYTE> Bytes;
+    };
+    // Either a key that was made, or a value that was written over; `Earlier` is empty when there was none.
+    struct Step {
+        std::wstring Key;
+        bool MadeKey;
+        const wchar_t* Name;
+        std::optional<Value> Earlier;
+    };
+
+    void MakeKeys(const std::wstring& key);
+    std::optional<Value> Read(const std::wstring& key, const wchar_t* name) const;
+    void Undo(const Step& step) const;
+
+    HKEY Root_;
+    std::vector<Step> Steps_;
+};
+
+}  // namespace corvane

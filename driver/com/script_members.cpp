@@ -1,0 +1,118 @@
+#include "driver/com/script_members.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "driver/com/script_values.h"
+
+namespace corvane {
+
+namespace {
+
+// Dispatch identifiers, as IADC3's description has them.
+constexpr DISPID GetADC3Member = 0x60030031, InputChannelsMember = 21, GetDataMember = 27;
+
+// Numbers go back into a script's variable and into a caller's long; a mere value has no place for them.
+void GiveBack(VARIANT& argument, LONG number) {
+    if (argument.vt == (VT_BYREF | VT_VARIANT)) {
+        VariantClear(argument.pvarVal);
+        argument.pvarVal->vt = VT_I4;
+        argument.pvarVal->lVal = number;
+    } else if (argument.vt == (VT_BYREF | VT_I4)) {
+        *argument.plVal = number;
+    }
+}
+
+// GetData for a script: its variable gets an array of the samples taken, at most `Count`. IADC3 itself is given a plain
+// buffer, and a variable is none.
+void GetDataIntoVariable(IADC3& driver, const DISPPARAMS& parameters, VARIANT* result) {
+    VARIANT& remainingArgument = parameters.rgvarg[0];
+    VARIANT& countArgument = parameters.rgvarg[1];
+    VARIANT& dataArgument = parameters.rgvarg[2];
+    LONG count = ReadLong(countArgument), unread = 0, remaining = 0, kadrs = 0;
+    Check(driver.get_InputCountData(&unread));
+    count = std::min(count, unread);
+    std::vector<short> samples(static_cast<size_t>(std::max(count, 1L)));
+    Check(driver.GetData(samples.data(), &count, &remaining, &kadrs));
+    Value data;
+    data.parray = ToArray(std::span(samples).first(static_cast<size_t>(std::max(count, 0L))));
+    data.vt = VT_ARRAY | VT_I2;
+    MakeReadable(data);
+    VariantClear(dataArgument.pvarVal);
+    std::swap(*dataArgument.pvarVal, static_cast<VARIANT&>(data));
+    GiveBack(countArgument, count);
+    GiveBack(remainingArgument, remaining);
+    if (result == nullptr) return;
+    result->vt = VT_I4;
+    result->lVal = kadrs;
+}
+
+// Who passes a short by reference is no script and means the first element of a buffer of `Count`: that goes on as it
+// is. Anything else but a script's variable would be written behind its end.
+bool IsScriptsGetData(DISPID id, WORD flags, const DISPPARAMS& parameters, UINT* argument) {
+    constexpr UINT data = 2;
+    if (id != GetDataMember || (flags & DISPATCH_METHOD) == 0) return false;
+    if (parameters.cNamedArgs != 0) throw Failure{DISP_E_NONAMEDARGS};
+    if (parameters.cArgs != 3) throw Failure{DISP_E_BADPARAMCOUNT};
+    const VARTYPE type = parameters.rgvarg[data].vt;
+    if (type == (VT_BYREF | VT_VARIANT)) return true;
+    if (type == (VT_BYREF | VT_I2)) return false;
+    if (argument != nullptr) *argument = data;
+    throw Failure{DISP_E_TYPEMISMATCH};
+}
+
+// No member but GetData changes its arguments, so values serve for all of them; IADC3's dispatch makes of them what the
+// member wants.
+void InvokeWithValues(IADC3& driver, DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
+                      EXCEPINFO* exception, UINT* argument) {
+    std::vector<Value> values(parameters.cArgs);
+    ArrayOwner table;
+    SAFEARRAY* tablePointer = nullptr;
+    DISPPARAMS plain = parameters;
+    plain.rgvarg = values.data();
+    for (UINT i = 0; i < parameters.cArgs; i++) {
+        if (argument != nullptr) *argument = i;
+        if (id == InputChannelsMember && flags == DISPATCH_PROPERTYPUT && parameters.cArgs == 1) {
+            table.reset(ToArray(ReadShorts(parameters.rgvarg[i])));
+            tablePointer = table.get();
+            values[i].vt = VT_BYREF | VT_ARRAY | VT_I2;
+            values[i].pparray = &tablePointer;
+        } else {
+            Check(VariantCopyInd(&values[i], &parameters.rgvarg[i]));
+        }
+    }
+    Check(driver.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &plain, result, exception, argument));
+    if (result != nullptr) MakeReadable(*result);
+}
+
+}  // namespace
+
+HRESULT ScriptMembers::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) {
+    const HRESULT own = Dual::GetIDsOfNames(reserved, names, count, locale, ids);
+    if (own != DISP_E_UNKNOWNNAME || count == 0 || ids[0] != DISPID_UNKNOWN) return own;
+    return Driver_.GetIDsOfNames(reserved, names, count, locale, ids);
+}
+
+HRESULT ScriptMembers::Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
+                              VARIANT* result, EXCEPINFO* exception, UINT* argument) {
+    if (id == GetADC3Member) {
+        return Dual::Invoke(id, reserved, locale, flags, parameters, result, exception, argument);
+    }
+    return Guard(
+        [&] {
+            CheckReserved(reserved);
+            // Some engines can't tell a value from a reference when they assign, and ask for both.
+            constexpr WORD puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
+            const WORD asked = (flags & puts) != 0 ? WORD{DISPATCH_PROPERTYPUT} : flags;
+            if (IsScriptsGetData(id, asked, *parameters, argument)) {
+                GetDataIntoVariable(Driver_, *parameters, result);
+            } else if (id == GetDataMember) {
+                Check(Driver_.Invoke(id, reserved, locale, asked, parameters, result, exception, argument));
+            } else {
+                InvokeWithValues(Driver_, id, asked, *parameters, result, exception, argument);
+            }
+        },
+        parameters);
+}
+
+}  // namespace corvane

@@ -1,0 +1,27 @@
+// The object's own IDispatch: that of _Corvane, which also answers IADC3's members by name, so that a script can
+// record. On this road, and only on it, arrays come out as arrays of VARIANT, and arguments go in in any form that a
+// script makes. Unknown names and identifiers, wrong counts and types are answered with automation's own results.
+#pragma once
+
+#include "driver/com/automation.h"
+#include "driver/com/identifiers.h"
+
+namespace corvane {
+
+class ScriptMembers : public Dual<_Corvane, TessmarkResource> {
+public:
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
+                                            DISPID* ids) override;
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
+                                     VARIANT* result, EXCEPINFO* exception, UINT* argument) override;
+
+protected:
+    // The interface belongs to the same object.
+    explicit ScriptMembers(IADC3& driver) : Driver_(driver) {}
+    ~ScriptMembers() = default;
+
+private:
+    IADC3& Driver_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,245 @@
+// Registration by the platform's own regsvr32: the whole registry before, between and after.
+#include <set>
+
+#include "tests/registry/registry_stage.h"
+#include "tests/windows/com_host.h"
+
+namespace corvane::test {
+namespace {
+
+// A line for each key and each value, in small letters, as the registry doesn't tell them apart.
+using Snapshot = std::set<std::wstring>;
+
+std::wstring Small(std::wstring text) {
+    CharLowerBuffW(text.data(), static_cast<DWORD>(text.size()));
+    return text;
+}
+
+void Add(HKEY key, const std::wstring& path, Snapshot& lines) {
+    lines.insert(Small(path));
+    static std::vector<wchar_t> name(16384);
+    static std::vector<BYTE> data(1 << 20);
+    for (DWORD i = 0;; i++) {
+        DWORD length = 16384, type = 0, size = 1 << 20;
+        if (RegEnumValueW(key, i, name.data(), &length, nullptr, &type, data.data(), &size) != ERROR_SUCCESS) break;
+        std::wstring text(reinterpret_cast<wchar_t*>(data.data()), size / 2);
+        while (text.ends_with(L'\0')) text.pop_back();
+        lines.insert(Small(path + L"|" + name.data() + L"|" + text));
+    }
+    for (DWORD i = 0; RegEnumKeyW(key, i, name.data(), 16384) == ERROR_SUCCESS; i++) {
+        HKEY child = nullptr;
+        const std::wstring childName = name.data();
+        if (RegOpenKeyExW(key, childName.c_str(), 0, KEY_READ, &child) != ERROR_SUCCESS) continue;
+        Add(child, path + L"\\" + childName, lines);
+        RegCloseKey(child);
+    }
+}
+
+Snapshot TakeSnapshot() {
+    Snapshot lines;
+    HKEY software = nullptr;
+    RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software", 0, KEY_READ, &software);
+    Add(software, L"HKLM", lines);
+    RegCloseKey(software);
+    Add(HKEY_CURRENT_USER, L"HKCU", lines);
+    return lines;
+}
+
+// Lines of `of` that `without` has not.
+Snapshot Difference(const Snapshot& of, const Snapshot& without) {
+    Snapshot lines;
+    std::set_difference(of.begin(), of.end(), without.begin(), without.end(), std::inserter(lines, lines.end()));
+    return lines;
+}
+
+Snapshot ValuesOf(const Snapshot& lines) {
+    Snapshot values;
+    for (const std::wstring& line : lines) {
+        if (line.find(L'|') != std::wstring::npos) values.insert(line);
+    }
+    return values;
+}
+
+DWORD RegSvr32(const std::wstring& options, const std::wstring& file) {
+    std::wstring command = L"regsvr32 /s " + options + L" \"" + file + L"\"";
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process = {};
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+        return GetLastError();
+    }
+    DWORD code = 1;
+    WaitForSingleObject(process.hProcess, 30000);
+    GetExitCodeProcess(process.hProcess, &code);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return code;
+}
+
+// A copy of the component with its vendor libraries, in a folder beside `stage` whose name has spaces, and Cyrillic
+// letters where the file system takes them.
+std::wstring CopyOfComponent() {
+    const std::wstring source = ComponentPath().substr(0, ComponentPath().rfind(L'\\'));
+    const std::wstring beside = source.substr(0, source.rfind(L'\\') + 1);
+    std::wstring folder = beside + L"LTR 27 \u0434\u0440\u0430\u0439\u0432\u0435\u0440";
+    if (!CreateDirectoryW(folder.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS) {
+        folder = beside + L"LTR 27 driver";
+        CreateDirectoryW(folder.c_str(), nullptr);
+    }
+    for (const wchar_t* file : {L"\\Corvane.adc", L"\\ltrapi.dll", L"\\ltr27api.dll"}) {
+        EXPECT_TRUE(CopyFileW((source + file).c_str(), (folder + file).c_str(), FALSE)) << GetLastError();
+    }
+    return folder + L"\\Corvane.adc";
+}
+
+constexpr wchar_t ClassId[] = L"{8C86D41E-5B13-49E0-ABA4-123E7066E30C}";
+constexpr wchar_t HostLibrary[] = L"Software\\Classes\\TypeLib\\{97B526A7-3B46-11D7-B688-FDAEA8668E28}";
+constexpr wchar_t HostInterface[] = L"Software\\Classes\\Interface\\{97B526A8-3B46-11D7-B688-FDAEA8668E28}";
+
+Snapshot ExpectedValues(const std::wstring& path) {
+    const std::wstring own = L"{B4598549-F4AF-4583-853E-DCB91FC0CDFD}", folder = path.substr(0, path.rfind(L'\\'));
+    const std::wstring host = L"{97B526A7-3B46-11D7-B688-FDAEA8668E28}", id = ClassId;
+    const std::wstring text = L"L-Card Corvane ADC Driver", root = L"HKLM\\Classes\\";
+    const std::wstring entry = root + L"CLSID\\" + id;
+    Snapshot values = {root + L"Tessmark.Corvane||" + text,
+                       root + L"Tessmark.Corvane\\CLSID||" + id,
+                       root + L"AppID\\" + id + L"||" + text,
+                       root + L"AppID\\" + id + L"|DllSurrogate|",
+                       entry + L"||" + text,
+                       entry + L"|AppID|" + id,
+                       entry + L"\\InprocServer32||" + path,
+                       entry + L"\\InprocServer32|ThreadingModel|Apartment",
+                       entry + L"\\ProgID||Tessmark.Corvane",
+                       entry + L"\\Programmable||",
+                       entry + L"\\TypeLib||" + own,
+                       entry + L"\\Version||1.1"};
+    const auto library = [&](const std::wstring& version, const std::wstring& name, const std::wstring& file) {
+        const std::wstring key = root + L"TypeLib\\" + version;
+        values.insert({key + L"||" + name, key + L"\\FLAGS||0", key + L"\\HELPDIR||" + folder});
+        values.insert(key + file);
+    };
+    library(own + L"\\1.1", text, L"\\409\\win32||" + path);
+    library(host + L"\\1.0", L"ADCInterface3", L"\\0\\win32||" + path + L"\\2");
+    const std::wstring faces[][4] = {{L"{D75DF814-C1F9-411B-A556-490B3B57C88F}", L"_Corvane", own, L"1.1"},
+                                     {L"{FAC99029-3AFF-4FAD-A83E-C416F40B48B6}", L"_Corvane", own, L"1.1"},
+                                     {L"{97B526A8-3B46-11D7-B688-FDAEA8668E28}", L"IADC3", host, L"1.0"}};
+    for (const auto& [identifier, name, of, version] : faces) {
+        const std::wstring key = root + L"Interface\\" + identifier;
+        values.insert({key + L"||" + name, key + L"\\TypeLib||" + of, key + L"\\TypeLib|Version|" + version,
+                       key + L"\\ProxyStubClsid32||{00020424-0000-0000-C000-000000000046}"});
+    }
+    Snapshot small;
+    for (const std::wstring& value : values) small.insert(Small(value));
+    return small;
+}
+
+class RegistryEntries : public ::testing::Test {
+protected:
+    void SetUp() override {
+        RegSvr32(L"", ComponentPath());
+        EXPECT_NE(nullptr, CreateDriver()) << "leaves its settings, which are no part of the registration";
+        CoFreeUnusedLibrariesEx(0, 0);
+        RegSvr32(L"/u", ComponentPath());
+        // Every user of Windows has this key; a fresh Wine prefix has not.
+        HKEY classes = nullptr;
+        RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\Classes", &classes);
+        RegCloseKey(classes);
+        Before = TakeSnapshot();
+        ASSERT_GT(Before.size(), 100u) << "the registry was not read";
+    }
+    void TearDown() override {
+        const Snapshot after = TakeSnapshot();
+        EXPECT_EQ(Snapshot(), Difference(after, Before));
+        EXPECT_EQ(Snapshot(), Difference(Before, after));
+    }
+
+    Apartment Apartment_;
+    Snapshot Before;
+};
+
+TEST_F(RegistryEntries, AreMadeAndRemovedFromAnyFolder) {
+    const std::wstring elsewhere = CopyOfComponent();
+    for (const std::wstring& path : {ComponentPath(), elsewhere, elsewhere}) {
+        ASSERT_EQ(0u, RegSvr32(L"", path));
+        EXPECT_EQ(ExpectedValues(path), ValuesOf(Difference(TakeSnapshot(), Before)));
+        EXPECT_NE(nullptr, CreateDriver());
+        CoFreeUnusedLibrariesEx(0, 0);
+    }
+    EXPECT_EQ(0u, RegSvr32(L"/u", elsewhere));
+    EXPECT_EQ(nullptr, CreateDriver());
+    EXPECT_EQ(0u, RegSvr32(L"/u", elsewhere)) << "nothing left to remove is no failure";
+}
+
+// Below a key that is gone at the next start the platform makes no lasting ones.
+TEST_F(RegistryEntries, AreTakenBackWhenOneFails) {
+    HKEY passing = nullptr;
+    const wchar_t key[] = L"Software\\Classes\\Interface\\{FAC99029-3AFF-4FAD-A83E-C416F40B48B6}";
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, key, 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE,
+                                             nullptr, &passing, nullptr));
+    RegSetValueExW(passing, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(L"old"), 8);
+    RegCloseKey(passing);
+    const Snapshot start = TakeSnapshot();
+    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE), LoadedComponent().Call("DllRegisterServer"));
+    EXPECT_EQ(start, TakeSnapshot());
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, key);
+}
+
+// Stands in for a machine whose user is no administrator: there is a key that he may read only.
+TEST_F(RegistryEntries, AreTheUsersOwnWhereOnlyHeMayWrite) {
+    HKEY machine = nullptr;
+    const std::string path = "Software\\CorvaneTestMachine", denied = path + "\\Software\\Classes\\Tessmark.Corvane";
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyA(HKEY_CURRENT_USER, denied.c_str(), &machine));
+    RegCloseKey(machine);
+    DenyRights(denied, KEY_SET_VALUE);
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyA(HKEY_CURRENT_USER, path.c_str(), &machine));
+    ASSERT_EQ(ERROR_SUCCESS, RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine));
+    const HRESULT registered = LoadedComponent().Call("DllRegisterServer");
+    Snapshot own;
+    Add(HKEY_CURRENT_USER, L"HKCU", own);
+    const HRESULT unregistered = LoadedComponent().Call("DllUnregisterServer");
+    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+    RegCloseKey(machine);
+    for (const char* child : {"\\Software\\Classes\\Tessmark.Corvane", "\\Software\\Classes", "\\Software", ""}) {
+        RegDeleteKeyA(HKEY_CURRENT_USER, (path + child).c_str());
+    }
+    EXPECT_EQ(S_OK, registered);
+    EXPECT_EQ(S_OK, unregistered);
+    for (std::wstring value : ExpectedValues(ComponentPath())) {
+        EXPECT_TRUE(own.contains(value.replace(0, 4, L"hkcu\\software"))) << std::string(value.begin(), value.end());
+    }
+}
+
+TEST_F(RegistryEntries, OfTheHostStay) {
+    const auto describe = [](const std::wstring& key, const wchar_t* text) {
+        RegSetValueW(HKEY_LOCAL_MACHINE, key.c_str(), REG_SZ, text, 0);
+    };
+    const std::wstring file = std::wstring(HostLibrary) + L"\\1.0\\0\\win32";
+    for (const bool hostFirst : {true, false}) {
+        if (!hostFirst) {
+            ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer"));
+        }
+        describe(HostInterface, L"IADC3 of the host");
+        describe(file, L"C:\\host\\ADCInterface3.tlb");
+        const Snapshot start = TakeSnapshot();
+        ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer"));
+        const Snapshot registered = TakeSnapshot();
+        EXPECT_TRUE(registered.contains(Small(L"HKLM" + std::wstring(HostInterface + 8) + L"||IADC3 of the host")));
+        EXPECT_TRUE(registered.contains(Small(L"HKLM" + file.substr(8) + L"||C:\\host\\ADCInterface3.tlb")));
+        ASSERT_EQ(S_OK, LoadedComponent().Call("DllUnregisterServer"));
+        const Snapshot left = TakeSnapshot();
+        if (hostFirst) {
+            EXPECT_EQ(start, left);
+        }
+        EXPECT_TRUE(left.contains(Small(L"HKLM" + std::wstring(HostInterface + 8) + L"||IADC3 of the host")));
+        for (const wchar_t* child : {L"\\ProxyStubClsid32", L"\\TypeLib", L""}) {
+            RegDeleteKeyW(HKEY_LOCAL_MACHINE, (std::wstring(HostInterface) + child).c_str());
+        }
+        for (const wchar_t* child :
+             {L"\\1.0\\0\\win32", L"\\1.0\\0", L"\\1.0\\FLAGS", L"\\1.0\\HELPDIR", L"\\1.0", L""}) {
+            RegDeleteKeyW(HKEY_LOCAL_MACHINE, (std::wstring(HostLibrary) + child).c_str());
+        }
+    }
+}
+
+}  // namespace
+}  // namespace corvane::test
