@@ -1,11 +1,35 @@
 // The Select Device dialog: which of several crates to use.
 #pragma once
 
+#include <cstdint>
+#include <string>
+#include <vector>
+
 #include "driver/model/driver_state.h"
+#include "platform/tree_node.h"
 
 namespace corvane {
 
 // Index of the chosen entry of CrateList; -1 when none was chosen.
 int SelectDevice(DriverState& state);
+
+// The dialog without its window, which shows the public members and reports what the user did. OK and Enter just close
+// it.
+class dlgQuorn {
+public:
+    // Shows the crates of the last search, the first one chosen. False when there are none.
+    bool FillTree(const DriverState& state);
+    // Chooses the crate that the node with this key is, or belongs to; none when it names no crate.
+    void ClickNode(const std::string& key);
+    void PressCancel() { Selection = -1; }
+
+    // The chosen crate's node is shown in bold, and OK needs one.
+    bool Bold(const std::string& key) const { return key == "C" + std::to_string(Selection); }
+    bool OKEnabled() const { return Selection >= 0; }
+
+    std::string Caption = "Select Device";
+    std::vector<platform::TreeNode> tvwLTR;  // all expanded; the first one is selected at the start
+    int16_t Selection = -1;                  // index in CrateList
+};
 
 }  // namespace corvane

@@ -1,11 +1,57 @@
 // The setup dialog.
 #pragma once
 
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
 #include "driver/model/driver_state.h"
+#include "platform/tree_node.h"
 
 namespace corvane {
 
-// Shows the dialog modally, unless a recording is under way. Always false: the host has nothing to do afterwards.
+// Shows the dialog modally, unless a recording is under way. Always false: the host has nothing to do afterwards. The
+// user is told when the dialog can't be shown.
 bool ShowSetting(DriverState& state);
+
+// The dialog without its window, which shows the public members and reports what the user did. Cancel just closes it.
+class dlgSetup {
+public:
+    static constexpr std::array<int, 3> TabStops = {40, 75, 125};  // of the mezzanines' lines, in dialog units
+    // In the order of CrateInfo's MarkSTARTMode.
+    static constexpr std::array<const char*, 8> MarkModes = {"Make Internal",    "Make DIGOUT1",     "Make DIGOUT2",
+                                                             "Wait Internal",    "Wait DIGIN1 Rise", "Wait DIGIN1 Fall",
+                                                             "Wait DIGIN2 Rise", "Wait DIGIN2 Fall"};
+
+    // Throws when the driver's state doesn't hold together.
+    explicit dlgSetup(DriverState& state);
+
+    void ClickNode(const std::string& key);
+    void ChooseMark(int index);  // entry of MarkModes
+    void PressOK();
+
+    bool HelpEnabled() const { return !HelpFile.empty(); }
+
+    std::string Caption;
+    std::string MezzaninesCaption = "&Mezzanines:";
+    std::string SynchroCaption = "Sync&hronization";
+    std::string MarkSTARTCaption = "Use START &Mark:";
+    std::string CancelCaption = "Cancel";
+    std::string HelpCaption = "Help";
+    std::vector<platform::TreeNode> tvwLTR;  // all expanded and kept so; the first one is selected at the start
+    std::string txtInfo;                     // describes the node that was clicked
+    std::vector<std::string> lstMezzanines;
+    int cboMarkSTART = 0;   // selected entry
+    std::string HelpFile;   // full path; empty: there is no help
+    int32_t HelpTopic = 0;  // context number in it
+
+private:
+    void LocalizeCaptions();
+    void FillContents();
+    void FillModuleTree();
+
+    DriverState& State_;
+};
 
 }  // namespace corvane

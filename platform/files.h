@@ -1,0 +1,20 @@
+// The system's own small files. Paths are UTF-8.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace corvane::platform {
+
+// Path of a file in a folder, whose text may end with a separator, as that of a drive's root does.
+std::string PathIn(const std::string& folder, const std::string& name);
+
+// The first `limit` bytes of an ordinary file, or as many as could be read; empty when it can't be opened.
+std::string ReadFileStart(const std::string& path, size_t limit);
+
+// Makes these bytes the file's whole content. They are written beside it first, so that on failure, which gives false,
+// the file is as it was.
+bool ReplaceContent(const std::string& path, std::string_view bytes);
+
+}  // namespace corvane::platform

@@ -1,0 +1,189 @@
+// The dialogs that show crates and modules: Select Device and the setup dialog.
+#include "platform/portable/shown_messages.h"
+#include "selection/dlgQuorn.h"
+#include "selection/portable/dialog_users.h"
+#include "settings/dlgSetup.h"
+#include "settings/portable/dlgSetup_user.h"
+#include "tests/native/driver_fixture.h"
+
+namespace corvane {
+namespace {
+
+using platform::TreeNode;
+
+std::string Shown(const std::vector<TreeNode>& nodes) {
+    std::string text;
+    for (const TreeNode& node : nodes) {
+        const std::string parent = node.Parent < 0 ? "" : nodes[static_cast<size_t>(node.Parent)].Key + "/";
+        text += parent + node.Key + "=" + node.Text + "(" + std::to_string(node.Picture) + ")\n";
+    }
+    return text;
+}
+
+DriverState& WithCrates(DriverState& state, int count) {
+    for (int i = 0; i < count; i++) {
+        state.CrateList.push_back({0x0A000005,
+                                   "10.0.0." + std::to_string(5 + i),
+                                   "LTR030",
+                                   "SN" + std::to_string(i),
+                                   "USB",
+                                   {{"LTR27", 3}, {"LTR27", 12}}});
+    }
+    state.CrateListCount = static_cast<int16_t>(count);
+    return state;
+}
+
+TEST(SelectDeviceDialog, ShowsCratesWithTheirModules) {
+    DriverState state;
+    dlgQuorn dialog;
+    ASSERT_TRUE(dialog.FillTree(WithCrates(state, 2)));
+    EXPECT_EQ(dialog.Caption, "Select Device - IP: 10.0.0.5");
+    EXPECT_EQ(Shown(dialog.tvwLTR),
+              "C0=LTR030 SN:SN0(1)\nC0/C0M0=Slot 03 - LTR27(2)\nC0/C0M1=Slot 12 - LTR27(2)\n"
+              "C1=LTR030 SN:SN1(1)\nC1/C1M0=Slot 03 - LTR27(2)\nC1/C1M1=Slot 12 - LTR27(2)\n");
+    EXPECT_EQ(dialog.Selection, 0);
+}
+
+TEST(SelectDeviceDialog, AClickChoosesTheWholeCrate) {
+    DriverState state;
+    dlgQuorn dialog;
+    dialog.FillTree(WithCrates(state, 12));
+    const std::pair<const char*, int> clicks[] = {{"C1M1", 1}, {"C10", 10}, {"C0", 0},  {"C11M0", 11},
+                                                  {"", -1},    {"C1", 1},   {"CM1", -1}};
+    for (const auto& [key, crate] : clicks) {
+        dialog.ClickNode(key);
+        EXPECT_EQ(dialog.Selection, crate) << key;
+        EXPECT_EQ(dialog.OKEnabled(), crate >= 0);
+        for (const TreeNode& node : dialog.tvwLTR) {
+            EXPECT_EQ(dialog.Bold(node.Key), node.Key == "C" + std::to_string(crate)) << node.Key;
+        }
+    }
+}
+
+TEST(SelectDeviceDialog, GivesTheChosenCrateOrNone) {
+    DriverState state;
+    int shown = 0;
+    UserOfDevice = [&](dlgQuorn&) { shown++; };
+    EXPECT_EQ(SelectDevice(state), -1);
+    EXPECT_EQ(shown, 0) << "nothing to choose";
+    EXPECT_EQ(SelectDevice(WithCrates(state, 3)), 0);
+    UserOfDevice = [&](dlgQuorn& dialog) { dialog.ClickNode("C2M1"); };
+    EXPECT_EQ(SelectDevice(state), 2);
+    UserOfDevice = [&](dlgQuorn& dialog) {
+        dialog.ClickNode("C2");
+        dialog.PressCancel();
+    };
+    EXPECT_EQ(SelectDevice(state), -1);
+    UserOfDevice = nullptr;
+}
+
+class SetupDialog : public testing::Test {
+protected:
+    void SetUp() override {
+        State.Device.DriverName = State.Device.ADCName = "LTR27";
+        State.Crate.Serial = "3T12";
+        State.Crate.TypeName = "LTR030";
+        State.Crate.Info = "the crate";
+        platform::ShownMessages.clear();
+    }
+
+    void OpenModules(int count) {
+        State.Engine.Modules = std::vector<ModuleRecord>(3);  // more than are open
+        State.Engine.OpenedCount = static_cast<int16_t>(count);
+        for (int i = 0; i < count; i++) {
+            ModuleRecord& module = State.Engine.Modules[static_cast<size_t>(i)];
+            module.Slot = 3 + 8 * i;
+            module.Name = "LTR27";
+            module.Info = "module " + std::to_string(i);
+            module.Mezzanines[0] = {"H-27U10", "12345", "A.0", "В", 10, -10};
+            module.Mezzanines[7] = {"H-27I5", "ЯЯ3456789", "B.0", "мА", 5, 0};
+        }
+        BuildChannelModel(State.Device, State.Engine.Opened());
+    }
+
+    DriverState State;
+};
+
+TEST_F(SetupDialog, ShowsTheCrateAndItsModules) {
+    OpenModules(2);
+    State.Crate.MarkSTARTMode = 5;
+    dlgSetup dialog(State);
+    EXPECT_EQ(dialog.Caption, "LTR27 Setup (v3.2.1)");
+    EXPECT_EQ(dialog.SynchroCaption, "Sync&hronization:");
+    EXPECT_EQ(Shown(dialog.tvwLTR), "C3T12=LTR030(1)\nC3T12/M0=03. LTR27(2)\nC3T12/M1=11. LTR27(2)\n");
+    ASSERT_EQ(dialog.lstMezzanines.size(), 16u);
+    EXPECT_EQ(dialog.lstMezzanines[0], "03_H-27U10\tvA.0\t12345   \t±10 В");
+    EXPECT_EQ(dialog.lstMezzanines[1], "03_Empty");
+    EXPECT_EQ(dialog.lstMezzanines[15], "11_H-27I5\tvB.0\tЯЯ345678\t0…5 мА");
+    EXPECT_EQ(dialog.cboMarkSTART, 5);
+    const std::pair<const char*, const char*> clicks[] = {
+        {"M1", "module 1"}, {"C3T12", "the crate"}, {"M0", "module 0"}, {"", "the crate"}};
+    EXPECT_EQ(dialog.txtInfo, "the crate");
+    for (const auto& [key, info] : clicks) {
+        dialog.ClickNode(key);
+        EXPECT_EQ(dialog.txtInfo, info) << key;
+    }
+}
+
+TEST_F(SetupDialog, WithoutModulesOnlyTheCrateRemains) {
+    State.Crate = {};
+    dlgSetup dialog(State);
+    EXPECT_EQ(Shown(dialog.tvwLTR), "C=(1)\n");
+    EXPECT_TRUE(dialog.lstMezzanines.empty());
+}
+
+TEST_F(SetupDialog, HelpNeedsAFile) {
+    const struct {
+        const char* File;
+        const char* Name;
+        bool Enabled;
+        int32_t Topic;
+    } cases[] = {{"C:\\LCard.chm", "LTR27", true, 27},
+                 {"", "LTR27", false, 0},
+                 {".chm", "LTR27", false, 0},
+                 {"x.chm", "LTR", true, 0}};
+    for (const auto& each : cases) {
+        State.HelpFile = each.File;
+        State.Device.ADCName = each.Name;
+        const dlgSetup dialog(State);
+        EXPECT_EQ(dialog.HelpEnabled(), each.Enabled) << each.File;
+        EXPECT_EQ(dialog.HelpTopic, each.Topic);
+    }
+}
+
+TEST_F(SetupDialog, OnlyOkKeepsTheMode) {
+    UserOfSetup = [](dlgSetup& dialog) { dialog.ChooseMark(5); };
+    EXPECT_FALSE(ShowSetting(State));
+    EXPECT_EQ(State.Crate.MarkSTARTMode, 0);
+    UserOfSetup = [](dlgSetup& dialog) {
+        dialog.ChooseMark(5);
+        for (const int none : {-1, 8}) dialog.ChooseMark(none);
+        dialog.PressOK();
+    };
+    EXPECT_FALSE(ShowSetting(State));
+    EXPECT_EQ(State.Crate.MarkSTARTMode, 5);
+    State.Crate.MarkSTARTMode = 1;
+    State.Engine.Busy = true;
+    EXPECT_FALSE(ShowSetting(State));
+    EXPECT_EQ(State.Crate.MarkSTARTMode, 1) << "shown during a recording";
+    UserOfSetup = nullptr;
+}
+
+TEST_F(SetupDialog, FailureIsShownToTheUser) {
+    OpenModules(2);
+    State.Device.Ranges.resize(9);
+    int shown = 0;
+    UserOfSetup = [&](dlgSetup&) { shown++; };
+    EXPECT_FALSE(ShowSetting(State));
+    EXPECT_EQ(shown, 0);
+    ASSERT_EQ(platform::ShownMessages.size(), 1u);
+    EXPECT_TRUE(platform::ShownMessages[0].starts_with("LTR27|Error: ")) << platform::ShownMessages[0];
+    State.Engine.OpenedCount = 0;
+    UserOfSetup = [](dlgSetup&) { throw std::runtime_error("no window"); };
+    EXPECT_FALSE(ShowSetting(State));
+    EXPECT_EQ(platform::ShownMessages.back(), "LTR27|Error: no window");
+    UserOfSetup = nullptr;
+}
+
+}  // namespace
+}  // namespace corvane
