@@ -12,6 +12,28 @@
 
 namespace corvane {
 
+namespace {
+
+// A dialog keeps the host's thread in here, while its timers go on and may call again: what then finds itself at work
+// already does nothing.
+class Turn {
+public:
+    explicit Turn(bool& taken) : Taken_(taken), Ours_(!taken) { Taken_ = true; }
+    ~Turn() {
+        if (Ours_) Taken_ = false;
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+    bool Ours() const { return Ours_; }
+
+private:
+    bool& Taken_;
+    bool Ours_;
+};
+
+}  // namespace
+
 DriverObject::DriverObject() : State_(AttachObject()) {}
 
 DriverObject::~DriverObject() {
@@ -43,7 +65,8 @@ bool DriverObject::Detected() const {
 }
 
 bool DriverObject::Test() {
-    if (!State_.Detected) {
+    const Turn turn(State_.InDialog);
+    if (!State_.Detected && turn.Ours()) {
         State_.LastOpenResult = 0;
         State_.Detected = OpenDevice(State_);
         State_.LastOpenResult = State_.Detected ? int16_t{-1} : int16_t{0};
@@ -170,7 +193,8 @@ std::string DriverObject::LastError() const {
 }
 
 bool DriverObject::ShowSetting() {
-    return corvane::ShowSetting(State_);
+    const Turn turn(State_.InDialog);
+    return turn.Ours() && corvane::ShowSetting(State_);
 }
 
 }  // namespace corvane

@@ -18,6 +18,7 @@ namespace corvane {
 struct DriverState {
     int32_t Instances = 0;       // live driver objects
     bool Detected = false;       // modules are open
+    bool InDialog = false;       // a member that may show a dialog is at work
     int16_t LastOpenResult = 0;  // the last opening attempt as the host's Boolean: -1 or 0
     DeviceInfo Device;
     InputState Input;

@@ -1,24 +1,9 @@
 #include "platform/component.h"
 
-#include <windows.h>
+#include "platform/win32/component_module.h"
+#include "platform/win32/wide_text.h"
 
 namespace corvane::platform {
-
-namespace {
-
-std::string Utf8(const std::wstring& wide) {
-    std::string text(wide.size() * 3, '\0');
-    text.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()),
-                                                        text.data(), static_cast<int>(text.size()), nullptr, nullptr)));
-    return text;
-}
-
-std::wstring Wide(const std::string& utf8) {
-    std::wstring text(utf8.size(), L'\0');
-    text.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()),
-                                                        text.data(), static_cast<int>(text.size()))));
-    return text;
-}
 
 HMODULE ComponentModule() {
     HMODULE module = nullptr;
@@ -26,8 +11,6 @@ HMODULE ComponentModule() {
                        reinterpret_cast<const wchar_t*>(&ComponentModule), &module);
     return module;
 }
-
-}  // namespace
 
 std::string ComponentFolder() {
     std::wstring path(MAX_PATH, L'\0');

@@ -1,17 +1,15 @@
 #include "platform/component_version.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cstring>
+
+#include "platform/win32/component_module.h"
 
 namespace corvane::platform {
 
 // Straight from the loaded resource: asking by file name would open the file a second time and need another library.
 std::string ComponentVersion() {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<const wchar_t*>(&ComponentVersion), &module);
+    const HMODULE module = ComponentModule();
     const HRSRC resource = FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION);
     const HGLOBAL loaded = resource ? LoadResource(module, resource) : nullptr;
     if (!loaded) return {};

@@ -1,0 +1,21 @@
+#include "platform/win32/help.h"
+
+#include "platform/win32/wide_text.h"
+
+namespace corvane::platform {
+
+bool ShowHelp(HWND window, const std::string& file, int32_t topic) {
+    constexpr UINT helpContext = 0x000F;  // HH_HELP_CONTEXT
+    using HtmlHelpFunction = HWND(WINAPI*)(HWND, const wchar_t*, UINT, DWORD_PTR);
+    // The file itself is asked for first: some viewers open an empty window for a missing one, or none without a word.
+    const std::wstring path = Wide(file);
+    if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
+    // Loaded when it is needed, and kept: its windows have a thread of their own.
+    static const HMODULE viewer = LoadLibraryW(L"hhctrl.ocx");
+    if (viewer == nullptr) return false;
+    const auto htmlHelp =
+        reinterpret_cast<HtmlHelpFunction>(reinterpret_cast<void*>(GetProcAddress(viewer, "HtmlHelpW")));
+    return htmlHelp != nullptr && htmlHelp(window, path.c_str(), helpContext, static_cast<DWORD>(topic)) != nullptr;
+}
+
+}  // namespace corvane::platform

@@ -1,0 +1,40 @@
+// A tree view that shows a list of nodes, each with its key and one of the pictures of crate and module.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/tree_node.h"
+
+namespace corvane::platform {
+
+class TreeWindow {
+public:
+    TreeWindow() = default;
+    ~TreeWindow();
+    TreeWindow(const TreeWindow&) = delete;
+    TreeWindow& operator=(const TreeWindow&) = delete;
+
+    // Shows all nodes, expanded, the first one selected. A node that can't be added is left out, with those below it.
+    void Fill(HWND tree, const std::vector<TreeNode>& nodes);
+
+    // Loads the pictures in the size of that many pixels.
+    void LoadPictures(HWND tree, int size);
+
+    void SetBold(const std::string& key, bool bold);
+    const std::string& Key(const NMTREEVIEWW& change) const {
+        return Nodes_.at(static_cast<size_t>(change.itemNew.lParam)).Key;
+    }
+
+private:
+    HWND Tree_ = nullptr;
+    HIMAGELIST Pictures_ = nullptr;
+    std::vector<TreeNode> Nodes_;
+    std::vector<HTREEITEM> Items_;  // of the nodes
+};
+
+}  // namespace corvane::platform

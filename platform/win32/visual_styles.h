@@ -1,0 +1,22 @@
+// The look of the user's system for windows that the thread makes while this lives. The component brings a manifest of
+// its own for it: the host's process may have none, or an old one.
+#pragma once
+
+#include <windows.h>
+
+namespace corvane::platform {
+
+class VisualStyles {
+public:
+    VisualStyles();
+    ~VisualStyles();
+    VisualStyles(const VisualStyles&) = delete;
+    VisualStyles& operator=(const VisualStyles&) = delete;
+
+private:
+    HANDLE Context_;
+    ULONG_PTR Cookie_ = 0;
+    bool Active_ = false;
+};
+
+}  // namespace corvane::platform

@@ -1,0 +1,53 @@
+// The window of the IP address control: four boxes in one frame, which are controls of the dialog itself, so that the
+// dialog manager moves the focus through them.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/win32/window_layout.h"
+#include "selection/ucIP.h"
+
+namespace corvane {
+
+class ucIPWindow {
+public:
+    // Takes the identifiers firstId to firstId + IdCount - 1.
+    static constexpr int IdCount = 12;
+
+    ucIPWindow(ucIP& control, int firstId) : Control_(control), FirstId_(firstId) {}
+    ucIPWindow(const ucIPWindow&) = delete;
+    ucIPWindow& operator=(const ucIPWindow&) = delete;
+
+    // The controls in the order of the Tab key, at that place of the dialog. name: what screen readers call the
+    // address.
+    void AddControls(std::vector<platform::ControlDesign>& controls, const platform::Twips& place,
+                     const std::string& name) const;
+
+    void Attach(HWND dialog);  // once they are made
+    void Show();               // all of the control, after the dialog has changed it
+    void Focus(int box);
+    bool Owns(int id) const { return id >= FirstId_ && id < FirstId_ + IdCount; }
+    // For the dialog's WM_COMMAND with an identifier of this control.
+    void Command(int id, int code);
+
+private:
+    static LRESULT CALLBACK BoxProcedure(HWND box, UINT message, WPARAM wParam, LPARAM lParam);
+    // False: the message is done with.
+    bool BeforeBox(int box, UINT message, WPARAM wParam);
+    void KeyDown(int box, WPARAM key);
+    HWND Box(int index) const;
+    void Read(int index);
+    void Select(int index);
+
+    ucIP& Control_;
+    int FirstId_;
+    HWND Dialog_ = nullptr;
+    WNDPROC EditProcedure_ = nullptr;
+    bool Showing_ = false;  // what changes is our own doing
+};
+
+}  // namespace corvane

@@ -1,0 +1,152 @@
+// The window of the setup dialog.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "common/mTypes3.h"
+#include "platform/message_box.h"
+#include "platform/win32/dialog_window.h"
+#include "platform/win32/help.h"
+#include "platform/win32/tree_window.h"
+#include "platform/win32/wide_text.h"
+#include "settings/dlgSetup.h"
+#include "settings/dlgSetup_window.h"
+
+namespace corvane {
+
+namespace {
+
+using platform::Inside;
+using platform::Twips;
+
+constexpr int ClientWidth = 4710, ClientHeight = 4470;
+constexpr int PictureSize = 240;  // twips: 16 pixels at 96 dots per inch
+constexpr Twips frMezzaninesPlace = {120, 1020, 4455, 2055}, frSynchroPlace = {120, 3180, 4455, 705};
+enum Id {
+    cmdOK = IDOK,
+    cmdCancel = IDCANCEL,
+    NameOfTree = 100,
+    tvwLTR,
+    NameOfInfo,
+    txtInfo,
+    frMezzanines,
+    lstMezzanines,
+    frSynchro,
+    lblMarkSTART,
+    cboMarkSTART,
+    cmdHelp
+};
+
+class SetupWindow final : public platform::DialogWindow {
+public:
+    explicit SetupWindow(dlgSetup& dialog) : DialogWindow(dialog.Caption, ClientWidth, ClientHeight), Dialog_(dialog) {
+        constexpr DWORD stop = WS_VISIBLE | WS_TABSTOP;
+        constexpr DWORD tree = stop | TVS_HASLINES | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP;
+        constexpr DWORD text = stop | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL;
+        constexpr DWORD list = stop | WS_VSCROLL | WS_HSCROLL | LBS_USETABSTOPS | LBS_NOINTEGRALHEIGHT;
+        constexpr DWORD combo = stop | WS_VSCROLL | CBS_DROPDOWNLIST;
+        // The hidden labels are what screen readers call the tree and the text.
+        Controls = {
+            {NameOfTree, WC_STATICW, 0, {0, 0, 0, 0}, "LTR"},
+            {tvwLTR, WC_TREEVIEWW, tree, {120, 120, 2280, 810}, {}, WS_EX_CLIENTEDGE},
+            {NameOfInfo, WC_STATICW, 0, {0, 0, 0, 0}, "LTR"},
+            {txtInfo, WC_EDITW, text, {2520, 120, 2070, 795}, {}, WS_EX_CLIENTEDGE},
+            {frMezzanines, WC_BUTTONW, WS_VISIBLE | BS_GROUPBOX, frMezzaninesPlace, dialog.MezzaninesCaption},
+            {lstMezzanines, WC_LISTBOXW, list, Inside(frMezzaninesPlace, {150, 270, 4155, 1620}), {}, WS_EX_CLIENTEDGE},
+            {frSynchro, WC_BUTTONW, WS_VISIBLE | BS_GROUPBOX, frSynchroPlace, dialog.SynchroCaption},
+            {lblMarkSTART, WC_STATICW, WS_VISIBLE, Inside(frSynchroPlace, {225, 300, 1320, 195}),
+             dialog.MarkSTARTCaption},
+            {cboMarkSTART, WC_COMBOBOXW, combo, Inside(frSynchroPlace, {1620, 240, 2475, 315}), {}},
+            {cmdOK, WC_BUTTONW, stop | BS_DEFPUSHBUTTON, {810, 4020, 1155, 345}, "OK"},
+            {cmdCancel, WC_BUTTONW, stop, {2115, 4020, 1155, 345}, dialog.CancelCaption},
+            {cmdHelp, WC_BUTTONW, stop, {3420, 4020, 1155, 345}, dialog.HelpCaption},
+        };
+    }
+
+private:
+    void Loaded() override {
+        Tree_.Fill(Control(tvwLTR), Dialog_.tvwLTR);
+        SetText(txtInfo, Dialog_.txtInfo);
+        for (const std::string& line : Dialog_.lstMezzanines) AddLine(lstMezzanines, LB_ADDSTRING, line);
+        for (const char* mode : dlgSetup::MarkModes) AddLine(cboMarkSTART, CB_ADDSTRING, mode);
+        SendMessageW(Control(cboMarkSTART), CB_SETCURSEL, static_cast<WPARAM>(Dialog_.cboMarkSTART), 0);
+        EnableWindow(Control(cmdHelp), Dialog_.HelpEnabled());
+        Filled_ = true;
+    }
+
+    void Placed() override {
+        Tree_.LoadPictures(Control(tvwLTR), Pixels(PictureSize));
+        std::array<int, 3> stops = dlgSetup::TabStops;
+        SendMessageW(Control(lstMezzanines), LB_SETTABSTOPS, stops.size(), reinterpret_cast<LPARAM>(stops.data()));
+        SendMessageW(Control(lstMezzanines), LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(WidestLine()), 0);
+    }
+
+    // In pixels, so that the list can be scrolled sideways where a unit's text is long.
+    int WidestLine() const {
+        const HWND list = Control(lstMezzanines);
+        const HDC context = GetDC(list);
+        const HGDIOBJ previous = SelectObject(context, reinterpret_cast<HGDIOBJ>(SendMessageW(list, WM_GETFONT, 0, 0)));
+        TEXTMETRICW letters = {};
+        GetTextMetricsW(context, &letters);
+        std::array<int, 3> stops = dlgSetup::TabStops;
+        for (int& stop : stops) stop = MulDiv(stop, letters.tmAveCharWidth, 4);  // a dialog unit is a quarter letter
+        int widest = 0;
+        for (const std::string& line : Dialog_.lstMezzanines) {
+            const std::wstring text = platform::Wide(line);
+            const DWORD extent = GetTabbedTextExtentW(context, text.c_str(), static_cast<int>(text.size()),
+                                                      static_cast<int>(stops.size()), stops.data());
+            widest = std::max(widest, static_cast<int>(LOWORD(extent)));
+        }
+        SelectObject(context, previous);
+        ReleaseDC(list, context);
+        return widest + letters.tmAveCharWidth;
+    }
+
+    void Command(int id, int code) override {
+        if (id == cboMarkSTART && code == CBN_SELCHANGE) {
+            Dialog_.ChooseMark(static_cast<int>(SendMessageW(Control(cboMarkSTART), CB_GETCURSEL, 0, 0)));
+        } else if (id == cmdOK) {
+            Dialog_.PressOK();
+            Close();
+        } else if (id == cmdCancel) {
+            Close();
+        } else if (id == cmdHelp) {
+            PostMessageW(Window(), WM_HELP, 0, 0);  // as the F1 key does
+        }
+    }
+
+    bool Notify(const NMHDR& header, LRESULT&) override {
+        const auto& change = reinterpret_cast<const NMTREEVIEWW&>(header);
+        if (header.code == TVN_ITEMEXPANDEDW && (change.action & TVE_COLLAPSE) != 0) {
+            TreeView_Expand(header.hwndFrom, change.itemNew.hItem, TVE_EXPAND);
+            return true;
+        }
+        if (header.code != TVN_SELCHANGEDW || !Filled_) return false;
+        Dialog_.ClickNode(Tree_.Key(change));
+        SetText(txtInfo, Dialog_.txtInfo);
+        return true;
+    }
+
+    void Help() override {
+        if (!Dialog_.HelpEnabled() || platform::ShowHelp(Window(), Dialog_.HelpFile, Dialog_.HelpTopic)) return;
+        platform::ShowMessage(Dialog_.Caption, ResourceText(200, Dialog_.HelpFile));
+    }
+
+    void AddLine(int id, UINT message, const std::string& line) {
+        SendMessageW(Control(id), message, 0, reinterpret_cast<LPARAM>(platform::Wide(line).c_str()));
+    }
+
+    dlgSetup& Dialog_;
+    platform::TreeWindow Tree_;
+    bool Filled_ = false;
+};
+
+}  // namespace
+
+void ShowModal(dlgSetup& dialog) {
+    SetupWindow(dialog).ShowModal(GetActiveWindow());
+}
+
+}  // namespace corvane
