@@ -105,6 +105,8 @@ std::vector<Entry> Entries(bool withHost) {
     };
     const LibraryEntry own = {TessmarkLibrary, TessmarkVersion, TessmarkLocale, ComponentDescription, path};
     AddLibrary(entries, own, folder);
+    // The marshaler asks for no language; without this it would have no proxy for _Corvane.
+    entries.push_back({TessmarkKey() + L"\\0\\win32", nullptr, path});
     AddInterface(entries, __uuidof(_Corvane), L"_Corvane", own);
     AddInterface(entries, EarlierCorvane, L"_Corvane", own);
     if (withHost) {

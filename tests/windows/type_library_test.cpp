@@ -1,0 +1,182 @@
+// The type libraries as the component's file carries them, with nothing registered: every entry and every member.
+#include <map>
+
+#include "driver/com/identifiers.h"
+#include "tests/windows/com_host.h"
+
+namespace corvane::test {
+namespace {
+
+std::string Take(BSTR text, const char* before = "") {
+    const std::string narrow(text, text + SysStringLen(text));
+    SysFreeString(text);
+    return text != nullptr ? before + narrow : "";
+}
+
+// Name, help text and help file of a library (-1), of a type (MEMBERID_NIL) or of its member.
+template <class Source>
+std::string Title(Source* source, LONG of = MEMBERID_NIL) {
+    BSTR name = nullptr, help = nullptr, file = nullptr;
+    EXPECT_EQ(S_OK, source->GetDocumentation(of, &name, &help, nullptr, &file));
+    return Take(name) + Take(help, " | ") + Take(file, " | ");
+}
+
+std::string Identified(const std::string& title, const GUID& identifier) {
+    wchar_t text[39];
+    StringFromGUID2(identifier, text, 39);
+    return title + ' ' + std::string(text, text + 38) + ' ';
+}
+
+ComPtr<ITypeInfo> Referenced(ITypeInfo* info, HREFTYPE reference) {
+    ComPtr<ITypeInfo> other;
+    EXPECT_EQ(S_OK, info->GetRefTypeInfo(reference, other.GetAddressOf()));
+    return other;
+}
+
+ComPtr<ITypeInfo> Implemented(ITypeInfo* info, UINT index) {
+    HREFTYPE reference = 0;
+    EXPECT_EQ(S_OK, info->GetRefTypeOfImplType(index, &reference));
+    return Referenced(info, reference);
+}
+
+std::string TypeName(ITypeInfo* info, const TYPEDESC& type) {
+    if (type.vt == VT_PTR) return TypeName(info, *type.lptdesc) + "*";
+    if (type.vt == VT_SAFEARRAY) return "array of " + TypeName(info, *type.lptdesc);
+    if (type.vt == VT_USERDEFINED) return Title(Referenced(info, type.hreftype).Get());
+    const std::map<VARTYPE, const char*> names = {
+        {VT_UI1, "byte"},         {VT_I2, "short"},  {VT_I4, "long"},         {VT_R4, "float"},
+        {VT_BOOL, "bool"},        {VT_BSTR, "BSTR"}, {VT_HRESULT, "HRESULT"}, {VT_DISPATCH, "IDispatch*"},
+        {VT_UNKNOWN, "IUnknown*"}};
+    return names.contains(type.vt) ? names.at(type.vt) : "type " + std::to_string(type.vt);
+}
+
+std::string Words(int flags, const std::map<int, const char*>& names) {
+    std::string words;
+    for (const auto& [flag, name] : names) words += flags & flag ? std::string(name) + ' ' : "";
+    return words;
+}
+
+// Slot, kind, dispatch identifier, name and arguments. The last argument is what is put or returned: it needs no name.
+std::string Member(ITypeInfo* info, UINT index) {
+    FUNCDESC* member = nullptr;
+    EXPECT_EQ(S_OK, info->GetFuncDesc(index, &member));
+    BSTR names[5] = {};
+    UINT count = 0;
+    info->GetNames(member->memid, names, 5, &count);
+    const std::map<int, const char*> kinds = {
+        {INVOKE_FUNC, "do"}, {INVOKE_PROPERTYGET, "get"}, {INVOKE_PROPERTYPUT, "put"}};
+    std::string text = std::to_string(member->oVft / 4) + ' ' + Words(member->invkind, kinds) +
+                       std::to_string(member->memid) + ' ' + Take(names[0]) + '(';
+    for (short i = 0; i < member->cParams; i++) {
+        const ELEMDESC& argument = member->lprgelemdescParam[i];
+        text += Words(argument.paramdesc.wParamFlags,
+                      {{PARAMFLAG_FIN, "in"}, {PARAMFLAG_FOUT, "out"}, {PARAMFLAG_FRETVAL, "retval"}});
+        const std::string name = Take(names[i + 1], " ");
+        text += TypeName(info, argument.tdesc) + (i + 1 < member->cParams ? name + ", " : "");
+    }
+    EXPECT_EQ("HRESULT", TypeName(info, member->elemdescFunc.tdesc)) << text;
+    EXPECT_TRUE(member->funckind == FUNC_PUREVIRTUAL && member->callconv == CC_STDCALL && !member->wFuncFlags) << text;
+    info->ReleaseFuncDesc(member);
+    return text + ")\n";
+}
+
+// A line for the entry itself, then the interfaces of a class or the members of an interface.
+std::string Entry(ComPtr<ITypeInfo> info) {
+    TYPEATTR* attributes = nullptr;
+    EXPECT_EQ(S_OK, info->GetTypeAttr(&attributes));
+    if (attributes->typekind == TKIND_DISPATCH) {  // half of a dual interface; the other half knows the slots
+        info->ReleaseTypeAttr(attributes);
+        info = Implemented(info.Get(), static_cast<UINT>(-1));
+        EXPECT_EQ(S_OK, info->GetTypeAttr(&attributes));
+    }
+    const TYPEKIND kind = attributes->typekind;
+    std::string text = Identified(Title(info.Get()), attributes->guid);
+    text += Words(attributes->wTypeFlags, {{TYPEFLAG_FCANCREATE, "creatable"},
+                                           {TYPEFLAG_FHIDDEN, "hidden"},
+                                           {TYPEFLAG_FDUAL, "dual"},
+                                           {TYPEFLAG_FNONEXTENSIBLE, "not extensible"},
+                                           {TYPEFLAG_FOLEAUTOMATION, "automation"}});
+    if (kind == TKIND_ALIAS) text += "alias of " + TypeName(info.Get(), attributes->tdescAlias);
+    if (kind == TKIND_COCLASS) text += "class";
+    if (kind == TKIND_INTERFACE) text += Title(Implemented(info.Get(), 0).Get());
+    text += '\n';
+    for (UINT i = 0; kind == TKIND_COCLASS && i < attributes->cImplTypes; i++) {
+        int flags = 0;
+        info->GetImplTypeFlags(i, &flags);
+        text += (flags == IMPLTYPEFLAG_FDEFAULT ? "default: " : "implements: ") + Entry(Implemented(info.Get(), i));
+    }
+    for (UINT i = 0; i < attributes->cFuncs; i++) text += Member(info.Get(), i);
+    info->ReleaseTypeAttr(attributes);
+    return text;
+}
+
+std::string Library(const std::wstring& path, const std::vector<GUID>& entries) {
+    ComPtr<ITypeLib> library;
+    EXPECT_EQ(S_OK, LoadTypeLibEx(path.c_str(), REGKIND_NONE, library.GetAddressOf()));
+    TLIBATTR* attributes = nullptr;
+    EXPECT_EQ(S_OK, library->GetLibAttr(&attributes));
+    std::string text = Identified(Title(library.Get(), -1), attributes->guid) +
+                       std::to_string(attributes->wMajorVerNum) + '.' + std::to_string(attributes->wMinorVerNum) +
+                       " locale " + std::to_string(attributes->lcid) + '\n';
+    library->ReleaseTLibAttr(attributes);
+    for (const GUID& identifier : entries) {
+        ComPtr<ITypeInfo> info;
+        EXPECT_EQ(S_OK, library->GetTypeInfoOfGuid(identifier, info.GetAddressOf()));
+        text += Entry(info);
+    }
+    return text;
+}
+
+TEST(TypeLibraries, SayWhatHostsAreCompiledAgainst) {
+    const std::string iadc3 = R"(IADC3 {97B526A8-3B46-11D7-B688-FDAEA8668E28} dual automation IDispatch
+7 get 1 ADCName(out retval BSTR*)
+8 get 2 Resolution(out retval byte*)
+9 get 3 ChannelsCount(out retval short*)
+10 get 4 RateMax(out retval float*)
+11 get 5 Ranges(out retval array of BSTR*)
+12 get 6 Detected(out retval bool*)
+13 do 7 Test(out retval bool*)
+14 get 8 BasePort(out retval short*)
+15 get 9 Busy(out retval bool*)
+16 get 10 ChannelName(in out short* Index, out retval BSTR*)
+17 get 11 ChannelRange(in out short* Index, out retval short*)
+18 put 11 ChannelRange(in out short* Index, in short)
+19 get 12 ChannelUnitScale(in out short* Index, out retval float*)
+20 get 13 ChannelUnitOffset(in out short* Index, out retval float*)
+21 get 14 ChannelUnitName(in out short* Index, out retval BSTR*)
+22 get 15 Rate(out retval float*)
+23 put 15 Rate(in float)
+24 put 16 InputSizeData(in long)
+25 get 16 InputSizeData(out retval long*)
+26 get 17 InputCountData(out retval long*)
+27 get 18 InputSizeKadrs(out retval long*)
+28 get 19 InputCountKadrs(out retval long*)
+29 get 20 InputCountChannels(out retval short*)
+30 get 21 InputChannels(out retval array of short*)
+31 put 21 InputChannels(in out array of short*)
+32 do 22 GetChannel(in out short* Index, out retval short*)
+33 do 23 GetKadr(out retval array of short*)
+34 do 24 StartRecord(out retval bool*)
+35 do 25 StopRecord()
+36 get 26 InputData(out retval array of short*)
+37 do 27 GetData(in out short* Data, in out long* Count, in out long* Remaining, out retval long*)
+38 get 28 LastError(out retval BSTR*)
+39 do 29 ShowSetting(out retval bool*)
+40 get 30 Parent(out retval IDispatch**)
+)";
+    EXPECT_EQ("ADCInterface3 {97B526A7-3B46-11D7-B688-FDAEA8668E28} 1.0 locale 0\n" + iadc3,
+              Library(ComponentPath() + L"\\2", {__uuidof(IADC3)}));
+    const std::string own =
+        R"(Tessmark | L-Card Corvane ADC Driver {B4598549-F4AF-4583-853E-DCB91FC0CDFD} 1.1 locale 1033
+Corvane {8C86D41E-5B13-49E0-ABA4-123E7066E30C} creatable class
+default: _Corvane {D75DF814-C1F9-411B-A556-490B3B57C88F} hidden dual not extensible automation IDispatch
+7 do 1610809393 GetADC3(out retval IUnknown**)
+implements: )" +
+        iadc3 + R"(Corvane___v0 {FAC99029-3AFF-4FAD-A83E-C416F40B48B6} hidden alias of _Corvane
+)";
+    static_assert(1610809393 == 0x60030031);
+    EXPECT_EQ(own, Library(ComponentPath(), {__uuidof(::Corvane), EarlierCorvane}));
+}
+
+}  // namespace
+}  // namespace corvane::test
