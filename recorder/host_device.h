@@ -43,6 +43,8 @@ public:
     // Copies the unread kadrs that fit whole into `samples`, one after another. Returns their number.
     int32_t GetData(std::span<int16_t> samples);
     std::string LastError() const;
+    static bool HasDialogs();  // whether the driver can show any in this form
+    void ShowSetting();        // the setup dialog, until the user has closed it
 
 private:
     struct Driver;

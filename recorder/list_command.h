@@ -7,7 +7,7 @@
 
 namespace corvane::recorder {
 
-// Opens the crate, as both commands do first. Throws Failure with ExitCode::NoDevice when there is none.
+// Opens the crate, as all commands do first. Throws Failure with ExitCode::NoDevice when there is none.
 void OpenDevice(HostDevice& device);
 
 // The device and a table of its channels, as text.

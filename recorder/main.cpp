@@ -8,6 +8,7 @@
 #include "recorder/list_command.h"
 #include "recorder/options.h"
 #include "recorder/record_command.h"
+#include "recorder/settings_command.h"
 
 namespace corvane::recorder {
 namespace {
@@ -18,6 +19,10 @@ ExitCode Run(const Options& options) {
         return ExitCode::Success;
     }
     HostDevice device;
+    if (options.Action == Command::Settings) {
+        ShowSettings(device);
+        return ExitCode::Success;
+    }
     OpenDevice(device);
     if (options.Action == Command::Record) return Record(options, device);
     WriteText(stdout, ListDevice(device));

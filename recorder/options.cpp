@@ -20,10 +20,11 @@ constexpr const char* Footer = R"(Examples:
   ltr27rec list
   ltr27rec record -o run.csv
   ltr27rec record --channels 0-15,17 --rate 500 --duration 2m -o run.csv --plot run.svg
+  ltr27rec settings
 
 Exit codes:
   0    done
-  1    the command line is wrong
+  1    the command line is wrong, or asks for a window where the driver has none
   2    the driver can't be had: not registered, or a library of the LTR software is missing
   3    no crate or no module was found
   4    the recording could not be started
@@ -130,6 +131,7 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     app.set_version_flag("--version", Version);
     app.require_subcommand(1);
     app.add_subcommand("list", "Show the device and its channels");
+    const CLI::App* settings = app.add_subcommand("settings", "Open the driver's setup dialog (Windows only)");
     const CLI::App* record = AddRecord(app, raw, options);
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // it takes them from the back
@@ -140,12 +142,12 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
         return options;
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty()) {
-            ThrowUsage("Give a command: ltr27rec list or ltr27rec record. Run ltr27rec --help for help.");
+            ThrowUsage("Give a command: ltr27rec list, record or settings. Run ltr27rec --help for help.");
         }
         ThrowUsage("{}\nRun ltr27rec --help for help.", error.what());
     }
     if (!record->parsed()) {
-        options.Action = Command::List;
+        options.Action = settings->parsed() ? Command::Settings : Command::List;
         return options;
     }
     options.Action = Command::Record;

@@ -8,7 +8,7 @@
 
 namespace corvane::recorder {
 
-enum class Command { Print, List, Record };
+enum class Command { Print, List, Record, Settings };
 
 struct Options {
     Command Action = Command::Print;

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <exception>
+#include <stdexcept>
 
 #include "common/mTypes3.h"
 #include "platform/component_version.h"
@@ -82,6 +83,7 @@ void dlgSetup::FillContents() {
         }
     }
     cboMarkSTART = State_.Crate.MarkSTARTMode & 15;
+    if (cboMarkSTART >= static_cast<int>(MarkModes.size())) throw std::out_of_range("no such START mark mode");
 }
 
 void dlgSetup::FillModuleTree() {

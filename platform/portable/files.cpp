@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 
 namespace corvane::platform {
@@ -17,6 +18,14 @@ bool WriteWhole(int file, std::string_view bytes) {
         bytes.remove_prefix(static_cast<size_t>(written));
     }
     return fsync(file) == 0;
+}
+
+// Renaming asks for no right to the file that it replaces, so it would undo the protection of one.
+bool MayBeReplaced(const std::string& path) {
+    const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0) return errno == ENOENT;
+    close(file);
+    return true;
 }
 
 }  // namespace
@@ -43,6 +52,7 @@ std::string ReadFileStart(const std::string& path, size_t limit) {
 }
 
 bool ReplaceContent(const std::string& path, std::string_view bytes) {
+    if (!MayBeReplaced(path)) return false;
     const std::string beside = path + ".new";
     const int file = open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
     if (file < 0) return false;

@@ -20,6 +20,15 @@ bool WriteWhole(HANDLE file, std::string_view bytes) {
     return FlushFileBuffers(file);
 }
 
+// Moving a file over another asks for no right to write to that one, so it would undo its protection.
+bool MayBeReplaced(const std::wstring& path) {
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_FILE_NOT_FOUND;
+    CloseHandle(file);
+    return true;
+}
+
 }  // namespace
 
 std::string PathIn(const std::string& folder, const std::string& name) {
@@ -46,6 +55,7 @@ std::string ReadFileStart(const std::string& path, size_t limit) {
 
 bool ReplaceContent(const std::string& path, std::string_view bytes) {
     const std::wstring target = Wide(path);
+    if (!MayBeReplaced(target)) return false;
     const std::wstring beside = target + L".new";
     const HANDLE file =
         CreateFileW(beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);

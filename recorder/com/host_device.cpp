@@ -232,4 +232,11 @@ std::string HostDevice::LastError() const {
     return TakeText(Driver_->Get(&IADC3::get_LastError, "LastError"));
 }
 
+bool HostDevice::HasDialogs() {
+    return true;
+}
+void HostDevice::ShowSetting() {
+    Driver_->Get(&IADC3::ShowSetting, "ShowSetting");
+}
+
 }  // namespace corvane::recorder

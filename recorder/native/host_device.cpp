@@ -85,4 +85,11 @@ std::string HostDevice::LastError() const {
     return Driver_->Object.LastError();
 }
 
+bool HostDevice::HasDialogs() {
+    return false;
+}
+void HostDevice::ShowSetting() {
+    Driver_->Object.ShowSetting();
+}
+
 }  // namespace corvane::recorder

@@ -22,32 +22,25 @@ std::string Shown(const std::vector<TreeNode>& nodes) {
 
 DriverState& WithCrates(DriverState& state, int count) {
     for (int i = 0; i < count; i++) {
-        state.CrateList.push_back({0x0A000005,
-                                   "10.0.0." + std::to_string(5 + i),
-                                   "LTR030",
-                                   "SN" + std::to_string(i),
-                                   "USB",
-                                   {{"LTR27", 3}, {"LTR27", 12}}});
+        const std::string number = std::to_string(i);
+        state.CrateList.push_back({0, "10.0.0." + number, "LTR030", "SN" + number, "USB", {{"LTR27", 3}, {"X", 12}}});
     }
     state.CrateListCount = static_cast<int16_t>(count);
     return state;
 }
 
-TEST(SelectDeviceDialog, ShowsCratesWithTheirModules) {
+TEST(SelectDeviceDialog, ShowsCratesWithTheirModulesAndAClickChoosesOne) {
     DriverState state;
-    dlgQuorn dialog;
-    ASSERT_TRUE(dialog.FillTree(WithCrates(state, 2)));
-    EXPECT_EQ(dialog.Caption, "Select Device - IP: 10.0.0.5");
-    EXPECT_EQ(Shown(dialog.tvwLTR),
-              "C0=LTR030 SN:SN0(1)\nC0/C0M0=Slot 03 - LTR27(2)\nC0/C0M1=Slot 12 - LTR27(2)\n"
-              "C1=LTR030 SN:SN1(1)\nC1/C1M0=Slot 03 - LTR27(2)\nC1/C1M1=Slot 12 - LTR27(2)\n");
-    EXPECT_EQ(dialog.Selection, 0);
-}
-
-TEST(SelectDeviceDialog, AClickChoosesTheWholeCrate) {
-    DriverState state;
+    dlgQuorn two;
+    ASSERT_TRUE(two.FillTree(WithCrates(state, 2)));
+    EXPECT_EQ(two.Caption, "Select Device - IP: 10.0.0.0");
+    EXPECT_EQ(Shown(two.tvwLTR),
+              "C0=LTR030 SN:SN0(1)\nC0/C0M0=Slot 03 - LTR27(2)\nC0/C0M1=Slot 12 - X(2)\n"
+              "C1=LTR030 SN:SN1(1)\nC1/C1M0=Slot 03 - LTR27(2)\nC1/C1M1=Slot 12 - X(2)\n");
+    EXPECT_EQ(two.Selection, 0);
     dlgQuorn dialog;
     dialog.FillTree(WithCrates(state, 12));
+    EXPECT_EQ(dialog.tvwLTR.size(), 36u) << "the list holds 14";
     const std::pair<const char*, int> clicks[] = {{"C1M1", 1}, {"C10", 10}, {"C0", 0},  {"C11M0", 11},
                                                   {"", -1},    {"C1", 1},   {"CM1", -1}};
     for (const auto& [key, crate] : clicks) {
@@ -62,17 +55,13 @@ TEST(SelectDeviceDialog, AClickChoosesTheWholeCrate) {
 
 TEST(SelectDeviceDialog, GivesTheChosenCrateOrNone) {
     DriverState state;
-    int shown = 0;
-    UserOfDevice = [&](dlgQuorn&) { shown++; };
+    UserOfDevice = [&](dlgQuorn&) { ADD_FAILURE() << "nothing to choose"; };
     EXPECT_EQ(SelectDevice(state), -1);
-    EXPECT_EQ(shown, 0) << "nothing to choose";
+    UserOfDevice = nullptr;
     EXPECT_EQ(SelectDevice(WithCrates(state, 3)), 0);
     UserOfDevice = [&](dlgQuorn& dialog) { dialog.ClickNode("C2M1"); };
     EXPECT_EQ(SelectDevice(state), 2);
-    UserOfDevice = [&](dlgQuorn& dialog) {
-        dialog.ClickNode("C2");
-        dialog.PressCancel();
-    };
+    UserOfDevice = [&](dlgQuorn& dialog) { dialog.PressCancel(); };
     EXPECT_EQ(SelectDevice(state), -1);
     UserOfDevice = nullptr;
 }
@@ -80,12 +69,14 @@ TEST(SelectDeviceDialog, GivesTheChosenCrateOrNone) {
 class SetupDialog : public testing::Test {
 protected:
     void SetUp() override {
-        State.Device.DriverName = State.Device.ADCName = "LTR27";
+        State.Device.DriverName = "Driver";
+        State.Device.ADCName = "LTR27";
         State.Crate.Serial = "3T12";
         State.Crate.TypeName = "LTR030";
         State.Crate.Info = "the crate";
         platform::ShownMessages.clear();
     }
+    void TearDown() override { UserOfSetup = nullptr; }
 
     void OpenModules(int count) {
         State.Engine.Modules = std::vector<ModuleRecord>(3);  // more than are open
@@ -105,10 +96,13 @@ protected:
 };
 
 TEST_F(SetupDialog, ShowsTheCrateAndItsModules) {
+    const dlgSetup crateOnly(State);
+    EXPECT_EQ(Shown(crateOnly.tvwLTR), "C3T12=LTR030(1)\n");
+    EXPECT_TRUE(crateOnly.lstMezzanines.empty());
     OpenModules(2);
     State.Crate.MarkSTARTMode = 5;
     dlgSetup dialog(State);
-    EXPECT_EQ(dialog.Caption, "LTR27 Setup (v3.2.1)");
+    EXPECT_EQ(dialog.Caption, "Driver Setup (v3.2.1)");
     EXPECT_EQ(dialog.SynchroCaption, "Sync&hronization:");
     EXPECT_EQ(Shown(dialog.tvwLTR), "C3T12=LTR030(1)\nC3T12/M0=03. LTR27(2)\nC3T12/M1=11. LTR27(2)\n");
     ASSERT_EQ(dialog.lstMezzanines.size(), 16u);
@@ -116,38 +110,24 @@ TEST_F(SetupDialog, ShowsTheCrateAndItsModules) {
     EXPECT_EQ(dialog.lstMezzanines[1], "03_Empty");
     EXPECT_EQ(dialog.lstMezzanines[15], "11_H-27I5\tvB.0\tЯЯ345678\t0…5 мА");
     EXPECT_EQ(dialog.cboMarkSTART, 5);
-    const std::pair<const char*, const char*> clicks[] = {
-        {"M1", "module 1"}, {"C3T12", "the crate"}, {"M0", "module 0"}, {"", "the crate"}};
     EXPECT_EQ(dialog.txtInfo, "the crate");
+    const std::pair<const char*, const char*> clicks[] = {
+        {"M1", "module 1"}, {"C3T12", "the crate"}, {"M0", "module 0"}, {"", "the crate"}, {"M", "the crate"}};
     for (const auto& [key, info] : clicks) {
         dialog.ClickNode(key);
         EXPECT_EQ(dialog.txtInfo, info) << key;
     }
 }
 
-TEST_F(SetupDialog, WithoutModulesOnlyTheCrateRemains) {
-    State.Crate = {};
-    dlgSetup dialog(State);
-    EXPECT_EQ(Shown(dialog.tvwLTR), "C=(1)\n");
-    EXPECT_TRUE(dialog.lstMezzanines.empty());
-}
-
 TEST_F(SetupDialog, HelpNeedsAFile) {
-    const struct {
-        const char* File;
-        const char* Name;
-        bool Enabled;
-        int32_t Topic;
-    } cases[] = {{"C:\\LCard.chm", "LTR27", true, 27},
-                 {"", "LTR27", false, 0},
-                 {".chm", "LTR27", false, 0},
-                 {"x.chm", "LTR", true, 0}};
-    for (const auto& each : cases) {
-        State.HelpFile = each.File;
-        State.Device.ADCName = each.Name;
+    const std::tuple<const char*, const char*, bool, int32_t> cases[] = {
+        {"C:\\LCard.chm", "LTR27", true, 27}, {".chm", "LTR27", false, 0}, {"x.chm", "LTR", true, 0}};
+    for (const auto& [file, name, enabled, topic] : cases) {
+        State.HelpFile = file;
+        State.Device.ADCName = name;
         const dlgSetup dialog(State);
-        EXPECT_EQ(dialog.HelpEnabled(), each.Enabled) << each.File;
-        EXPECT_EQ(dialog.HelpTopic, each.Topic);
+        EXPECT_EQ(dialog.HelpEnabled(), enabled) << file;
+        EXPECT_EQ(dialog.HelpTopic, topic);
     }
 }
 
@@ -156,33 +136,30 @@ TEST_F(SetupDialog, OnlyOkKeepsTheMode) {
     EXPECT_FALSE(ShowSetting(State));
     EXPECT_EQ(State.Crate.MarkSTARTMode, 0);
     UserOfSetup = [](dlgSetup& dialog) {
-        dialog.ChooseMark(5);
-        for (const int none : {-1, 8}) dialog.ChooseMark(none);
+        for (const int index : {5, -1, 8}) dialog.ChooseMark(index);
         dialog.PressOK();
     };
     EXPECT_FALSE(ShowSetting(State));
     EXPECT_EQ(State.Crate.MarkSTARTMode, 5);
-    State.Crate.MarkSTARTMode = 1;
     State.Engine.Busy = true;
+    UserOfSetup = [](dlgSetup&) { ADD_FAILURE() << "shown during a recording"; };
     EXPECT_FALSE(ShowSetting(State));
-    EXPECT_EQ(State.Crate.MarkSTARTMode, 1) << "shown during a recording";
-    UserOfSetup = nullptr;
 }
 
 TEST_F(SetupDialog, FailureIsShownToTheUser) {
+    UserOfSetup = [](dlgSetup&) { ADD_FAILURE() << "shown all the same"; };
+    State.Crate.MarkSTARTMode = 8;  // none of the list
+    EXPECT_FALSE(ShowSetting(State));
+    State.Crate.MarkSTARTMode = 0;
     OpenModules(2);
     State.Device.Ranges.resize(9);
-    int shown = 0;
-    UserOfSetup = [&](dlgSetup&) { shown++; };
     EXPECT_FALSE(ShowSetting(State));
-    EXPECT_EQ(shown, 0);
-    ASSERT_EQ(platform::ShownMessages.size(), 1u);
-    EXPECT_TRUE(platform::ShownMessages[0].starts_with("LTR27|Error: ")) << platform::ShownMessages[0];
+    EXPECT_EQ(platform::ShownMessages.size(), 2u);
+    for (const std::string& shown : platform::ShownMessages) EXPECT_TRUE(shown.starts_with("LTR27|Error: ")) << shown;
     State.Engine.OpenedCount = 0;
     UserOfSetup = [](dlgSetup&) { throw std::runtime_error("no window"); };
     EXPECT_FALSE(ShowSetting(State));
     EXPECT_EQ(platform::ShownMessages.back(), "LTR27|Error: no window");
-    UserOfSetup = nullptr;
 }
 
 }  // namespace

@@ -11,7 +11,9 @@
 #include "recorder/failure.h"
 #include "recorder/options.h"
 #include "recorder/repeat_check.h"
+#include "recorder/settings_command.h"
 #include "recorder/svg_plot.h"
+#include "simulator/control.h"
 
 namespace corvane::recorder {
 namespace {
@@ -45,7 +47,9 @@ TEST(RecorderOptions, CommandLines) {
                                             {"record", "-o", "a", "-r", "5kHz"},
                                             {"record", "-o", "a", "-d", "0"},
                                             {"record", "-o", "a", "-p", "a"},
-                                            {"list", "-o", "a"}};
+                                            {"list", "-o", "a"},
+                                            {"settings", "-o", "a"},
+                                            {"settings", "list"}};
     for (const auto& arguments : bad) EXPECT_THROW(ParseCommandLine(arguments), Failure);
     const Options options = ParseCommandLine({"record", "-c", "4", "--rate", "250", "-o", "a b.csv"});
     EXPECT_EQ(options.Action, Command::Record);
@@ -54,6 +58,21 @@ TEST(RecorderOptions, CommandLines) {
     EXPECT_EQ(options.OutputPath, "a b.csv");
     EXPECT_EQ(options.Duration, 10);
     EXPECT_EQ(options.StallTimeout, 60);
+    EXPECT_EQ(ParseCommandLine({"list"}).Action, Command::List);
+    EXPECT_EQ(ParseCommandLine({"settings"}).Action, Command::Settings);
+    EXPECT_NE(ParseCommandLine({"--help"}).Text.find("\n  ltr27rec settings\n"), std::string::npos);
+}
+
+TEST(RecorderSettings, NeedAWindow) {
+    ASSERT_EQ(LtrSim_Configure(nullptr), 0);
+    HostDevice device;
+    try {
+        ShowSettings(device);
+        FAIL() << "no window, yet shown";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.Code, ExitCode::Usage);
+    }
+    EXPECT_EQ(LtrSim_Calls("LTR_Open"), 0) << "asked for nothing";
 }
 
 TEST(RecorderCsv, ValuesLieWithinATwentiethOfACode) {
