@@ -47,6 +47,8 @@ void AppendRow(std::string& text, const Row& row, const std::array<size_t, Colum
 void OpenDevice(HostDevice& device) {
     if (device.Test()) return;
     const std::string reason = device.LastError();
+    // The driver has nothing to say when the user has chosen none of the crates.
+    if (reason.empty()) throw Failure(ExitCode::NoDevice, "No device was chosen, or none has an LTR27 module.");
     throw Failure(
         ExitCode::NoDevice,
         fmt::format("No LTR27 module could be opened. {}\nCheck that the LTR server is running, that the crate "

@@ -15,8 +15,8 @@ build() { # preset [target...]
 
 # Starts a virtual display and a Wine prefix of the project's own, both gone when the script ends. Code page 1251, that of
 # the modules' texts, comes with the Russian locale.
-start_wine() {
-  export WINEPREFIX=$root/build/wine WINEARCH=win32 WINEDEBUG=-all
+start_wine() { # [folder of the prefix in build/]
+  export WINEPREFIX=$root/build/${1-wine} WINEARCH=win32 WINEDEBUG=-all
   # Wine knows the locale by name; bash warns that the machine has not generated it.
   { export LC_ALL=ru_RU.UTF-8; } 2>/dev/null
   # The prefix needs no browser and no .NET; without this Wine asks for them.
