@@ -27,6 +27,10 @@ struct Comparison {
 std::vector<Comparison> KernelComparisons();
 std::vector<Comparison> RingComparisons();
 
+void PrintHead();
+// Prints a row of the two sides' times; false when it misses its limit.
+bool PrintRow(const Comparison& row, double driver, double alternative);
+
 // Keeps the compiler from dropping or merging work on what the pointer reaches.
 inline void Keep(const void* memory) {
     asm volatile("" : : "r"(memory) : "memory");

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <map>
 
 #include "bench/comparison.h"
@@ -61,20 +60,6 @@ private:
     std::map<std::string, std::vector<double>> ByName_;
 };
 
-// Prints a row; false when it misses its limit.
-bool PrintRow(const Comparison& row, double driver, double alternative) {
-    double measured = driver - alternative;
-    if (row.Kind == Goal::CostAtMost) measured = driver / alternative;
-    if (row.Kind == Goal::FasterAtLeast) measured = alternative / driver;
-    const bool met = row.Kind == Goal::FasterAtLeast ? measured >= row.Limit : measured <= row.Limit;
-    const char* unit = row.Kind == Goal::NanosecondsAtMost ? "ns" : "x ";
-    const char* limit = row.Kind == Goal::FasterAtLeast ? "at least" : "at most";
-    const std::string against = row.Kind == Goal::FasterAtLeast ? "faster than " + row.Against : row.Against;
-    std::printf("| %-34s | %-36s | %7.2f %s | %s %g %s | %s |\n", row.Name.c_str(), against.c_str(), measured, unit,
-                limit, row.Limit, unit, met ? "yes" : "NO");
-    return met;
-}
-
 int Run() {
     std::vector<Comparison> rows = KernelComparisons();
     for (Comparison& row : RingComparisons()) rows.push_back(std::move(row));
@@ -84,7 +69,7 @@ int Run() {
     }
     Times times;
     benchmark::RunSpecifiedBenchmarks(&times);
-    std::printf("| what | against | measured | limit | met |\n|---|---|---|---|---|\n");
+    PrintHead();
     bool allMet = true;
     for (size_t i = 0; i < rows.size(); i++) {
         allMet &= PrintRow(rows[i], times.Median(std::to_string(i) + "d"), times.Median(std::to_string(i) + "a"));
