@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <numeric>
@@ -14,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/comparison.h"
 #include "bench/input_data.h"
 #include "bench/process_time.h"
 #include "recorder/host_device.h"
@@ -175,6 +177,39 @@ double MedianVisibilityMs() {
     return times[blocks / 2];
 }
 
+// Median time of InputData with 32 channels x 32768 unread kadrs, divided by that of malloc and memcpy of as much.
+double InputDataRatio() {
+    constexpr int rounds = 15;
+    constexpr int32_t kadrs = 32768;
+    const auto device = Open("speed = 0\n" + Scenario(1, NoMark));
+    device->SetInputSizeData(kadrs);
+    InputDataHost host;
+    std::vector<double> ours, plain;
+    const std::vector<int16_t> source(size_t{32} * (kadrs + 1), 1);
+    const size_t bytes = source.size() * sizeof(int16_t);
+    void* copy = nullptr;
+    for (int round = 0; round < rounds; round++) {
+        if (!device->StartRecord()) throw std::runtime_error(device->LastError());
+        for (const Clock::time_point fill = Clock::now(); device->InputCountKadrs() < kadrs; SleepMs(1)) {
+            if (MsSince(fill) > 30000) throw std::runtime_error("the ring is not filled");
+        }
+        device->StopRecord();
+        Clock::time_point start = Clock::now();
+        if (host.Take() != source.size()) throw std::runtime_error("kadrs are missing");
+        ours.push_back(MsSince(start));
+        start = Clock::now();
+        std::free(copy);
+        copy = std::malloc(bytes);
+        std::memcpy(copy, source.data(), bytes);
+        Keep(copy);
+        plain.push_back(MsSince(start));
+    }
+    std::free(copy);
+    std::sort(ours.begin(), ours.end());
+    std::sort(plain.begin(), plain.end());
+    return ours[rounds / 2] / plain[rounds / 2];
+}
+
 // Share of a core that a recording of 32 channels uses. The host looks in every 50 ms; it takes the data when
 // `reading`.
 void AddCost(Table& table, const char* name, const std::string& crateKeys, int32_t ringKadrs, bool reading,
@@ -199,7 +234,6 @@ int Run(int seconds) {
     Table table;
     AddLatencies(table);
     table.Add("from a block's last words to the host's sight, median", MedianVisibilityMs(), "ms", 1);
-    LtrSim_Configure(("speed = 0\n" + Scenario(1, NoMark)).c_str());
     table.Add("InputData of 32 x 32768, against malloc and memcpy", InputDataRatio(), "x", 1.5);
     AddCost(table, "recording 32 channels at 1000 Hz, of a core", NoMark, 32768, true, seconds);
     AddCost(table, "the same with the ring full", NoMark, 1024, false, seconds);

@@ -1,10 +1,25 @@
-// What reading everything at once through InputData costs a host.
+// InputData as a host calls it.
 #pragma once
+
+#include <cstddef>
+#include <memory>
 
 namespace corvane::bench {
 
-// Median time of InputData with 32 channels x 32768 unread kadrs, divided by that of malloc and memcpy of as much. The
-// simulated crate must deliver as fast as it can.
-double InputDataRatio();
+// One more object on this thread's device.
+class InputDataHost {
+public:
+    InputDataHost();
+    ~InputDataHost();
+    InputDataHost(const InputDataHost&) = delete;
+    InputDataHost& operator=(const InputDataHost&) = delete;
+
+    // Takes everything unread, in memory that is freed with the next taking. Number of samples.
+    size_t Take();
+
+private:
+    struct Driver;
+    std::unique_ptr<Driver> Driver_;
+};
 
 }  // namespace corvane::bench
