@@ -49,12 +49,12 @@ private:
     std::unique_ptr<int16_t[], Free> Samples_;
     int32_t Channels_ = 0;
     int32_t Length_ = 0;
-    int32_t ReadIndex_ = 0;   // 0-based, the reader's alone
-    int32_t WriteIndex_ = 0;  // 0-based, the writer's alone
 
-    // On cache lines of their own, so that one side's stores don't stall the other.
+    // Each side's own on a cache line of its own, so that its stores don't stall the other.
     alignas(64) std::atomic<uint32_t> Written_ = 0;  // kadrs; only the writer stores
+    int32_t WriteIndex_ = 0;                         // 0-based, the writer's alone
     alignas(64) std::atomic<uint32_t> Read_ = 0;     // kadrs; only the reader stores
+    int32_t ReadIndex_ = 0;                          // 0-based, the reader's alone
 };
 
 }  // namespace corvane
