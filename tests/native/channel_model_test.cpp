@@ -1,8 +1,9 @@
+// Channels and ranges.
 #include "driver/model/channel_model.h"
 
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <tuple>
 
 namespace corvane {
 namespace {
@@ -35,7 +36,6 @@ TEST(ChannelModel, RangesFollowTheMezzanines) {
         {{"U10", "", "", "V", 10, -5}, "-5…+10 V", "V", 32768 / 15.0f, 2.5f},
         {{"R", "", "", "Ом", 250, 0.5f}, "0.5…250 Ом", "Ohm", 32768 / 249.5f, 125.25f},
         {{"T", "", "", "°C", -5, -50}, "-50…-5 °C", "°C", 32768 / 45.0f, -27.5f},
-        {{"F", "", "", "Hz", 100000, 0}, "0…100000 Hz", "Hz", 0.32768f, 50000},
         {{"Z", "", "", "В", 0, -0.0f}, "Z", "V", 1638.4f, 0},
         {{"N", "", "", "V", nan, 0}, "N", "V", 1638.4f, 0},
         {{"", "", "", "", 1, -1}, "Empty", "", 1638.4f, 0},
@@ -62,17 +62,14 @@ TEST(ChannelModel, RangesFollowTheMezzanines) {
 }
 
 TEST(ChannelModel, TablesAreBroughtIntoOrder) {
-    const struct {
-        std::vector<int16_t> Given, Expected;
-    } cases[] = {{{5, 3, 3, 99, -1}, {3, 5}}, {{}, {0}}, {{-1, 16, -32768, 32767}, {0}}, {{15, 0}, {0, 15}}};
-    for (const auto& each : cases) {
-        std::vector<int16_t> table = each.Given;
-        NormalizeChannelTable(table, 16);
-        EXPECT_EQ(table, each.Expected);
+    using Table = std::vector<int16_t>;
+    // Given, channels, expected.
+    const std::tuple<Table, int16_t, Table> cases[] = {
+        {{15, 3, 3, 99, -1}, 16, {3, 15}}, {{}, 16, {0}}, {{-1, 16, -32768, 32767}, 16, {0}}, {{7, 7}, 0, {7, 7}}};
+    for (auto [table, channels, expected] : cases) {
+        NormalizeChannelTable(table, channels);
+        EXPECT_EQ(table, expected);
     }
-    std::vector<int16_t> untouched = {7, 7};
-    NormalizeChannelTable(untouched, 0);
-    EXPECT_EQ(untouched, (std::vector<int16_t>{7, 7}));
 }
 
 }  // namespace

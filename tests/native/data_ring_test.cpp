@@ -35,7 +35,7 @@ TEST(DataRing, ReadsAcrossTheEndAndTellsPositions) {
     EXPECT_EQ(ring.LastWritten(), 4);
     EXPECT_EQ(ring.Unread(), 6);
     EXPECT_EQ(ring.Read(out.data(), 3), 3);
-    EXPECT_EQ(std::vector<int16_t>(out.begin(), out.begin() + 6), (std::vector<int16_t>{13, 14, 15, 16, 17, 18}));
+    for (size_t i = 0; i < 6; i++) EXPECT_EQ(out[i], static_cast<int16_t>(13 + i));
     EXPECT_EQ(ring.ReadPos(), 2);
     EXPECT_FALSE(ring.Drained());
     EXPECT_EQ(ring.Read(out.data(), 100), 3);
@@ -49,10 +49,9 @@ TEST(DataRing, ImpossibleSizesAreRefusedAndCostNoData) {
     int16_t next = 7;
     Write(ring, 4, next);
     const int32_t highest = std::numeric_limits<int32_t>::max();
-    const struct {
-        int32_t Channels, Kadrs;
-    } impossible[] = {{0, 4}, {1, 0}, {-1, -1}, {32, highest}, {2, highest / 2 + 1}};
-    for (const auto& size : impossible) EXPECT_FALSE(ring.Reset(size.Channels, size.Kadrs));
+    for (const auto& [channels, kadrs] : {std::pair{0, 4}, {1, 0}, {-1, -1}, {32, highest}, {2, highest / 2 + 1}}) {
+        EXPECT_FALSE(ring.Reset(channels, kadrs));
+    }
     int16_t out[4] = {};
     EXPECT_EQ(ring.Read(out, 4), 4);
     EXPECT_EQ(out[0], 7);
@@ -60,8 +59,7 @@ TEST(DataRing, ImpossibleSizesAreRefusedAndCostNoData) {
 }
 
 TEST(DataRing, TwoThreadsPassEveryKadrOnceInOrder) {
-    constexpr int32_t Kadrs = 400000;
-    constexpr int32_t Block = 16;
+    constexpr int32_t Kadrs = 400000, Block = 16;
     DataRing ring;
     ASSERT_TRUE(ring.Reset(3, 256));
     std::thread writer([&] {
@@ -73,8 +71,7 @@ TEST(DataRing, TwoThreadsPassEveryKadrOnceInOrder) {
         }
     });
     std::mt19937 random(1);
-    int64_t samples = 0;
-    int64_t wrong = 0;
+    int64_t samples = 0, wrong = 0;
     std::vector<int16_t> out(300 * 3);
     while (samples < int64_t{Kadrs} * 3) {
         const int32_t got = ring.Read(out.data(), static_cast<int32_t>(random() % 300));
@@ -89,24 +86,21 @@ TEST(DataRing, TwoThreadsPassEveryKadrOnceInOrder) {
 
 TEST(InputState, SizesAreToldByTheRules) {
     const int32_t highest = std::numeric_limits<int32_t>::max();
-    const struct {
-        int32_t Requested;
-        size_t Channels;
-        int32_t LetKadrs, LetSamples, BlockKadrs, StartKadrs;
-    } cases[] = {
-        {32768, 3, 16384, 49152, 64, 32768}, {32768, 5, 8192, 40960, 64, 32768},
-        {500, 1, 32768, 32768, 1, 32768},    {-7, 1, 32768, 32768, 8, 32768},
-        {1500, 1, 1500, 1500, 64, 1536},     {1500, 1, 1500, 1500, 1, 1500},
-        {1027, 2, 514, 1028, 8, 1032},       {highest, 32, 67108864, highest, 64, highest},
-    };
-    for (const auto& each : cases) {
+    // Requested samples and channels, kadrs and samples told, kadrs of a block, kadrs told at the start.
+    const std::tuple<int32_t, size_t, int32_t, int32_t, int32_t, int32_t> cases[] = {
+        {32768, 5, 8192, 40960, 64, 32768},
+        {500, 1, 32768, 32768, 1, 32768},
+        {1500, 1, 1500, 1500, 64, 1536},
+        {1027, 2, 514, 1028, 8, 1032},
+        {highest, 32, 67108864, highest, 64, highest}};
+    for (const auto& [requested, channels, kadrs, samples, blockKadrs, startKadrs] : cases) {
         InputState input;
-        input.ChTable.resize(each.Channels);
-        input.RequestedSize = each.Requested;
-        EXPECT_EQ(SetInputSize(input, true, 0), each.LetKadrs);
-        EXPECT_EQ(input.InputSizeData, each.LetSamples);
-        EXPECT_EQ(PrepareInputBuffer(input, each.BlockKadrs), each.Requested != highest);
-        EXPECT_EQ(input.InputSizeKadrs, each.StartKadrs);
+        input.ChTable.resize(channels);
+        input.RequestedSize = requested;
+        EXPECT_EQ(SetInputSize(input, true, 0), kadrs);
+        EXPECT_EQ(input.InputSizeData, samples);
+        EXPECT_EQ(PrepareInputBuffer(input, blockKadrs), requested != highest);
+        EXPECT_EQ(input.InputSizeKadrs, startKadrs);
     }
 }
 
@@ -119,17 +113,16 @@ TEST(InputState, GetDataTakesWholeKadrsOfTheRecordedShape) {
     input.ChTable = {1, 2, 3, 4, 5};  // chosen while kadrs are unread
     input.RequestedSize = 2000000000;
     SetInputSize(input, true, 0);
-    const struct {
-        int32_t Count, Kadrs, CountOut, Remaining;
-    } reads[] = {{-100, 0, 0, 128}, {1, 0, 0, 128}, {7, 3, 6, 122}, {1000, 61, 122, 0}, {1000, 0, 0, 0}};
+    // Asked for, kadrs, remaining.
+    const std::tuple<int32_t, int32_t, int32_t> reads[] = {
+        {-100, 0, 128}, {1, 0, 128}, {7, 3, 122}, {1000, 61, 0}, {1000, 0, 0}};
     std::vector<int16_t> out(1000, -1);
     int16_t expected = 0;
-    for (const auto& read : reads) {
-        int32_t count = read.Count;
-        int32_t remaining = -1;
-        EXPECT_EQ(GetData(input, out.data(), count, remaining), read.Kadrs);
-        EXPECT_EQ(count, read.CountOut);
-        EXPECT_EQ(remaining, read.Remaining);
+    for (const auto& [asked, kadrs, left] : reads) {
+        int32_t count = asked, remaining = -1;
+        EXPECT_EQ(GetData(input, out.data(), count, remaining), kadrs);
+        EXPECT_EQ(count, 2 * kadrs);
+        EXPECT_EQ(remaining, left);
         for (int32_t i = 0; i < count; i++) EXPECT_EQ(out[static_cast<size_t>(i)], expected++);
     }
 }

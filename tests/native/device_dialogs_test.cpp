@@ -31,18 +31,16 @@ DriverState& WithCrates(DriverState& state, int count) {
 
 TEST(SelectDeviceDialog, ShowsCratesWithTheirModulesAndAClickChoosesOne) {
     DriverState state;
-    dlgQuorn two;
-    ASSERT_TRUE(two.FillTree(WithCrates(state, 2)));
-    EXPECT_EQ(two.Caption, "Select Device - IP: 10.0.0.0");
-    EXPECT_EQ(Shown(two.tvwLTR),
-              "C0=LTR030 SN:SN0(1)\nC0/C0M0=Slot 03 - LTR27(2)\nC0/C0M1=Slot 12 - X(2)\n"
-              "C1=LTR030 SN:SN1(1)\nC1/C1M0=Slot 03 - LTR27(2)\nC1/C1M1=Slot 12 - X(2)\n");
-    EXPECT_EQ(two.Selection, 0);
+    WithCrates(state, 14).CrateListCount = 12;
     dlgQuorn dialog;
-    dialog.FillTree(WithCrates(state, 12));
+    ASSERT_TRUE(dialog.FillTree(state));
+    EXPECT_EQ(dialog.Caption, "Select Device - IP: 10.0.0.0");
+    const std::string tree = Shown(dialog.tvwLTR);
+    EXPECT_TRUE(tree.starts_with("C0=LTR030 SN:SN0(1)\nC0/C0M0=Slot 03 - LTR27(2)\nC0/C0M1=Slot 12 - X(2)\nC1="))
+        << tree;
     EXPECT_EQ(dialog.tvwLTR.size(), 36u) << "the list holds 14";
-    const std::pair<const char*, int> clicks[] = {{"C1M1", 1}, {"C10", 10}, {"C0", 0},  {"C11M0", 11},
-                                                  {"", -1},    {"C1", 1},   {"CM1", -1}};
+    EXPECT_EQ(dialog.Selection, 0);
+    const std::pair<const char*, int> clicks[] = {{"C10", 10}, {"C11M0", 11}, {"", -1}, {"C1", 1}, {"CM1", -1}};
     for (const auto& [key, crate] : clicks) {
         dialog.ClickNode(key);
         EXPECT_EQ(dialog.Selection, crate) << key;
@@ -96,9 +94,10 @@ protected:
 };
 
 TEST_F(SetupDialog, ShowsTheCrateAndItsModules) {
-    const dlgSetup crateOnly(State);
-    EXPECT_EQ(Shown(crateOnly.tvwLTR), "C3T12=LTR030(1)\n");
-    EXPECT_TRUE(crateOnly.lstMezzanines.empty());
+    EXPECT_TRUE(dlgSetup(State).lstMezzanines.empty());
+    State.HelpFile = ".chm";
+    EXPECT_FALSE(dlgSetup(State).HelpEnabled());
+    State.HelpFile = "C:\\LCard.chm";
     OpenModules(2);
     State.Crate.MarkSTARTMode = 5;
     dlgSetup dialog(State);
@@ -110,24 +109,14 @@ TEST_F(SetupDialog, ShowsTheCrateAndItsModules) {
     EXPECT_EQ(dialog.lstMezzanines[1], "03_Empty");
     EXPECT_EQ(dialog.lstMezzanines[15], "11_H-27I5\tvB.0\tЯЯ345678\t0…5 мА");
     EXPECT_EQ(dialog.cboMarkSTART, 5);
+    EXPECT_TRUE(dialog.HelpEnabled());
+    EXPECT_EQ(dialog.HelpTopic, 27);
     EXPECT_EQ(dialog.txtInfo, "the crate");
     const std::pair<const char*, const char*> clicks[] = {
         {"M1", "module 1"}, {"C3T12", "the crate"}, {"M0", "module 0"}, {"", "the crate"}, {"M", "the crate"}};
     for (const auto& [key, info] : clicks) {
         dialog.ClickNode(key);
         EXPECT_EQ(dialog.txtInfo, info) << key;
-    }
-}
-
-TEST_F(SetupDialog, HelpNeedsAFile) {
-    const std::tuple<const char*, const char*, bool, int32_t> cases[] = {
-        {"C:\\LCard.chm", "LTR27", true, 27}, {".chm", "LTR27", false, 0}, {"x.chm", "LTR", true, 0}};
-    for (const auto& [file, name, enabled, topic] : cases) {
-        State.HelpFile = file;
-        State.Device.ADCName = name;
-        const dlgSetup dialog(State);
-        EXPECT_EQ(dialog.HelpEnabled(), enabled) << file;
-        EXPECT_EQ(dialog.HelpTopic, topic);
     }
 }
 
@@ -147,6 +136,9 @@ TEST_F(SetupDialog, OnlyOkKeepsTheMode) {
 }
 
 TEST_F(SetupDialog, FailureIsShownToTheUser) {
+    UserOfSetup = [](dlgSetup&) { throw std::runtime_error("no window"); };
+    EXPECT_FALSE(ShowSetting(State));
+    EXPECT_EQ(platform::ShownMessages.back(), "LTR27|Error: no window");
     UserOfSetup = [](dlgSetup&) { ADD_FAILURE() << "shown all the same"; };
     State.Crate.MarkSTARTMode = 8;  // none of the list
     EXPECT_FALSE(ShowSetting(State));
@@ -154,12 +146,7 @@ TEST_F(SetupDialog, FailureIsShownToTheUser) {
     OpenModules(2);
     State.Device.Ranges.resize(9);
     EXPECT_FALSE(ShowSetting(State));
-    EXPECT_EQ(platform::ShownMessages.size(), 2u);
-    for (const std::string& shown : platform::ShownMessages) EXPECT_TRUE(shown.starts_with("LTR27|Error: ")) << shown;
-    State.Engine.OpenedCount = 0;
-    UserOfSetup = [](dlgSetup&) { throw std::runtime_error("no window"); };
-    EXPECT_FALSE(ShowSetting(State));
-    EXPECT_EQ(platform::ShownMessages.back(), "LTR27|Error: no window");
+    EXPECT_EQ(platform::ShownMessages.size(), 3u);
 }
 
 }  // namespace

@@ -11,28 +11,13 @@
 #include <vector>
 
 #include "driver/driver_object.h"
+#include "driver/lifecycle.h"
 #include "platform/portable/registry_hooks.h"
 #include "platform/portable/test_hooks.h"
 #include "simulator/control.h"
+#include "tests/sequence.h"
 
 namespace corvane {
-
-// One local crate with LTR27 modules in these slots; every position but the last numbers its kadrs.
-inline std::string SequenceCrate(const std::vector<int>& slots, const std::string& speed,
-                                 const std::string& crateKeys = "") {
-    std::string toml = "speed = " + speed +
-                       "\n[[server]]\naddress = \"127.0.0.1\"\n[[server.crate]]\nserial = \"CRATE1\"\n" + crateKeys +
-                       "\n";
-    for (const int slot : slots) {
-        toml +=
-            "[[server.crate.module]]\nid = \"LTR27\"\nslot = " + std::to_string(slot) + "\nfirmware = \"1.2.3.4\"\n";
-        for (int position = 1; position < 8; position++) {
-            toml += "[[server.crate.module.mezzanine]]\nposition = " + std::to_string(position) +
-                    "\nname = \"SEQ\"\nunit = \"В\"\nbottom = -10\ntop = 10\nsignal = { kind = \"sequence\" }\n";
-        }
-    }
-    return toml;
-}
 
 class DriverFixture : public testing::Test {
 protected:
@@ -57,6 +42,13 @@ protected:
     }
 
     void AddFault(const std::string& toml) { ASSERT_EQ(LtrSim_AddFault(toml.c_str()), 0) << LtrSim_Message(); }
+
+    // What the driver works on, as long as it lives.
+    static DriverState& State() {
+        DriverState& state = AttachObject();
+        DetachObject(state);
+        return state;
+    }
 
     void Select(const std::vector<int16_t>& channels) { Driver->SetInputChannels(channels); }
 

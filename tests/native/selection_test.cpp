@@ -1,38 +1,31 @@
-#include <gtest/gtest.h>
-
+// Finding the crates that can serve the driver.
 #include "selection/mQuorn.h"
 #include "selection/name_pattern.h"
-#include "simulator/control.h"
+#include "tests/native/driver_fixture.h"
 
 namespace corvane {
 namespace {
 
 TEST(NamePattern, WildcardsMatchWholeNames) {
-    const struct {
-        const char* Name;
-        const char* Pattern;
-        bool Matches;
-    } cases[] = {{"LTR27", "LTR27", true},      {"LTR27", "ltr27", false},     {"LTR27", "LTR2", false},
-                 {"LTR27", "LTR2?", true},      {"LTR2", "LTR2?", false},      {"LTR27", "LTR##", true},
-                 {"LTR2x", "LTR##", false},     {"LTR27", "*", true},          {"", "*", true},
-                 {"LTR27", "L*2*7", true},      {"LTR27", "L*2*8", false},     {"LTR27", "LTR2[5-7]", true},
-                 {"LTR24", "LTR2[5-7]", false}, {"LTR24", "LTR2[!5-7]", true}, {"LTR27", "LTR2[!5-7]", false},
-                 {"LTR27", "LTR2[7", false},    {"LTR27", "[KL]TR27", true},   {"LTR-", "LTR[a-]", true}};
-    for (const auto& each : cases) {
-        EXPECT_EQ(MatchesPattern(each.Name, each.Pattern), each.Matches) << each.Name << " " << each.Pattern;
+    const std::tuple<const char*, const char*, bool> cases[] = {
+        {"LTR27", "LTR27", true},      {"LTR27", "ltr27", false},     {"LTR27", "LTR2", false},
+        {"LTR27", "LTR2?", true},      {"LTR2", "LTR2?", false},      {"LTR27", "LTR##", true},
+        {"LTR2x", "LTR##", false},     {"LTR27", "*", true},          {"", "*", true},
+        {"LTR27", "L*2*7", true},      {"LTR27", "L*2*8", false},     {"LTR27", "LTR2[5-7]", true},
+        {"LTR24", "LTR2[5-7]", false}, {"LTR24", "LTR2[!5-7]", true}, {"LTR27", "LTR2[!5-7]", false},
+        {"LTR27", "LTR2[7", false},    {"LTR27", "[KL]TR27", true},   {"LTR-", "LTR[a-]", true}};
+    for (const auto& [name, pattern, matches] : cases) {
+        EXPECT_EQ(MatchesPattern(name, pattern), matches) << name << " " << pattern;
     }
     const std::string hostile = std::string(40, '*') + "b";
     EXPECT_FALSE(MatchesPattern(std::string(20000, 'a'), hostile));
 }
 
 TEST(Enumeration, ListsCratesWithMatchingModulesOnly) {
-    const char* crates =
-        "[[server]]\naddress = \"127.0.0.1\"\n"
-        "[[server.crate]]\nserial = \"NONE\"\n[[server.crate.module]]\nid = \"LTR11\"\nslot = 1\n"
-        "[[server.crate]]\nserial = \"BOTH\"\n[[server.crate.module]]\nid = \"LTR11\"\nslot = 1\n"
-        "[[server.crate.module]]\nid = \"LTR27\"\nslot = 2\n[[server.crate.module]]\nid = \"LTR27\"\nslot = 5\n"
-        "[[server]]\naddress = \"10.0.0.1\"\n";
-    ASSERT_EQ(LtrSim_Configure(crates), 0) << LtrSim_Message();
+    const std::string other = "[[server.crate.module]]\nid = \"LTR11\"\nslot = 1\n";
+    const std::string crates =
+        Server("127.0.0.1") + Crate("NONE", {}) + other + Crate("BOTH", {2, 5}) + other + Server("10.0.0.1");
+    ASSERT_EQ(LtrSim_Configure(crates.c_str()), 0) << LtrSim_Message();
     DriverState state;
     EXPECT_EQ(FindCrates(state, "LTR27"), 1);
     ASSERT_EQ(state.CrateList.size(), 1u);

@@ -6,10 +6,10 @@
 #include <bit>
 #include <cmath>
 #include <limits>
-#include <numeric>
 #include <random>
 
 #include "common/rounding.h"
+#include "tests/sequence.h"
 
 namespace corvane {
 namespace {
@@ -25,20 +25,9 @@ int16_t Expected(double code) {
 }
 
 std::vector<double> Codes() {
-    std::vector<double> codes = {0.0,
-                                 -0.0,
-                                 1e300,
-                                 -1e300,
-                                 2147483647.5,
-                                 2147483648.0,
-                                 -2147483649.0,
-                                 5e-324,
-                                 40000,
-                                 -40000,
-                                 std::numeric_limits<double>::infinity(),
-                                 -std::numeric_limits<double>::infinity(),
-                                 std::numeric_limits<double>::quiet_NaN(),
-                                 -std::numeric_limits<double>::quiet_NaN()};
+    constexpr double infinity = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
+    std::vector<double> codes = {0.0,           -0.0,  1e300,  -1e300,   5e-324,    2147483647.5, 2147483648.0,
+                                 -2147483649.0, 40000, -40000, infinity, -infinity, nan,          -nan};
     for (int code = -32770; code <= 32770; code += code > -16390 && code < 32700 ? 7 : 1) {
         const double half = code + 0.5;
         for (const double each : {double(code), half, std::nextafter(half, -1e9), std::nextafter(half, 1e9)}) {
@@ -94,19 +83,18 @@ protected:
 };
 
 TEST_F(StoreBlockTest, EveryDoubleInEveryShapeOfTable) {
-    std::vector<int16_t> all(32);
-    std::iota(all.begin(), all.end(), int16_t{0});
+    const std::vector<int16_t> all = FirstChannels(32);
     const std::vector<int16_t> second(all.begin() + 16, all.end());
-    for (const auto& table : {all,
-                              second,
-                              std::vector<int16_t>{0},
-                              {3, 20, 22, 23, 31},
-                              {0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}}) {
-        Check(table);
+    const std::vector<int16_t> one = {0}, some = {3, 20, 22, 23, 31};
+    const std::vector<int16_t> gap = {0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
+    for (const auto& table : {all, second, one, some, gap}) Check(table);
+    for (const auto& [value, rounded] : {std::pair{2.5, 2}, {3.5, 4}}) {
+        EXPECT_EQ(ClampToInt16(value), rounded);
+        EXPECT_EQ(RoundToInt32(value), rounded);
     }
     EXPECT_EQ(ClampToInt16(40000), 32767);
-    EXPECT_EQ(ClampToInt16(2.5), 2);
-    EXPECT_EQ(ClampToInt16(3.5), 4);
+    EXPECT_EQ(RoundToInt32(-1e300), INT32_MIN);
+    EXPECT_EQ(RoundToInt32(1e300), INT32_MAX);
 }
 
 }  // namespace

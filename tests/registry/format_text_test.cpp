@@ -8,17 +8,13 @@ namespace {
 
 TEST(FormatText, FollowsThePlatformsRules) {
     const std::pair<std::string, std::string> cases[] = {
-        {"", ""},
         {"no insert\n", "no insert\n"},  // not even the line end is touched
         {"%1 Setup", "LTR27 Setup"},
-        {"Настройки %1", "Настройки LTR27"},
         {"%5%2%1", "fiveдваLTR27"},
         {"%4", "f%1r"},  // an argument's own percent sign stays
-        {"%1%3|", "LTR27|"},
-        {"%3", "3"},  // an empty result is none
+        {"%3", "3"},     // an empty result is none
         {"a%%b%%", "a%b%"},
         {"a%0b", "a"},
-        {"%0", "0"},
         {"a%0%6", "a"},
         {"%1%nb%tc%rd", "LTR27\r\nb\tc\rd"},
         {"% %.%!%A%\"", " .!A\""},
@@ -30,20 +26,12 @@ TEST(FormatText, FollowsThePlatformsRules) {
         {"%1!1.s!|%1!.0s!", " |"},
         // Rejected by the platform, or before it is asked.
         {"100%", "100"},
-        {"%1%", "1"},
         {"%6", "6"},
-        {"%1%9", "19"},
         {"%10%", "10"},
-        {"%55", "55"},
         {"%1!s", "1!s"},
         {"%1!*s!", "1!*s!"},
-        {"%5!*.*s!", "5!*.*s!"},
         {"%1!ls!%1!S!", "1!ls!1!S!"},
-        {"%1!d!", "1!d!"},
-        {"%1!n!", "1!n!"},
-        {"%1!I64d!", "1!I64d!"},
         {"%1!99s!", "1!99s!"},  // no room for the result
-        {"%1!99999s!", "1!99999s!"},
         {"%1!999999999999s!", "1!999999999999s!"},
     };
     for (const auto& [pattern, expected] : cases) {
@@ -56,11 +44,7 @@ TEST(FormatText, FollowsThePlatformsRules) {
     // Beyond what the platform's buffers hold.
     const std::string filler(33000, 'x');
     EXPECT_EQ("1" + filler, FormatText("%1" + filler, "a", "", "", "", ""));
-}
-
-TEST(FormatText, ResourceTextsTakeArguments) {
-    EXPECT_EQ("", ResourceText(12345));
-    EXPECT_EQ("", ResourceText(-1, "a"));
+    EXPECT_EQ("", ResourceText(12345, "a")) << "there is none";
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/registry.h"
+#include "settings/cRegistry.h"
 
 namespace corvane::test {
 
@@ -39,17 +40,11 @@ inline std::optional<RawValue> LoadRaw(const std::string& path, const std::strin
 }
 
 inline void DeleteTree(const std::string& path) {
-    char name[256];
-    for (int subKeys = 0; subKeys < 1000; subKeys++) {
-        platform::RegistryKey key = 0;
-        if (platform::OpenKey(CurrentUser, path, platform::EnumerateSubKeysRight, key) != 0) break;
-        uint32_t length = sizeof name;
-        const int32_t result = platform::EnumKeyName(key, 0, name, length);
-        platform::CloseKey(key);
-        if (result != 0) break;
-        DeleteTree(path + "\\" + name);
-    }
-    platform::DeleteKey(CurrentUser, path);
+    cRegistry registry;
+    std::vector<std::string> names;
+    registry.EnumSubKeys(CurrentUser, path, names);
+    for (size_t i = 1; i < names.size(); i++) DeleteTree(path + "\\" + names[i]);
+    registry.DeleteKey(CurrentUser, path);
 }
 
 // The key is there and empty when a test begins, and gone when it has ended.
@@ -57,11 +52,12 @@ class RegistryStage : public testing::Test {
 protected:
     void SetUp() override {
         DeleteTree(Stage);
-        platform::RegistryKey key = 0;
-        ASSERT_EQ(0, platform::CreateKey(CurrentUser, Stage, platform::CreateSubKeyRight, key));
-        platform::CloseKey(key);
+        Registry.SetKeyPath(Stage);
+        ASSERT_TRUE(Registry.KeyExists(CurrentUser, Stage));
     }
     void TearDown() override { DeleteTree(Stage); }
+
+    cRegistry Registry;
 };
 
 }  // namespace corvane::test

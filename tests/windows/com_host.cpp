@@ -1,5 +1,7 @@
 #include "tests/windows/com_host.h"
 
+#include <algorithm>
+
 namespace corvane::test {
 
 std::wstring ComponentPath() {
@@ -20,29 +22,35 @@ LoadedComponent::~LoadedComponent() {
     if (Module_ != nullptr) FreeLibrary(Module_);
 }
 
-FARPROC LoadedComponent::Find(const char* function) const {
-    const FARPROC address = Module_ != nullptr ? GetProcAddress(Module_, function) : nullptr;
-    EXPECT_NE(nullptr, address) << function;
-    return address;
-}
-
 HRESULT LoadedComponent::Call(const char* function) const {
-    const auto entry = reinterpret_cast<HRESULT(STDAPICALLTYPE*)()>(Find(function));
+    const auto entry = Find<HRESULT(STDAPICALLTYPE*)()>(function);
     return entry != nullptr ? entry() : E_FAIL;
 }
 
 HRESULT LoadedComponent::GetClassObject(const GUID& classIdentifier, const GUID& identifier, void** object) const {
-    using Entry = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
-    const auto entry = reinterpret_cast<Entry>(reinterpret_cast<void*>(Find("DllGetClassObject")));
+    const auto entry = Find<HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**)>("DllGetClassObject");
     return entry != nullptr ? entry(classIdentifier, identifier, object) : E_FAIL;
+}
+
+DWORD OpenHandles() {
+    DWORD handles = 0;
+    // Newer than the oldest Windows that the headers are set to.
+    using CountHandles = BOOL(WINAPI*)(HANDLE, DWORD*);
+    const auto countHandles = reinterpret_cast<CountHandles>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "GetProcessHandleCount")));
+    if (countHandles != nullptr) countHandles(GetCurrentProcess(), &handles);
+    if (handles != 0) return handles;
+    // Wine counts none, but numbers its handles from the lowest free one.
+    const HANDLE probe = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    CloseHandle(probe);
+    return static_cast<DWORD>(reinterpret_cast<uintptr_t>(probe) / 4);
 }
 
 ComPtr<IADC3> CreateDriver() {
     ComPtr<IADC3> driver;
     CLSID identifier = {};
     if (SUCCEEDED(CLSIDFromProgID(L"Tessmark.Corvane", &identifier))) {
-        CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IADC3),
-                         reinterpret_cast<void**>(driver.GetAddressOf()));
+        CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&driver));
     }
     return driver;
 }
@@ -52,6 +60,19 @@ std::wstring LastError(IADC3* driver) {
     const std::wstring result(text, SysStringLen(text));
     SysFreeString(text);
     return result;
+}
+
+HRESULT InvokeByName(IDispatch* object, std::wstring name, WORD flags, std::vector<VARIANT> arguments,
+                     VARIANT* result) {
+    LPOLESTR names = name.data();
+    DISPID id = 0, put = DISPID_PROPERTYPUT;
+    const HRESULT known = object->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id);
+    if (FAILED(known)) return known;
+    std::reverse(arguments.begin(), arguments.end());
+    DISPPARAMS parameters = {arguments.data(), &put, static_cast<UINT>(arguments.size()),
+                             flags == DISPATCH_PROPERTYPUT ? 1u : 0u};
+    UINT argument = 0;
+    return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result, nullptr, &argument);
 }
 
 Array MakeShorts(const std::vector<short>& values, LONG lowerBound) {

@@ -22,7 +22,6 @@ public:
     Apartment() { CoInitialize(nullptr); }
     ~Apartment() { CoUninitialize(); }
     Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
 };
 
 // Full path of the component under test: that of the folder `stage`, which holds this executable or lies beside its
@@ -35,15 +34,20 @@ public:
     LoadedComponent();
     ~LoadedComponent();
     LoadedComponent(const LoadedComponent&) = delete;
-    LoadedComponent& operator=(const LoadedComponent&) = delete;
 
     HRESULT Call(const char* function) const;  // DllRegisterServer, DllUnregisterServer or DllCanUnloadNow
     HRESULT GetClassObject(const GUID& classIdentifier, const GUID& identifier, void** object) const;
 
 private:
-    FARPROC Find(const char* function) const;
+    template <class Entry>
+    Entry Find(const char* function) const {
+        return reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(Module_, function)));
+    }
     HMODULE Module_;
 };
+
+// Grows with each handle that this process leaves open, whatever it counts from.
+DWORD OpenHandles();
 
 // Creates an object by its programmatic identifier. Null when that fails.
 ComPtr<IADC3> CreateDriver();
@@ -60,6 +64,9 @@ inline bool True(IADC3* driver, HRESULT (STDMETHODCALLTYPE IADC3::*member)(VARIA
 }
 
 std::wstring LastError(IADC3* driver);
+
+// Arguments in the order of the declaration; a put names its last one.
+HRESULT InvokeByName(IDispatch* object, std::wstring name, WORD flags, std::vector<VARIANT> arguments, VARIANT* result);
 
 struct ArrayDestroyer {
     void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }

@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <sddl.h>
+
 #include "tests/registry/registry_stage.h"
 
 namespace corvane::test {
@@ -8,19 +10,12 @@ namespace corvane::test {
 void DenyRights(const std::string& path, uint32_t rights) {
     HKEY key = nullptr;
     ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, WRITE_DAC, &key)) << path;
-    SID_IDENTIFIER_AUTHORITY world = SECURITY_WORLD_SID_AUTHORITY;
-    PSID everyone = nullptr;
-    AllocateAndInitializeSid(&world, 1, SECURITY_WORLD_RID, 0, 0, 0, 0, 0, 0, 0, &everyone);
-    alignas(ACL) char room[256] = {};
-    const PACL list = reinterpret_cast<PACL>(room);
-    InitializeAcl(list, sizeof room, ACL_REVISION);
-    if (rights != 0) AddAccessDeniedAce(list, ACL_REVISION, rights, everyone);
-    AddAccessAllowedAce(list, ACL_REVISION, KEY_ALL_ACCESS, everyone);
-    SECURITY_DESCRIPTOR descriptor = {};
-    InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
-    SetSecurityDescriptorDacl(&descriptor, TRUE, list, FALSE);
-    EXPECT_EQ(ERROR_SUCCESS, RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, &descriptor));
-    FreeSid(everyone);
+    const std::string refused = rights != 0 ? "(D;;" + std::to_string(rights) + ";;;WD)" : "";
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(("D:" + refused + "(A;;KA;;;WD)").c_str(),
+                                                                     SDDL_REVISION_1, &descriptor, nullptr));
+    EXPECT_EQ(ERROR_SUCCESS, RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, descriptor));
+    LocalFree(descriptor);
     RegCloseKey(key);
 }
 

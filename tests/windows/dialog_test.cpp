@@ -24,18 +24,6 @@ constexpr wchar_t SelectText[] =
     L"\u0430\u0434\u0440\u0435\u0441!";
 constexpr wchar_t DeviceTitle[] = L"Select Device - IP: 127.0.0.1";
 constexpr int MessageTextId = 0xFFFF;  // of the text in the platform's message boxes
-constexpr wchar_t SettingsKey[] = L"Software\\Vrex\\ADC\\L-Card\\LTR27";
-
-std::string Crate(const std::string& serial, int slot) {
-    return "[[server.crate]]\nserial = \"" + serial +
-           "\"\ntype = \"LTR030\"\n[[server.crate.module]]\nslot = " + std::to_string(slot) +
-           "\nid = \"LTR27\"\n[[server.crate.module.mezzanine]]\nposition = 1\n" +
-           "name = \"H-27U\"\nunit = \"V\"\nbottom = -10\ntop = 10\nsignal = { kind = \"sequence\" }\n";
-}
-
-std::string Server(const std::string& address) {
-    return "[[server]]\naddress = \"" + address + "\"\n";
-}
 
 std::string ListFile() {
     const std::wstring path = ComponentPath();
@@ -82,8 +70,18 @@ protected:
     HWND Host = nullptr;
 };
 
+// The controls that the Tab key visits, until it has gone round.
+std::vector<HWND> TabStops(DialogUser& user, int count) {
+    std::vector<HWND> stops;
+    for (; count > 0; count--) {
+        stops.push_back(user.Focus());
+        user.Press(VK_TAB);
+    }
+    return stops;
+}
+
 TEST_F(Dialogs, AddressIsTypedAndRemembered) {
-    Configure(Server("192.168.10.5") + Crate("3T000001", 7));
+    Configure(Server("192.168.10.5") + Crate("3T000001", {7}));
     EXPECT_TRUE(TestWith(AddressTitle, [&](DialogUser& user) {
         EXPECT_FALSE(IsWindowEnabled(Host));
         // In the order of the Tab key the boxes come first, the leftmost first of all.
@@ -133,11 +131,7 @@ TEST_F(Dialogs, AddressesAreChosenRemovedAndRefused) {
         const HWND ok = user.Child(WC_BUTTONW, 0), remove = user.Child(WC_BUTTONW, 1);
         const HWND clear = user.Child(WC_BUTTONW, 2), cancel = user.Child(WC_BUTTONW, 3);
         EXPECT_EQ(1, SendMessageW(list, LB_GETCURSEL, 0, 0));
-        std::vector<HWND> stops;
-        for (int i = 0; i < 9; i++) {
-            stops.push_back(user.Focus());
-            user.Press(VK_TAB);
-        }
+        const std::vector<HWND> stops = TabStops(user, 9);
         const HWND first = user.Child(WC_EDITW, 0);
         EXPECT_EQ((std::vector<HWND>{first, user.Child(WC_EDITW, 1), user.Child(WC_EDITW, 2), user.Child(WC_EDITW, 3),
                                      list, ok, remove, clear, cancel}),
@@ -192,7 +186,7 @@ void ClickItem(DialogUser& user, HWND tree, HTREEITEM item) {
 }
 
 TEST_F(Dialogs, CrateIsChosenAmongSeveral) {
-    Configure(Server("127.0.0.1") + Crate("FIRST", 3) + Crate("SECOND", 12));
+    Configure(Server("127.0.0.1") + Crate("FIRST", {3}) + Crate("SECOND", {12}));
     const auto firstRoot = [](HWND tree) { return Next(tree, TVGN_ROOT, nullptr); };
     EXPECT_FALSE(TestWith(DeviceTitle, [](DialogUser& user) { user.Press(VK_ESCAPE); }));
     EXPECT_FALSE(TestWith(DeviceTitle, [](DialogUser& user) {
@@ -227,24 +221,15 @@ TEST_F(Dialogs, CrateIsChosenAmongSeveral) {
     });
 }
 
-DWORD StoredMarkMode() {
-    DWORD mode = 99, size = sizeof mode;
-    HKEY key = nullptr;
-    RegOpenKeyW(HKEY_CURRENT_USER, SettingsKey, &key);
-    RegQueryValueExW(key, L"MarkSTARTMode", nullptr, nullptr, reinterpret_cast<BYTE*>(&mode), &size);
-    RegCloseKey(key);
-    return mode;
-}
-
 TEST_F(Dialogs, SettingsAreShownAndChanged) {
-    Configure(Server("127.0.0.1") + Crate("FIRST", 3));
+    Configure(Server("127.0.0.1") + Crate("FIRST", {3}));
     ASSERT_TRUE(True(Driver.Get(), &IADC3::Test));
     SettingWith([](DialogUser& user) {
         const HWND tree = user.Child(WC_TREEVIEWW, 0), info = user.Child(WC_EDITW, 0);
         const HWND list = user.Child(WC_LISTBOXW, 0), combo = user.Child(WC_COMBOBOXW, 0);
         const std::vector<std::wstring> lines = ListLines(list);
         ASSERT_EQ(8u, lines.size());
-        EXPECT_TRUE(lines[0].starts_with(L"03_H-27U\tv")) << std::string(lines[0].begin(), lines[0].end());
+        EXPECT_TRUE(lines[0].starts_with(L"03_SEQ\tv")) << std::string(lines[0].begin(), lines[0].end());
         EXPECT_EQ(L"03_Empty", lines[7]);
         EXPECT_EQ(tree, user.Focus());
         EXPECT_TRUE(TextOf(info).starts_with(L"Crate: LTR030\r\nCrate SN: FIRST")) << "the crate is described first";
@@ -257,11 +242,7 @@ TEST_F(Dialogs, SettingsAreShownAndChanged) {
         user.Press(VK_LEFT);  // collapses
         ItemText(tree, crate, &state);
         EXPECT_EQ(UINT{TVIS_EXPANDED}, state & TVIS_EXPANDED);
-        std::vector<HWND> stops;
-        for (int i = 0; i < 6; i++) {
-            stops.push_back(user.Focus());
-            user.Press(VK_TAB);
-        }
+        const std::vector<HWND> stops = TabStops(user, 6);
         EXPECT_EQ((std::vector<HWND>{tree, info, list, combo, GetDlgItem(user.Dialog(), IDOK),
                                      GetDlgItem(user.Dialog(), IDCANCEL)}),
                   stops);
@@ -281,7 +262,7 @@ TEST_F(Dialogs, SettingsAreShownAndChanged) {
         user.Press(VK_RETURN);
     });
     Driver.Reset();
-    EXPECT_EQ(5u, StoredMarkMode());
+    EXPECT_EQ(5u, StoredNumber(L"MarkSTARTMode"));
     Driver = CreateDriver();
     SettingWith([](DialogUser& user) {
         const HWND combo = user.Child(WC_COMBOBOXW, 0);
@@ -292,7 +273,7 @@ TEST_F(Dialogs, SettingsAreShownAndChanged) {
         user.Press(VK_ESCAPE);
     });
     Driver.Reset();
-    EXPECT_EQ(5u, StoredMarkMode()) << "Esc changes nothing";
+    EXPECT_EQ(5u, StoredNumber(L"MarkSTARTMode")) << "Esc changes nothing";
 }
 
 TEST_F(Dialogs, HelpThatCannotBeOpenedIsReported) {

@@ -18,7 +18,6 @@ public:
     DialogUser(std::wstring title, std::function<void(DialogUser&)> script);
     ~DialogUser();
     DialogUser(const DialogUser&) = delete;
-    DialogUser& operator=(const DialogUser&) = delete;
 
     // Waits until the window that takes input has this title.
     bool WaitFront(const std::wstring& title);

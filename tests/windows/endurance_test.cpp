@@ -10,37 +10,22 @@ namespace {
 
 struct ProcessLoad {
     int Threads = 0;
-    DWORD Handles = 0;  // grows with each handle that is left open, whatever it counts from
-    DWORD Bytes = 0;    // private memory
+    DWORD Handles = OpenHandles();
+    DWORD Bytes = 0;  // private memory
 
-    static ProcessLoad Now();
+    ProcessLoad() {
+        const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+        THREADENTRY32 thread = {};
+        thread.dwSize = sizeof thread;
+        for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread)) {
+            Threads += thread.th32OwnerProcessID == GetCurrentProcessId();
+        }
+        CloseHandle(snapshot);
+        PROCESS_MEMORY_COUNTERS memory = {};
+        GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+        Bytes = static_cast<DWORD>(memory.PagefileUsage);
+    }
 };
-
-ProcessLoad ProcessLoad::Now() {
-    ProcessLoad load;
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    THREADENTRY32 thread = {};
-    thread.dwSize = sizeof thread;
-    for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread)) {
-        load.Threads += thread.th32OwnerProcessID == GetCurrentProcessId();
-    }
-    CloseHandle(snapshot);
-    // Newer than the oldest Windows that the headers are set to.
-    using CountHandles = BOOL(WINAPI*)(HANDLE, DWORD*);
-    const auto countHandles = reinterpret_cast<CountHandles>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "GetProcessHandleCount")));
-    if (countHandles != nullptr) countHandles(GetCurrentProcess(), &load.Handles);
-    if (load.Handles == 0) {
-        // Wine counts none, but numbers its handles from the lowest free one.
-        const HANDLE probe = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        load.Handles = static_cast<DWORD>(reinterpret_cast<uintptr_t>(probe) / 4);
-        CloseHandle(probe);
-    }
-    PROCESS_MEMORY_COUNTERS memory = {};
-    GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
-    load.Bytes = static_cast<DWORD>(memory.PagefileUsage);
-    return load;
-}
 
 class Endurance : public DriverTest {
 protected:
@@ -48,9 +33,9 @@ protected:
     template <class Cycle>
     void Repeat(int times, Cycle cycle) {
         for (int i = 0; i < times / 10; i++) ASSERT_NO_FATAL_FAILURE(cycle(i));
-        const ProcessLoad before = ProcessLoad::Now();
+        const ProcessLoad before;
         for (int i = times / 10; i < times; i++) ASSERT_NO_FATAL_FAILURE(cycle(i));
-        const ProcessLoad after = ProcessLoad::Now();
+        const ProcessLoad after;
         EXPECT_LE(after.Threads, before.Threads);
         EXPECT_LE(after.Handles, before.Handles + 4);
         EXPECT_LE(after.Bytes, before.Bytes + 1024 * 1024);

@@ -1,40 +1,9 @@
 #include "tests/windows/recording_host.h"
 
-#include <numeric>
-
 namespace corvane::test {
 
 std::string SequenceScenario(int modules) {
-    std::string text = "speed = 0\n[[server]]\naddress = \"127.0.0.1\"\n[[server.crate]]\nserial = \"3T000001\"\n";
-    for (int slot = 1; slot <= modules; slot++) {
-        text += "[[server.crate.module]]\nslot = " + std::to_string(slot) + "\nid = \"LTR27\"\n";
-        for (int position = 1; position <= 8; position++) {
-            text += "[[server.crate.module.mezzanine]]\nposition = " + std::to_string(position) +
-                    "\nname = \"H-27U\"\nunit = \"V\"\nbottom = -10\ntop = 10\nsignal = { kind = \"sequence\" }\n";
-        }
-    }
-    return text;
-}
-
-void SequenceCheck::Take(const short* kadrs, LONG count) {
-    for (LONG kadr = 0; kadr < count; kadr++, Kadrs_++) {
-        for (size_t module = 0; module < Next_.size(); module++) {
-            TakeModule(module, kadrs + (static_cast<size_t>(kadr) * Next_.size() + module) * 16);
-        }
-    }
-}
-
-void SequenceCheck::TakeModule(size_t module, const short* samples) {
-    for (size_t channel = 0; channel < 16; channel += 2) {
-        const LONG number = (samples[channel + 1] + 16384) * 32768 + samples[channel] + 16384;
-        if (channel == 0 && Next_[module] < 0) Next_[module] = number;
-        if (number != Next_[module] && Fault_.empty()) {
-            Fault_ = "kadr " + std::to_string(Kadrs_) + ", module " + std::to_string(module) + ", channel " +
-                     std::to_string(channel) + ": number " + std::to_string(number) + " instead of " +
-                     std::to_string(Next_[module]);
-        }
-    }
-    Next_[module]++;
+    return SequenceCrate(modules == 1 ? std::vector{1} : std::vector{1, 2}, "0");
 }
 
 void DriverTest::SetUp() {
@@ -67,10 +36,14 @@ bool DriverTest::WaitForKadrs(LONG kadrs) {
     return WaitFor([&] { return Read(Driver.Get(), &IADC3::get_InputCountKadrs) >= kadrs; }, 5000);
 }
 
-std::vector<short> FirstChannels(int count) {
-    std::vector<short> channels(static_cast<size_t>(count));
-    std::iota(channels.begin(), channels.end(), short{0});
-    return channels;
+std::optional<DWORD> StoredNumber(const wchar_t* name) {
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingsKey, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return std::nullopt;
+    DWORD type = 0, number = 0, size = sizeof number;
+    const LONG result = RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size);
+    RegCloseKey(key);
+    if (result != ERROR_SUCCESS || type != REG_DWORD || size != sizeof number) return std::nullopt;
+    return number;
 }
 
 }  // namespace corvane::test

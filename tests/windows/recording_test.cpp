@@ -1,4 +1,5 @@
-// Recordings through COM: every kadr reaches the host once and in order, however it reads.
+// Recordings through COM: every kadr reaches the host once and in order, however it reads; and what is left, and what
+// the host is told, when the modules fail.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -37,16 +38,18 @@ protected:
 // Takes all unread kadrs with InputData. False when the array isn't one kadr of channel numbers and then data.
 bool TakeInputData(IADC3* driver, LONG channels, SequenceCheck& check) {
     const Array data(Read(driver, &IADC3::get_InputData));
-    if (!data || data->rgsabound[1].cElements != static_cast<ULONG>(channels)) return false;
+    if (!data || SafeArrayGetDim(data.get()) != 2) return false;
+    const SAFEARRAYBOUND kadrs = data->rgsabound[0], width = data->rgsabound[1];  // the last dimension comes first
+    if (kadrs.lLbound != 0 || width.lLbound != 0 || width.cElements != static_cast<ULONG>(channels)) return false;
     const short* first = static_cast<const short*>(data->pvData);
     for (short channel = 0; channel < channels; channel++) {
         if (first[channel] != channel) return false;
     }
-    check.Take(first + channels, static_cast<LONG>(data->rgsabound[0].cElements) - 1);
+    check.Take(first + channels, static_cast<LONG>(kadrs.cElements) - 1);
     return true;
 }
 
-TEST_F(Recording, GetDataDeliversEveryKadrOnce) {
+TEST_F(Recording, DeliversEveryKadrOnceHoweverItIsRead) {
     ASSERT_TRUE(OpenSequence(2));
     ASSERT_EQ(S_OK, Driver->put_InputSizeData(RingKadrs));
     ASSERT_TRUE(Start(1000));
@@ -57,8 +60,12 @@ TEST_F(Recording, GetDataDeliversEveryKadrOnce) {
     for (const DWORD start = GetTickCount(); check.Kadrs() < EnoughKadrs && GetTickCount() - start < Patience;) {
         Sleep(Random() % 40 == 0 ? 400 : Random() % 60);
         ringWasFull |= Read(Driver.Get(), &IADC3::get_InputCountKadrs) == RingKadrs;
-        const LONG kadrs = ReadData(buffer, static_cast<LONG>(Random() % (2 * RingKadrs * 32)));
-        check.Take(buffer.data(), kadrs);
+        if (Random() % 2 == 0) {
+            ASSERT_TRUE(TakeInputData(Driver.Get(), 32, check));
+        } else {
+            const LONG kadrs = ReadData(buffer, static_cast<LONG>(Random() % (2 * RingKadrs * 32)));
+            check.Take(buffer.data(), kadrs);
+        }
     }
     ASSERT_EQ(S_OK, Driver->StopRecord());
     while (const LONG kadrs = ReadData(buffer, 32 * 100)) check.Take(buffer.data(), kadrs);
@@ -66,21 +73,8 @@ TEST_F(Recording, GetDataDeliversEveryKadrOnce) {
     EXPECT_GE(check.Kadrs(), EnoughKadrs);
     EXPECT_TRUE(ringWasFull);
     EXPECT_EQ(0, Read(Driver.Get(), &IADC3::get_InputCountData));
-}
-
-TEST_F(Recording, InputDataDeliversEveryKadrOnce) {
-    ASSERT_TRUE(OpenSequence(2));
-    ASSERT_EQ(S_OK, Driver->put_InputSizeData(RingKadrs));
-    ASSERT_TRUE(Start(1000));
-    SequenceCheck check(2);
-    for (const DWORD start = GetTickCount(); check.Kadrs() < EnoughKadrs && GetTickCount() - start < Patience;) {
-        Sleep(Random() % 100);
-        ASSERT_TRUE(TakeInputData(Driver.Get(), 32, check));
-    }
-    ASSERT_EQ(S_OK, Driver->StopRecord());
-    ASSERT_TRUE(TakeInputData(Driver.Get(), 32, check));
+    ASSERT_TRUE(TakeInputData(Driver.Get(), 32, check)) << "only the channel numbers are left";
     EXPECT_EQ("", check.Fault());
-    EXPECT_GE(check.Kadrs(), EnoughKadrs);
 }
 
 // Opens, and records `kadrs` kadrs. Says what went wrong.
@@ -143,8 +137,7 @@ TEST_F(Recording, WorksFromAnotherProcess) {
     std::ofstream(scenario) << SequenceScenario(2);
     SetEnvironmentVariableW(L"LTRSIM_SCENARIO", scenario.c_str());
     ComPtr<_Corvane> object;
-    EXPECT_EQ(S_OK, CoCreateInstance(__uuidof(::Corvane), nullptr, CLSCTX_LOCAL_SERVER, __uuidof(_Corvane),
-                                     reinterpret_cast<void**>(object.GetAddressOf())));
+    EXPECT_EQ(S_OK, CoCreateInstance(__uuidof(::Corvane), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&object)));
     SetEnvironmentVariableW(L"LTRSIM_SCENARIO", nullptr);
     ComPtr<IUnknown> driver;
     ComPtr<IADC3> remote;
@@ -162,15 +155,50 @@ TEST_F(Recording, WorksFromAnotherProcess) {
     DeleteFileW(scenario.c_str());
 }
 
-TEST_F(Recording, ObjectsOfOneThreadShareTheDevice) {
+constexpr wchar_t NotOpenText[] = L"Error '-7':\r\nThe connection is not open";
+
+std::string FaultOf(const std::string& call) {
+    return "call = \"" + call + "\"\nerror = -7\n";
+}
+
+TEST_F(Recording, FailuresReachLastErrorAndLeaveNothingBehind) {
+    for (const char* call : {"LTR27_Open", "LTR27_GetConfig", "LTR27_GetDescription"}) {
+        ASSERT_EQ(0, LtrSim_AddFault(FaultOf(call).c_str())) << LtrSim_Message();
+        EXPECT_FALSE(True(Driver.Get(), &IADC3::Test)) << call;
+        EXPECT_EQ(NotOpenText, LastError(Driver.Get())) << call;
+        EXPECT_EQ(0, Read(Driver.Get(), &IADC3::get_BasePort)) << call;
+        EXPECT_EQ(0, LtrSim_OpenConnections()) << call;
+        LtrSim_ClearFaults();
+    }
+    ASSERT_TRUE(OpenSequence(2));
+    EXPECT_EQ(-1, Read(Driver.Get(), &IADC3::get_BasePort));
+    for (const char* call : {"LTR27_SetConfig", "LTR27_ADCStart"}) {
+        ASSERT_EQ(0, LtrSim_AddFault((FaultOf(call) + "slot = 2\n").c_str())) << LtrSim_Message();
+        EXPECT_FALSE(Start(1000)) << call;
+        EXPECT_EQ(NotOpenText, LastError(Driver.Get())) << call;
+        EXPECT_FALSE(True(Driver.Get(), &IADC3::get_Busy)) << call;
+        EXPECT_EQ(0, LtrSim_RunningModules()) << call;
+        LtrSim_ClearFaults();
+    }
+    EXPECT_TRUE(Start(1000));
+    EXPECT_EQ(L"", LastError(Driver.Get()));
+}
+
+// The thread sits in a receive that takes its whole time-out; the host must neither wait for it nor start beside it.
+TEST_F(Recording, ASilentModuleHoldsOnlyTheNextStart) {
     ASSERT_TRUE(OpenSequence(1));
-    ASSERT_TRUE(Start(500));
-    ComPtr<IADC3> second = CreateDriver();
-    EXPECT_TRUE(True(second.Get(), &IADC3::get_Busy));
-    EXPECT_FALSE(True(second.Get(), &IADC3::StartRecord));
-    Driver = second;
-    EXPECT_TRUE(WaitForKadrs(64)) << "the first object's end stopped the recording";
-    EXPECT_FLOAT_EQ(500, Read(Driver.Get(), &IADC3::get_Rate));
+    ASSERT_TRUE(Start(1000));
+    ASSERT_TRUE(WaitForKadrs(64));
+    ASSERT_EQ(0, LtrSim_AddFault("call = \"LTR27_Recv\"\nstall = true\n")) << LtrSim_Message();
+    const int32_t calls = LtrSim_Calls("LTR27_Recv");
+    ASSERT_TRUE(WaitFor([&] { return LtrSim_Calls("LTR27_Recv") > calls + 1; }, 5000));
+    const DWORD start = GetTickCount();
+    EXPECT_EQ(S_OK, Driver->StopRecord());
+    EXPECT_LT(GetTickCount() - start, 400u) << "two block periods are 128 ms";
+    EXPECT_FALSE(Start(1000));
+    EXPECT_EQ(L"Please wait end of previous thread of recording!", LastError(Driver.Get()));
+    LtrSim_ClearFaults();
+    EXPECT_TRUE(WaitFor([&] { return Start(1000); }, 3000));
 }
 
 }  // namespace

@@ -2,15 +2,14 @@
 // executable lies in another folder than the component.
 #include <olectl.h>
 
+#include <atomic>
 #include <thread>
 
+#include "driver/com/identifiers.h"
 #include "tests/windows/com_host.h"
 
 namespace corvane::test {
 namespace {
-
-constexpr GUID EarlierCorvane = {0xFAC99029, 0x3AFF, 0x4FAD, {0xA8, 0x3E, 0xC4, 0x16, 0xF4, 0x0B, 0x48, 0xB6}};
-constexpr GUID TessmarkLibrary = {0xB4598549, 0xF4AF, 0x4583, {0x85, 0x3E, 0xDC, 0xB9, 0x1F, 0xC0, 0xCD, 0xFD}};
 
 class Registration : public ::testing::Test {
 protected:
@@ -24,19 +23,6 @@ ComPtr<IUnknown> Query(IUnknown* object, const GUID& identifier) {
     ComPtr<IUnknown> result;
     EXPECT_EQ(S_OK, object->QueryInterface(identifier, reinterpret_cast<void**>(result.GetAddressOf())));
     return result;
-}
-
-bool ClassKnown() {
-    ComPtr<IUnknown> object;
-    return SUCCEEDED(CoCreateInstance(__uuidof(::Corvane), nullptr, CLSCTX_INPROC_SERVER, __uuidof(IUnknown),
-                                      reinterpret_cast<void**>(object.GetAddressOf())));
-}
-
-TEST_F(Registration, LeadsFromEitherIdentifierToTheObject) {
-    EXPECT_NE(nullptr, CreateDriver());
-    EXPECT_TRUE(ClassKnown());
-    ComPtr<ITypeLib> library;
-    EXPECT_EQ(S_OK, LoadRegTypeLib(TessmarkLibrary, 1, 1, 0x409, library.GetAddressOf()));
 }
 
 TEST_F(Registration, ObjectObeysTheRulesOfIdentity) {
@@ -62,57 +48,42 @@ TEST_F(Registration, ObjectObeysTheRulesOfIdentity) {
     EXPECT_EQ(own.Get(), parent.Get());
 }
 
-VARIANT InvokeByName(IDispatch* object, const wchar_t* name, WORD flags, DISPID expected) {
-    std::wstring text = name;
-    LPOLESTR names = text.data();
-    DISPID id = 0;
-    EXPECT_EQ(S_OK, object->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id));
-    EXPECT_EQ(expected, id);
-    DISPPARAMS none = {};
-    VARIANT result = {};
-    EXPECT_EQ(S_OK, object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &none, &result, nullptr, nullptr));
-    return result;
-}
+// The component without registration: the descriptions come out of its file.
+class Component : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_EQ(S_OK, File.GetClassObject(__uuidof(::Corvane), IID_PPV_ARGS(&Factory))); }
 
-// Nothing is registered here: the descriptions come out of the component's file.
-TEST(Component, AnswersByNameWithoutRegistration) {
-    const Apartment apartment;
-    const LoadedComponent component;
-    ComPtr<IClassFactory> factory;
-    ASSERT_EQ(S_OK, component.GetClassObject(__uuidof(::Corvane), __uuidof(IClassFactory),
-                                             reinterpret_cast<void**>(factory.GetAddressOf())));
+    const Apartment Apartment_;
+    const LoadedComponent File;
+    ComPtr<IClassFactory> Factory;
+};
+
+TEST_F(Component, AnswersByNameWithoutRegistration) {
     ComPtr<_Corvane> object;
-    ASSERT_EQ(S_OK,
-              factory->CreateInstance(nullptr, __uuidof(_Corvane), reinterpret_cast<void**>(object.GetAddressOf())));
+    ASSERT_EQ(S_OK, Factory->CreateInstance(nullptr, IID_PPV_ARGS(&object)));
+    VARIANT result = {};
+    ASSERT_EQ(S_OK, InvokeByName(object.Get(), L"GetADC3", DISPATCH_METHOD, {}, &result));
+    ASSERT_EQ(VT_UNKNOWN, result.vt);
     ComPtr<IUnknown> direct;
     ASSERT_EQ(S_OK, object->GetADC3(direct.GetAddressOf()));
-
-    VARIANT result = InvokeByName(object.Get(), L"GetADC3", DISPATCH_METHOD, 0x60030031);
-    ASSERT_EQ(VT_UNKNOWN, result.vt);
     EXPECT_EQ(direct.Get(), result.punkVal);
-    VariantClear(&result);
-
     ComPtr<IADC3> driver;
     ASSERT_EQ(S_OK, direct.As(&driver));
-    result = InvokeByName(driver.Get(), L"adcname", DISPATCH_PROPERTYGET, 1);
+    VariantClear(&result);
+    ASSERT_EQ(S_OK, InvokeByName(driver.Get(), L"adcname", DISPATCH_PROPERTYGET, {}, &result));
     ASSERT_EQ(VT_BSTR, result.vt);
     EXPECT_STREQ(L"LTR27", result.bstrVal);
     VariantClear(&result);
 }
 
-TEST(Component, RefusesWhatItsFactoryCantMake) {
-    const Apartment apartment;
-    const LoadedComponent component;
-    ComPtr<IClassFactory> factory;
-    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, component.GetClassObject(__uuidof(IADC3), __uuidof(IClassFactory),
-                                                                  reinterpret_cast<void**>(factory.GetAddressOf())));
-    ASSERT_EQ(S_OK, component.GetClassObject(__uuidof(::Corvane), __uuidof(IClassFactory),
-                                             reinterpret_cast<void**>(factory.GetAddressOf())));
+TEST_F(Component, RefusesWhatItsFactoryCantMake) {
     void* object = &object;
-    EXPECT_EQ(CLASS_E_NOAGGREGATION, factory->CreateInstance(factory.Get(), __uuidof(IUnknown), &object));
+    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, File.GetClassObject(__uuidof(IADC3), __uuidof(IClassFactory), &object));
+    object = &object;
+    EXPECT_EQ(CLASS_E_NOAGGREGATION, Factory->CreateInstance(Factory.Get(), __uuidof(IUnknown), &object));
     EXPECT_EQ(nullptr, object);
     object = &object;
-    EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(nullptr, __uuidof(IClassFactory), &object));
+    EXPECT_EQ(E_NOINTERFACE, Factory->CreateInstance(nullptr, __uuidof(IClassFactory), &object));
     EXPECT_EQ(nullptr, object);
 }
 
@@ -120,18 +91,11 @@ bool Loaded() {
     return GetModuleHandleW(L"Corvane.adc") != nullptr;
 }
 
-// Place of a fresh handle in the process's table: it moves up for each handle that was left open before.
-uintptr_t FreshHandle() {
-    const HANDLE probe = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    CloseHandle(probe);
-    return reinterpret_cast<uintptr_t>(probe) / 4;
-}
-
 TEST_F(Registration, LibraryLeavesWhenNothingUsesItAndComesAgain) {
     // The vendor libraries stay, so that only the component's own leavings are seen.
     const std::wstring folder = ComponentPath().substr(0, ComponentPath().rfind(L'\\') + 1);
     const HMODULE vendor = LoadLibraryExW((folder + L"ltr27api.dll").c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-    uintptr_t handles = 0;
+    DWORD handles = 0;
     for (int round = 0; round < 40; round++) {
         ComPtr<IADC3> driver = CreateDriver();
         ASSERT_NE(nullptr, driver);
@@ -141,53 +105,39 @@ TEST_F(Registration, LibraryLeavesWhenNothingUsesItAndComesAgain) {
         EXPECT_EQ(E_INVALIDARG, driver->put_InputChannels(&none)) << "an exception inside takes resources too";
         driver.Reset();
         ASSERT_TRUE(WaitFor([] { return CoFreeUnusedLibrariesEx(0, 0), !Loaded(); }, 2000)) << "round " << round;
-        if (round == 0) handles = FreshHandle();
+        if (round == 0) handles = OpenHandles();
     }
-    EXPECT_LE(FreshHandle(), handles + 4);
+    EXPECT_LE(OpenHandles(), handles + 4);
     FreeLibrary(vendor);
 }
 
-// Says what went wrong in one host thread that makes, uses and drops objects, one after the other.
-std::string UseObjects(float rate) {
-    const Apartment apartment;
-    for (int round = 0; round < 200; round++) {
-        const ComPtr<IADC3> driver = CreateDriver();
-        if (!driver) return "no object";
-        driver->put_Rate(rate);
-        Sleep(1);  // the others' turn; all wake up at once
-        BSTR name = Read(driver.Get(), &IADC3::get_ADCName);
-        const bool right = name != nullptr && std::wstring(name) == L"LTR27";
-        SysFreeString(name);
-        if (!right) return "no name";
-        if (Read(driver.Get(), &IADC3::get_Rate) != rate) return "another thread's rate";
-    }
-    return "";
-}
-
 TEST_F(Registration, ObjectsOfManyThreadsKeepApartAndLeave) {
-    constexpr float rates[] = {10, 100, 500, 1000};
-    std::string faults[4];
+    std::atomic<int> faults = 0;
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; i++) threads.emplace_back([&, i] { faults[i] = UseObjects(rates[i]); });
+    for (const float rate : {10.0f, 100.0f, 500.0f, 1000.0f}) {
+        threads.emplace_back([&faults, rate] {
+            const Apartment apartment;
+            for (int round = 0; round < 200; round++) {
+                const ComPtr<IADC3> driver = CreateDriver();
+                if (driver) driver->put_Rate(rate);
+                Sleep(1);  // the others' turn; all wake up at once
+                faults += !driver || Read(driver.Get(), &IADC3::get_Rate) != rate;
+            }
+        });
+    }
     for (std::thread& thread : threads) thread.join();
-    for (const std::string& fault : faults) EXPECT_EQ("", fault);
+    EXPECT_EQ(0, faults);
     EXPECT_TRUE(WaitFor([] { return CoFreeUnusedLibrariesEx(0, 0), !Loaded(); }, 2000)) << "something still uses it";
 }
 
-TEST(Component, LocksAndFactoriesKeepIt) {
-    const Apartment apartment;
-    const LoadedComponent component;
-    ComPtr<IClassFactory> factory;
-    EXPECT_EQ(S_OK, component.Call("DllCanUnloadNow"));
-    ASSERT_EQ(S_OK, component.GetClassObject(__uuidof(::Corvane), __uuidof(IClassFactory),
-                                             reinterpret_cast<void**>(factory.GetAddressOf())));
-    EXPECT_EQ(S_FALSE, component.Call("DllCanUnloadNow"));
-    factory->LockServer(TRUE);
-    IClassFactory* unlocker = factory.Get();
-    factory.Reset();
-    EXPECT_EQ(S_FALSE, component.Call("DllCanUnloadNow"));
+TEST_F(Component, StaysForLocksAndFactories) {
+    EXPECT_EQ(S_FALSE, File.Call("DllCanUnloadNow"));
+    Factory->LockServer(TRUE);
+    IClassFactory* unlocker = Factory.Get();
+    Factory.Reset();
+    EXPECT_EQ(S_FALSE, File.Call("DllCanUnloadNow"));
     unlocker->LockServer(FALSE);
-    EXPECT_EQ(S_OK, component.Call("DllCanUnloadNow"));
+    EXPECT_EQ(S_OK, File.Call("DllCanUnloadNow"));
 }
 
 }  // namespace

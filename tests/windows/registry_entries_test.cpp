@@ -1,9 +1,12 @@
 // Registration by the platform's own regsvr32: the whole registry before, between and after.
+#include <shlwapi.h>
+
 #include <set>
 #include <utility>
 
 #include "tests/registry/registry_stage.h"
 #include "tests/windows/com_host.h"
+#include "tests/windows/run_process.h"
 
 namespace corvane::test {
 namespace {
@@ -56,12 +59,9 @@ Snapshot Difference(const Snapshot& of, const Snapshot& without) {
     return lines;
 }
 
-Snapshot ValuesOf(const Snapshot& lines) {
-    Snapshot values;
-    for (const std::wstring& line : lines) {
-        if (line.find(L'|') != std::wstring::npos) values.insert(line);
-    }
-    return values;
+Snapshot ValuesOf(Snapshot lines) {
+    std::erase_if(lines, [](const std::wstring& line) { return line.find(L'|') == std::wstring::npos; });
+    return lines;
 }
 
 std::wstring ValueOf(const std::wstring& key) {
@@ -72,19 +72,7 @@ std::wstring ValueOf(const std::wstring& key) {
 }
 
 DWORD RegSvr32(const std::wstring& options, const std::wstring& file) {
-    std::wstring command = L"regsvr32 /s " + options + L" \"" + file + L"\"";
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
-        return GetLastError();
-    }
-    DWORD code = 1;
-    WaitForSingleObject(process.hProcess, 30000);
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return code;
+    return RunProcess(L"regsvr32 /s " + options + L" \"" + file + L"\"", 30000);
 }
 
 // A copy of the component with its vendor libraries, in a folder beside `stage` whose name has spaces, and Cyrillic
@@ -211,9 +199,7 @@ TEST_F(RegistryEntries, AreTheUsersOwnWhereOnlyHeMayWrite) {
     const HRESULT unregistered = LoadedComponent().Call("DllUnregisterServer");
     RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
     RegCloseKey(machine);
-    for (const char* child : {"\\Software\\Classes\\Tessmark.Corvane", "\\Software\\Classes", "\\Software", ""}) {
-        RegDeleteKeyA(HKEY_CURRENT_USER, (path + child).c_str());
-    }
+    SHDeleteKeyA(HKEY_CURRENT_USER, path.c_str());
     EXPECT_EQ(S_OK, registered);
     EXPECT_EQ(S_OK, unregistered);
     for (std::wstring value : ExpectedValues(ComponentPath())) {
@@ -238,13 +224,8 @@ TEST_F(RegistryEntries, OfTheHostStay) {
             EXPECT_EQ(start, TakeSnapshot());
         }
         EXPECT_EQ(L"IADC3 of the host", ValueOf(HostInterface));
-        for (const wchar_t* child : {L"\\ProxyStubClsid32", L"\\TypeLib", L""}) {
-            RegDeleteKeyW(HKEY_LOCAL_MACHINE, (std::wstring(HostInterface) + child).c_str());
-        }
-        for (const wchar_t* child :
-             {L"\\1.0\\0\\win32", L"\\1.0\\0", L"\\1.0\\FLAGS", L"\\1.0\\HELPDIR", L"\\1.0", L""}) {
-            RegDeleteKeyW(HKEY_LOCAL_MACHINE, (std::wstring(HostLibrary) + child).c_str());
-        }
+        SHDeleteKeyW(HKEY_LOCAL_MACHINE, HostInterface);
+        SHDeleteKeyW(HKEY_LOCAL_MACHINE, HostLibrary);
     }
 }
 

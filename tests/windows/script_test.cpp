@@ -1,8 +1,9 @@
 // The object's own IDispatch, as script engines use it.
-#include <algorithm>
+#include <filesystem>
 #include <fstream>
 
 #include "tests/windows/recording_host.h"
+#include "tests/windows/run_process.h"
 
 namespace corvane::test {
 namespace {
@@ -25,25 +26,15 @@ class Scripts : public DriverTest {
 protected:
     void SetUp() override {
         DriverTest::SetUp();
-        ASSERT_EQ(S_OK, Driver->QueryInterface(__uuidof(IDispatch), reinterpret_cast<void**>(Own.GetAddressOf())));
+        ASSERT_EQ(S_OK, Driver.As(&Own));
     }
     void TearDown() override {
         Own.Reset();
         DriverTest::TearDown();
     }
 
-    // Arguments in the order of the declaration; a put names its last one.
     HRESULT Invoke(const wchar_t* name, WORD flags, std::vector<VARIANT> arguments, VARIANT* result = nullptr) {
-        std::wstring text = name;
-        LPOLESTR names = text.data();
-        DISPID id = 0, put = DISPID_PROPERTYPUT;
-        const HRESULT known = Own->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id);
-        if (FAILED(known)) return known;
-        std::reverse(arguments.begin(), arguments.end());
-        DISPPARAMS parameters = {arguments.data(), &put, static_cast<UINT>(arguments.size()),
-                                 flags == DISPATCH_PROPERTYPUT ? 1u : 0u};
-        UINT argument = 0;
-        return Own->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result, nullptr, &argument);
+        return InvokeByName(Own.Get(), name, flags, std::move(arguments), result);
     }
 
     ComPtr<IDispatch> Own;
@@ -54,7 +45,6 @@ constexpr WORD Put = DISPATCH_PROPERTYPUT;
 
 TEST_F(Scripts, ChannelsComeInAnyArray) {
     for (const VARTYPE type : {VT_VARIANT, VT_I2, VT_I4, VT_R8, VT_UI1}) {
-        SelectChannels(Driver.Get(), {9});
         SAFEARRAYBOUND bound = {2, 1};
         const Array array(SafeArrayCreate(type, 1, &bound));
         for (LONG i = 1; i <= 2; i++) {
@@ -65,11 +55,11 @@ TEST_F(Scripts, ChannelsComeInAnyArray) {
         VARIANT list = {};
         list.vt = static_cast<VARTYPE>(VT_ARRAY | type);
         list.parray = array.get();
-        EXPECT_EQ(S_OK, Invoke(L"InputChannels", Put, {list})) << type;
-        EXPECT_EQ((std::vector<short>{3, 5}), SelectedChannels(Driver.Get())) << type;
-        SelectChannels(Driver.Get(), {9});
-        EXPECT_EQ(S_OK, Invoke(L"InputChannels", Put, {Reference(list)})) << type;
-        EXPECT_EQ((std::vector<short>{3, 5}), SelectedChannels(Driver.Get())) << type;
+        for (const VARIANT& argument : {list, Reference(list)}) {
+            SelectChannels(Driver.Get(), {9});
+            EXPECT_EQ(S_OK, Invoke(L"InputChannels", Put, {argument})) << type;
+            EXPECT_EQ((std::vector<short>{3, 5}), SelectedChannels(Driver.Get())) << type;
+        }
     }
 }
 
@@ -85,15 +75,27 @@ TEST_F(Scripts, ArraysGoOutAsVariants) {
     EXPECT_EQ(4, element.iVal);
     VariantClear(&list);
 
-    VARIANT data = {};
-    ASSERT_EQ(S_OK, Invoke(L"InputData", Get, {}, &data));
-    ASSERT_EQ(VT_ARRAY | VT_VARIANT, data.vt);
-    LONG bounds[2] = {};
-    SafeArrayGetUBound(data.parray, 1, &bounds[0]);
-    SafeArrayGetUBound(data.parray, 2, &bounds[1]);
-    EXPECT_EQ(1, bounds[0]) << "channels";
-    EXPECT_EQ(0, bounds[1]) << "kadrs";
-    VariantClear(&data);
+    ASSERT_EQ(S_OK, Invoke(L"InputData", Get, {}, &list));
+    ASSERT_EQ(VT_ARRAY | VT_VARIANT, list.vt);
+    ASSERT_EQ(2u, SafeArrayGetDim(list.parray));
+    EXPECT_EQ(2u, list.parray->rgsabound[1].cElements) << "channels";
+    EXPECT_EQ(1u, list.parray->rgsabound[0].cElements) << "kadrs";
+    VariantClear(&list);
+}
+
+// IADC3's own IDispatch keeps the types of the interface.
+TEST_F(Scripts, ByTheInterfaceArraysAreTyped) {
+    Own = Driver;
+    const Array owner = MakeShorts({6, 2}, 1);
+    SAFEARRAY* array = owner.get();
+    VARIANT list = {}, result = {};
+    list.vt = VT_BYREF | VT_ARRAY | VT_I2;
+    list.pparray = &array;
+    EXPECT_EQ(S_OK, Invoke(L"InputChannels", Put, {list}));
+    EXPECT_EQ((std::vector<short>{2, 6}), SelectedChannels(Driver.Get()));
+    EXPECT_EQ(S_OK, Invoke(L"InputChannels", DISPATCH_PROPERTYGET, {}, &result));
+    EXPECT_EQ(VT_ARRAY | VT_I2, result.vt);
+    VariantClear(&result);
 }
 
 TEST_F(Scripts, GetDataFillsAVariable) {
@@ -137,29 +139,17 @@ TEST_F(Scripts, MistakesHaveAutomationsResults) {
 TEST_F(Scripts, ExamplesRecordTwoSeconds) {
     const std::wstring folder = ComponentPath().substr(0, ComponentPath().rfind(L'\\') + 1);
     for (const wchar_t* script : {L"record.vbs", L"record.js"}) {
-        const std::wstring outputPath = folder + L"script-output.txt";
         SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-        const HANDLE output = CreateFileW(outputPath.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
+        const std::filesystem::path path = folder + L"script-output.txt";
+        const HANDLE output = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
                                           FILE_ATTRIBUTE_NORMAL, nullptr);
-        ASSERT_NE(INVALID_HANDLE_VALUE, output);
-        STARTUPINFOW startup = {};
-        startup.cb = sizeof startup;
-        startup.dwFlags = STARTF_USESTDHANDLES;
-        startup.hStdOutput = startup.hStdError = output;
-        PROCESS_INFORMATION process = {};
-        std::wstring command = L"cscript //nologo \"" + folder + script + L"\"";
-        ASSERT_TRUE(
-            CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process));
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process.hProcess, 30000));
-        TerminateProcess(process.hProcess, 1);
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
+        EXPECT_EQ(0u, RunProcess(L"cscript //nologo \"" + folder + script + L"\"", 30000, output));
         CloseHandle(output);
-        std::ifstream file(std::string(outputPath.begin(), outputPath.end()));
+        std::ifstream file(path);
         const std::string text{std::istreambuf_iterator<char>(file), {}};
-        EXPECT_NE(std::string::npos, text.find("LTR27, 32 channels, up to 1000 Hz")) << text;
-        EXPECT_NE(std::string::npos, text.find(" at 100 Hz")) << text;
-        EXPECT_NE(std::string::npos, text.find(" mV; ")) << "no physical values: " << text;
+        for (const char* part : {"LTR27, 32 channels, up to 1000 Hz", " at 100 Hz", " mV; "}) {
+            EXPECT_NE(std::string::npos, text.find(part)) << text;
+        }
     }
 }
 
