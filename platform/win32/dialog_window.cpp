@@ -129,12 +129,9 @@ bool DialogWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_COMMAND:
             Command(LOWORD(wParam), HIWORD(wParam));
             return true;
-        case WM_NOTIFY: {
-            LRESULT result = 0;
-            if (!Notify(*reinterpret_cast<const NMHDR*>(lParam), result)) return false;
-            SetWindowLongPtrW(Window_, DWLP_MSGRESULT, result);
-            return true;
-        }
+        case WM_NOTIFY:
+            Notify(*reinterpret_cast<const NMHDR*>(lParam));
+            return false;
         case WM_HELP:
             Help();
             return true;

@@ -35,8 +35,8 @@ protected:
     virtual void Placed() {}
     // A button was pressed, or a control reports something by a notification code.
     virtual void Command(int id, int code) = 0;
-    // True: `result` answers it.
-    virtual bool Notify(const NMHDR&, LRESULT& /*result*/) { return false; }
+    // A control reports something by WM_NOTIFY.
+    virtual void Notify(const NMHDR&) {}
     // A brush for a static control's background; null: the dialog's own.
     virtual HBRUSH Background(int /*id*/) { return nullptr; }
     virtual void Help() {}

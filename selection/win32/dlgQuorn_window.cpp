@@ -48,11 +48,10 @@ private:
         if (id == cmdCancel || id == cmdOK) Close();
     }
 
-    bool Notify(const NMHDR& header, LRESULT&) override {
-        if (header.code != TVN_SELCHANGEDW) return false;
+    void Notify(const NMHDR& header) override {
+        if (header.code != TVN_SELCHANGEDW) return;
         Dialog_.ClickNode(Tree_.Key(reinterpret_cast<const NMTREEVIEWW&>(header)));
         ShowSelection();
-        return true;
     }
 
     void ShowSelection() {

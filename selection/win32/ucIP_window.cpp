@@ -122,6 +122,12 @@ void ucIPWindow::KeyDown(int box, WPARAM key) {
     if (next != box) Focus(next);
 }
 
+void ucIPWindow::DoubleClick(int box) {
+    Read(box);
+    Control_.DoubleClick(box);
+    Select(box);
+}
+
 bool ucIPWindow::BeforeBox(int box, UINT message, WPARAM wParam) {
     if (message == WM_KEYDOWN) KeyDown(box, wParam);
     if (message != WM_CHAR) return true;
@@ -134,13 +140,13 @@ LRESULT CALLBACK ucIPWindow::BoxProcedure(HWND window, UINT message, WPARAM wPar
     const int box = GetDlgCtrlID(window) - self.FirstId_ - BoxId;
     try {
         if (!self.BeforeBox(box, message, wParam)) return 0;
+        const LRESULT result = CallWindowProcW(self.EditProcedure_, window, message, wParam, lParam);
+        // After the box's own handling, which takes the focus and puts the caret.
+        if (message == WM_LBUTTONDBLCLK) self.DoubleClick(box);
+        return result;
     } catch (...) {
         return 0;  // no memory for a few digits: the key is lost, the box stands
     }
-    const LRESULT result = CallWindowProcW(self.EditProcedure_, window, message, wParam, lParam);
-    // After the box's own handling, which takes the focus and puts the caret.
-    if (message == WM_LBUTTONDBLCLK) SendMessageW(window, EM_SETSEL, 0, -1);
-    return result;
 }
 
 }  // namespace corvane

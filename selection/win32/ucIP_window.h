@@ -39,6 +39,7 @@ private:
     // False: the message is done with.
     bool BeforeBox(int box, UINT message, WPARAM wParam);
     void KeyDown(int box, WPARAM key);
+    void DoubleClick(int box);
     HWND Box(int index) const;
     void Read(int index);
     void Select(int index);

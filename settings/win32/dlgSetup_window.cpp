@@ -117,16 +117,14 @@ private:
         }
     }
 
-    bool Notify(const NMHDR& header, LRESULT&) override {
+    void Notify(const NMHDR& header) override {
         const auto& change = reinterpret_cast<const NMTREEVIEWW&>(header);
         if (header.code == TVN_ITEMEXPANDEDW && (change.action & TVE_COLLAPSE) != 0) {
             TreeView_Expand(header.hwndFrom, change.itemNew.hItem, TVE_EXPAND);
-            return true;
         }
-        if (header.code != TVN_SELCHANGEDW || !Filled_) return false;
+        if (header.code != TVN_SELCHANGEDW || !Filled_) return;
         Dialog_.ClickNode(Tree_.Key(change));
         SetText(txtInfo, Dialog_.txtInfo);
-        return true;
     }
 
     void Help() override {
