@@ -13,15 +13,28 @@ constexpr double Highest = 32767;
 // Two values to the nearest integers, at most 32767. The conversion itself makes the lowest integer of everything below
 // its range, but of everything above it, too: hence the limit. The operand order lets NaN through, to end as the
 // lowest.
-__m128i RoundTwo(const double* values) {
-    return _mm_cvtpd_epi32(_mm_min_pd(_mm_set1_pd(Highest), _mm_loadu_pd(values)));
+__m128i RoundTwo(__m128d values) {
+    return _mm_cvtpd_epi32(_mm_min_pd(_mm_set1_pd(Highest), values));
 }
 
 // The packing saturates at the lowest 16-bit value.
-__m128i EightSamples(const double* values) {
-    const __m128i low = _mm_unpacklo_epi64(RoundTwo(values), RoundTwo(values + 2));
-    const __m128i high = _mm_unpacklo_epi64(RoundTwo(values + 4), RoundTwo(values + 6));
+__m128i Centre(__m128i low, __m128i high) {
     return _mm_subs_epi16(_mm_packs_epi32(low, high), _mm_set1_epi16(MidScale));
+}
+
+// Eight neighbours of one kadr.
+__m128i EightSamples(const double* values) {
+    const auto four = [](const double* v) {
+        return _mm_unpacklo_epi64(RoundTwo(_mm_loadu_pd(v)), RoundTwo(_mm_loadu_pd(v + 2)));
+    };
+    return Centre(four(values), four(values + 4));
+}
+
+// One channel's samples of four kadrs, in the lower half.
+__m128i FourSamplesOfChannel(const double* value) {
+    const auto two = [](const double* v) { return RoundTwo(_mm_loadh_pd(_mm_load_sd(v), v + ModuleChannels)); };
+    const __m128i four = _mm_unpacklo_epi64(two(value), two(value + ptrdiff_t{2} * ModuleChannels));
+    return Centre(four, four);
 }
 
 void StoreDense(const StorePlan& plan, int32_t kadrs, int16_t* ring) {
@@ -47,7 +60,15 @@ void StoreSparse(const StorePlan& plan, int32_t kadrs, int16_t* ring) {
     for (const StorePlan::Source& source : plan.Sparse) {
         const double* value = source.First;
         int16_t* sample = ring + source.Position;
-        for (int32_t k = 0; k < kadrs; k++, value += ModuleChannels, sample += step) *sample = SampleOf(*value);
+        int32_t k = 0;
+        for (; k + 4 <= kadrs; k += 4, value += 4 * ModuleChannels, sample += 4 * step) {
+            const __m128i four = FourSamplesOfChannel(value);
+            sample[0] = static_cast<int16_t>(_mm_extract_epi16(four, 0));
+            sample[step] = static_cast<int16_t>(_mm_extract_epi16(four, 1));
+            sample[2 * step] = static_cast<int16_t>(_mm_extract_epi16(four, 2));
+            sample[3 * step] = static_cast<int16_t>(_mm_extract_epi16(four, 3));
+        }
+        for (; k < kadrs; k++, value += ModuleChannels, sample += step) *sample = SampleOf(*value);
     }
 }
 
