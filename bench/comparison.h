@@ -2,6 +2,8 @@
 // the same. Both run in one process and one run, so that the ratio means the same on any machine.
 #pragma once
 
+#include <cstddef>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
@@ -26,14 +28,27 @@ struct Comparison {
 
 std::vector<Comparison> KernelComparisons();
 std::vector<Comparison> RingComparisons();
+Comparison TwoCoreComparison();
+
+// The times of both sides, taken one right after the other: what else the machine does changes from moment to moment.
+struct Pair {
+    double Driver;
+    double Alternative;
+};
 
 void PrintHead();
-// Prints a row of the two sides' times; false when it misses its limit.
-bool PrintRow(const Comparison& row, double driver, double alternative);
+// Prints a row with the median of what each pair makes of it; false when that misses the limit.
+bool PrintRow(const Comparison& row, const std::vector<Pair>& pairs);
 
 // Keeps the compiler from dropping or merging work on what the pointer reaches.
 inline void Keep(const void* memory) {
     asm volatile("" : : "r"(memory) : "memory");
+}
+
+// memcpy of the library: of a size that the compiler knows it would make a string instruction, which is slower.
+inline void CopyBytes(void* destination, const void* source, size_t bytes) {
+    asm volatile("" : "+r"(bytes));
+    std::memcpy(destination, source, bytes);
 }
 
 // Keeps a result.

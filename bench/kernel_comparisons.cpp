@@ -1,34 +1,21 @@
 // The sample kernel: from calibrated codes to kadrs in the ring.
 #include <emmintrin.h>
 
-#include <cstring>
 #include <memory>
-#include <numeric>
+#include <utility>
 
 #include "bench/alternatives.h"
 #include "bench/comparison.h"
+#include "bench/modules.h"
 
 namespace corvane::bench {
 
 namespace {
 
-constexpr int32_t BlockKadrs = 64;
-constexpr int32_t RingKadrs = 32768;
-
-// Two modules with a block each, and a ring of full size that is written round and round.
-class Road {
+// Modules on their way into a ring of full size that is written round and round.
+class Road : public Modules {
 public:
-    explicit Road(std::vector<int16_t> table) : Table(std::move(table)), Ring_(Table.size() * RingKadrs) {
-        Engine.Modules.resize(MaxModules);
-        Engine.OpenedCount = MaxModules;
-        for (ModuleRecord& module : Engine.Modules) {
-            for (MezzanineInfo& mezzanine : module.Mezzanines) mezzanine.Name = "fitted";
-            for (size_t i = 0; i < size_t{BlockKadrs} * ModuleChannels; i++) {
-                module.Block.push_back(static_cast<double>(i * 7919 % 32768) + 0.3);
-            }
-        }
-        Plan = PlanStore(Engine, Table);
-    }
+    explicit Road(std::vector<int16_t> table) : Modules(std::move(table)), Ring_(Table.size() * RingKadrs) {}
 
     int16_t* NextPlace(int32_t kadrs) {
         if (Place_ + static_cast<size_t>(kadrs) * Table.size() > Ring_.size()) Place_ = 0;
@@ -50,10 +37,6 @@ public:
         _mm_mfence();
     }
 
-    std::vector<int16_t> Table;
-    EngineState Engine;
-    StorePlan Plan;
-
 private:
     static void FlushBytes(const void* memory, size_t bytes) {
         for (size_t i = 0; i < bytes; i += 64) _mm_clflush(static_cast<const char*>(memory) + i);
@@ -63,12 +46,6 @@ private:
     size_t Place_ = 0;
 };
 
-std::vector<int16_t> FirstChannels(int count) {
-    std::vector<int16_t> table(static_cast<size_t>(count));
-    std::iota(table.begin(), table.end(), int16_t{0});
-    return table;
-}
-
 void AddDense(std::vector<Comparison>& rows, int channels) {
     const auto road = std::make_shared<Road>(FirstChannels(channels));
     const auto output = std::make_shared<std::vector<int16_t>>(static_cast<size_t>(channels * BlockKadrs));
@@ -77,7 +54,7 @@ void AddDense(std::vector<Comparison>& rows, int channels) {
     const auto read = [road] { road->ReadModules(); };
     rows.push_back({name, "reading the doubles", Goal::CostAtMost, 3, store, read});
     rows.push_back({name, "memcpy of the samples", Goal::CostAtMost, 6, store, [road, output] {
-                        std::memcpy(road->NextPlace(BlockKadrs), output->data(), output->size() * sizeof(int16_t));
+                        CopyBytes(road->NextPlace(BlockKadrs), output->data(), output->size() * sizeof(int16_t));
                     }});
     rows.push_back({name, "four steps a channel", Goal::FasterAtLeast, 8, store,
                     [road] { StepByStep(road->Engine, road->Table, BlockKadrs, road->NextPlace(BlockKadrs)); }});

@@ -1,8 +1,7 @@
-// Runs every comparison under Google Benchmark, its two sides interleaved at random, and prints one table of the
-// medians. Exit code 1 when a limit is missed.
+// Runs every comparison under Google Benchmark, round after round, its two sides one right after the other, and prints
+// one table of the medians. Exit code 1 when a limit is missed.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <chrono>
 #include <map>
 
@@ -12,7 +11,15 @@ namespace corvane::bench {
 
 namespace {
 
-constexpr int Repetitions = 15;
+constexpr int Rounds = 31;
+
+std::string DriverName(size_t row) {
+    return std::to_string(row) + "d";
+}
+
+std::string AlternativeName(size_t row) {
+    return std::to_string(row) + "a";
+}
 
 // One side of a comparison as a benchmark. Cold runs are timed one by one; the others in batches.
 void Register(const std::string& name, const std::function<void()>& run, const std::function<void()>& beforeEach) {
@@ -29,7 +36,7 @@ void Register(const std::string& name, const std::function<void()>& run, const s
             state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
         }
     });
-    benchmark->Repetitions(Repetitions)->MinTime(0.02);
+    benchmark->MinTime(0.02);
     if (beforeEach) {
         benchmark->UseManualTime();
     } else {
@@ -37,7 +44,7 @@ void Register(const std::string& name, const std::function<void()>& run, const s
     }
 }
 
-// Keeps every repetition's time, in ns, by the benchmark's name.
+// Keeps every round's time, in ns, by the benchmark's name.
 class Times : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context&) override { return true; }
@@ -49,11 +56,12 @@ public:
         }
     }
 
-    double Median(const std::string& name) {
-        std::vector<double>& times = ByName_.at(name);
-        const auto middle = times.begin() + static_cast<ptrdiff_t>(times.size() / 2);
-        std::nth_element(times.begin(), middle, times.end());
-        return *middle;
+    std::vector<Pair> Pairs(size_t row) const {
+        const std::vector<double>& driver = ByName_.at(DriverName(row));
+        const std::vector<double>& alternative = ByName_.at(AlternativeName(row));
+        std::vector<Pair> pairs;
+        for (size_t i = 0; i < driver.size(); i++) pairs.push_back({driver[i], alternative[i]});
+        return pairs;
     }
 
 private:
@@ -64,16 +72,14 @@ int Run() {
     std::vector<Comparison> rows = KernelComparisons();
     for (Comparison& row : RingComparisons()) rows.push_back(std::move(row));
     for (size_t i = 0; i < rows.size(); i++) {
-        Register(std::to_string(i) + "d", rows[i].Driver, rows[i].BeforeEach);
-        Register(std::to_string(i) + "a", rows[i].Alternative, rows[i].BeforeEach);
+        Register(DriverName(i), rows[i].Driver, rows[i].BeforeEach);
+        Register(AlternativeName(i), rows[i].Alternative, rows[i].BeforeEach);
     }
     Times times;
-    benchmark::RunSpecifiedBenchmarks(&times);
+    for (int round = 0; round < Rounds; round++) benchmark::RunSpecifiedBenchmarks(&times);
     PrintHead();
     bool allMet = true;
-    for (size_t i = 0; i < rows.size(); i++) {
-        allMet &= PrintRow(rows[i], times.Median(std::to_string(i) + "d"), times.Median(std::to_string(i) + "a"));
-    }
+    for (size_t i = 0; i < rows.size(); i++) allMet &= PrintRow(rows[i], times.Pairs(i));
     return allMet ? 0 : 1;
 }
 
@@ -83,9 +89,8 @@ int Run() {
 
 int main() {
     char program[] = "native_bench";
-    char interleave[] = "--benchmark_enable_random_interleaving=true";
-    char* arguments[] = {program, interleave};
-    int count = 2;
+    char* arguments[] = {program};
+    int count = 1;
     benchmark::Initialize(&count, arguments);
     return corvane::bench::Run();
 }

@@ -2,9 +2,6 @@
 // the cross compiler. The two sides take turns. Exit code 1 when a limit is missed.
 #include <x86intrin.h>
 
-#include <algorithm>
-#include <utility>
-
 #include "bench/comparison.h"
 
 namespace corvane::bench {
@@ -25,22 +22,16 @@ uint64_t Cycles(const std::function<void()>& run, const std::function<void()>& b
     return cycles;
 }
 
-double Median(std::vector<uint64_t> times) {
-    const auto middle = times.begin() + static_cast<ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    return static_cast<double>(*middle);
-}
-
 bool Measure(const Comparison& row) {
     constexpr int runs = 200;  // some hundred microseconds
-    std::vector<uint64_t> driver, alternative;
-    Cycles(row.Driver, row.BeforeEach, runs);
-    Cycles(row.Alternative, row.BeforeEach, runs);
-    for (int i = 0; i < Repetitions; i++) {
-        driver.push_back(Cycles(row.Driver, row.BeforeEach, runs));
-        alternative.push_back(Cycles(row.Alternative, row.BeforeEach, runs));
-    }
-    return PrintRow(row, Median(std::move(driver)), Median(std::move(alternative)));
+    const auto time = [&](const std::function<void()>& run) {
+        return static_cast<double>(Cycles(run, row.BeforeEach, runs));
+    };
+    time(row.Driver);
+    time(row.Alternative);
+    std::vector<Pair> pairs(Repetitions);
+    for (Pair& pair : pairs) pair = {time(row.Driver), time(row.Alternative)};
+    return PrintRow(row, pairs);
 }
 
 }  // namespace
