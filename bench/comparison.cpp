@@ -25,7 +25,7 @@ bool PrintRow(const Comparison& row, const std::vector<Pair>& pairs) {
     const char* unit = row.Kind == Goal::NanosecondsAtMost ? "ns" : "x ";
     const char* limit = row.Kind == Goal::FasterAtLeast ? "at least" : "at most";
     const std::string against = row.Kind == Goal::FasterAtLeast ? "faster than " + row.Against : row.Against;
-    std::printf("| %-34s | %-36s | %7.2f %s | %s %g %s | %s |\n", row.Name.c_str(), against.c_str(), measured, unit,
+    std::printf("| %-35s | %-36s | %7.2f %s | %s %g %s | %s |\n", row.Name.c_str(), against.c_str(), measured, unit,
                 limit, row.Limit, unit, met ? "yes" : "NO");
     return met;
 }

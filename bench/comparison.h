@@ -45,15 +45,15 @@ inline void Keep(const void* memory) {
     asm volatile("" : : "r"(memory) : "memory");
 }
 
+// Keeps a result.
+inline void Keep(double value) {
+    asm volatile("" : : "x"(value));
+}
+
 // memcpy of the library: of a size that the compiler knows it would make a string instruction, which is slower.
 inline void CopyBytes(void* destination, const void* source, size_t bytes) {
     asm volatile("" : "+r"(bytes));
     std::memcpy(destination, source, bytes);
-}
-
-// Keeps a result.
-inline void Keep(double value) {
-    asm volatile("" : : "x"(value));
 }
 
 }  // namespace corvane::bench

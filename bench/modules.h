@@ -2,6 +2,7 @@
 // sizes.
 #pragma once
 
+#include <cstdint>
 #include <numeric>
 #include <utility>
 #include <vector>
@@ -11,6 +12,7 @@
 namespace corvane::bench {
 
 constexpr int32_t BlockKadrs = 64;
+constexpr size_t BlockSamples = size_t{ModuleChannels} * BlockKadrs;  // of one module
 constexpr int32_t RingKadrs = 32768;
 
 struct Modules {
@@ -19,7 +21,7 @@ struct Modules {
         Engine.OpenedCount = MaxModules;
         for (ModuleRecord& module : Engine.Modules) {
             for (MezzanineInfo& mezzanine : module.Mezzanines) mezzanine.Name = "fitted";
-            for (size_t i = 0; i < size_t{BlockKadrs} * ModuleChannels; i++) {
+            for (size_t i = 0; i < BlockSamples; i++) {
                 module.Block.push_back(static_cast<double>(i * 7919 % 32768) + 0.3);
             }
         }

@@ -11,15 +11,12 @@ namespace corvane::bench {
 
 namespace {
 
-constexpr int32_t Channels = 16;
-constexpr size_t BlockSamples = size_t{Channels} * BlockKadrs;
-
-using Queue = boost::lockfree::spsc_queue<int16_t, boost::lockfree::capacity<size_t{Channels} * RingKadrs>>;
+using Queue = boost::lockfree::spsc_queue<int16_t, boost::lockfree::capacity<size_t{ModuleChannels} * RingKadrs>>;
 
 // A ring, and a host's buffer as large.
 struct Host {
-    Host() : Buffer(size_t{Channels} * RingKadrs) {
-        Input.ChTable.resize(Channels);
+    Host() : Buffer(size_t{ModuleChannels} * RingKadrs) {
+        Input.ChTable.resize(ModuleChannels);
         PrepareInputBuffer(Input, BlockKadrs);
         // Memory that was never written is one page of zeros, always in the nearest cache.
         for (int32_t kadrs = 0; kadrs < Input.Ring.Length(); kadrs += BlockKadrs) {
@@ -30,7 +27,7 @@ struct Host {
     }
 
     void Take(int32_t kadrs) {
-        int32_t count = kadrs * Channels;
+        int32_t count = kadrs * ModuleChannels;
         int32_t remaining = 0;
         GetData(Input, Buffer.data(), count, remaining);
         Keep(Buffer.data());
@@ -51,9 +48,9 @@ void AddGetData(std::vector<Comparison>& rows, int32_t kadrs, double limit) {
                     },
                     [host, source, place, kadrs] {
                         CopyBytes(host->Buffer.data(), source->data() + *place,
-                                  size_t{Channels} * 2 * static_cast<size_t>(kadrs));
+                                  size_t{ModuleChannels} * 2 * static_cast<size_t>(kadrs));
                         Keep(host->Buffer.data());
-                        *place = (*place + size_t{Channels} * static_cast<size_t>(kadrs)) % source->size();
+                        *place = (*place + size_t{ModuleChannels} * static_cast<size_t>(kadrs)) % source->size();
                     }});
 }
 

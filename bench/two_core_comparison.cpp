@@ -18,13 +18,11 @@ namespace corvane::bench {
 
 namespace {
 
-constexpr int32_t Channels = 16;
-constexpr size_t BlockSamples = size_t{Channels} * BlockKadrs;
 constexpr int32_t PassedKadrs = 1 << 20;  // through each ring or queue
-constexpr size_t PassedSamples = size_t{PassedKadrs} * Channels;
+constexpr size_t PassedSamples = size_t{PassedKadrs} * ModuleChannels;
 constexpr int Places = 8;  // rings, and queues: where one lies in memory alone makes up to a tenth of a difference
 
-using Queue = boost::lockfree::spsc_queue<int16_t, boost::lockfree::capacity<size_t{Channels} * RingKadrs>>;
+using Queue = boost::lockfree::spsc_queue<int16_t, boost::lockfree::capacity<size_t{ModuleChannels} * RingKadrs>>;
 using Block = std::array<int16_t, BlockSamples>;
 
 // The cores that this thread may run on.
@@ -122,12 +120,12 @@ std::function<void()> PassThroughAll(std::shared_ptr<Passages<Passage>> passages
 }  // namespace
 
 Comparison TwoCoreComparison() {
-    const auto modules = std::make_shared<Modules>(FirstChannels(Channels));
+    const auto modules = std::make_shared<Modules>(FirstChannels(ModuleChannels));
     const auto rings = std::make_shared<Passages<DataRing>>();
     const auto queues = std::make_shared<Passages<Queue>>();
     for (int place = 0; place < Places; place++) {
         rings->push_back(std::make_unique<DataRing>());
-        rings->back()->Reset(Channels, RingKadrs);
+        rings->back()->Reset(ModuleChannels, RingKadrs);
         queues->push_back(std::make_unique<Queue>());
     }
     return {"StoreBlock to the host on two cores", "boost spsc_queue in bulk",     Goal::CostAtMost, 1,
