@@ -149,5 +149,24 @@ TEST_F(SetupDialog, FailureIsShownToTheUser) {
     EXPECT_EQ(platform::ShownMessages.size(), 3u);
 }
 
+using SetupOfADriver = DriverFixture;
+
+// As a host's timer would while the dialog is open.
+TEST_F(SetupOfADriver, CallsDuringTheDialogDoNothing) {
+    int shown = 0;
+    UserOfSetup = [&](dlgSetup&) {
+        if (++shown > 1) return;
+        EXPECT_FALSE(Driver->ShowSetting());
+        EXPECT_FALSE(Driver->Test());
+        EXPECT_FALSE(Driver->ShowSetting()) << "the calls before have not ended the first one";
+    };
+    Driver->ShowSetting();
+    EXPECT_EQ(shown, 1);
+    EXPECT_TRUE(Driver->Test());
+    Driver->ShowSetting();
+    EXPECT_EQ(shown, 2);
+    UserOfSetup = nullptr;
+}
+
 }  // namespace
 }  // namespace corvane
