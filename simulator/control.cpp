@@ -9,7 +9,7 @@ using ltrsim::World;
 namespace {
 
 // Runs `body(world)`; `failed` answers when memory has run out.
-template <typename Result, typename Body>
+template <class Result, class Body>
 Result Guarded(Result failed, Body body) noexcept {
     try {
         return body(World::Instance());

@@ -15,12 +15,12 @@ address = "127.0.0.1"
 serial = "3T123456"
 type = "LTR030"              # or LTR010, LTR021, LTR031, LTR032
 interface = "USB"            # or Ethernet
-# list_position = 0          # 0 to 15, where the server lists the crate; as a rule the next one
+# list_position = 0          # 0 to 15, where the server lists the crate; left out: as in this file
 # "by mode": a mark that the crate makes itself comes at once, one that waits for an edge comes start_mark_after
 # seconds later or, without that key, never. "at once" and "never" apply to all modes.
 start_marks = "by mode"
 # start_mark_after = 0.3
-# At speed 0: kadrs from the next one to be delivered to the one that shows a mark made at once.
+# At speed 0 a mark made at once shows so many kadrs after the next one that is delivered.
 start_mark_kadr = 3
 
 [[server.crate.module]]
@@ -154,9 +154,10 @@ top = 150
 signal = [{ kind = "ramp", amplitude = 40, frequency = 0.01, offset = 60 },
           { kind = "constant", offset = 21.5 }]
 
-# Faults. What they aim at: call (a function's name), server, crate (serial), slot; each left out is any. When: after
-# (matching calls that are still spared), at (seconds from the start), times (calls they act on; all when left out).
-# What they do, exactly one of: error = -n; delay = seconds; short = words that LTR27_Recv delivers at most;
+# Faults. What they aim at: call (a function's name), server, crate (serial), slot; each left out is any. LTR_ functions
+# don't know a slot, and the two Init functions not even where they will connect to: they can't be aimed by these. When:
+# after (so many matching calls pass first), at (seconds since the start), times (so many calls are affected; left out:
+# all). What they do, exactly one of: error = -n; delay = seconds; short = words that LTR27_Recv delivers at most;
 # stall = true, LTR27_Recv delivers nothing; unplug = true, all later calls for the server, crate or slot fail.
 # [[fault]]
 # call = "LTR27_Recv"

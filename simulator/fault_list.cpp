@@ -41,20 +41,20 @@ void FaultList::Replace(const std::vector<Fault>& faults) {
 }
 
 bool FaultList::Acts(Entry& entry, std::string_view call, const Target& target, double elapsed) {
-    const Fault& fault = entry.Plan;
+    const Fault& fault = entry.Definition;
     if (!Aims(fault, target)) return false;
     if (entry.Unplugs) return true;
     if ((!fault.Call.empty() && fault.Call != call) || elapsed < fault.At) return false;
     if (++entry.Matched <= fault.After || (fault.Times && entry.Acted >= *fault.Times)) return false;
-    ++entry.Acted;
+    entry.Acted++;
     entry.Unplugs = fault.Kind == FaultKind::Unplug;
     return true;
 }
 
 Verdict FaultList::Judge(std::string_view call, const Target& target, double elapsed) {
     std::optional<Verdict> verdict;
-    for (Entry& entry : Entries) {
-        if (Acts(entry, call, target, elapsed) && !verdict) verdict = VerdictOf(entry.Plan);
+    for (Entry& entry : Entries_) {
+        if (Acts(entry, call, target, elapsed) && !verdict) verdict = VerdictOf(entry.Definition);
     }
     return verdict.value_or(Verdict{});
 }

@@ -10,7 +10,7 @@
 
 namespace ltrsim {
 
-// What a call is about. Slot 0: the crate itself; an empty serial: the server.
+// Where a call goes. Slot 0: the crate itself; an empty serial: the server.
 struct Target {
     uint32_t Server = 0;
     std::string Crate;
@@ -29,8 +29,8 @@ struct Verdict {
 class FaultList {
 public:
     void Replace(const std::vector<Fault>& faults);
-    void Add(const Fault& fault) { Entries.push_back({fault, 0, 0, false}); }
-    void Clear() { Entries.clear(); }
+    void Add(const Fault& fault) { Entries_.push_back({fault, 0, 0, false}); }
+    void Clear() { Entries_.clear(); }
 
     // Judges and counts one call, `elapsed` seconds after the scenario was set. The first fault that acts decides;
     // every fault that matches counts the call.
@@ -38,15 +38,15 @@ public:
 
 private:
     struct Entry {
-        Fault Plan;
+        Fault Definition;
         int64_t Matched = 0;
         int64_t Acted = 0;
-        bool Unplugs = false;  // the target of this fault is gone
+        bool Unplugs = false;  // what this fault aims at is unplugged
     };
 
     static bool Acts(Entry& entry, std::string_view call, const Target& target, double elapsed);
 
-    std::vector<Entry> Entries;
+    std::vector<Entry> Entries_;
 };
 
 }  // namespace ltrsim

@@ -1,8 +1,10 @@
 // The module functions of the vendor's ltr27api library.
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "hardware/vendor_imports.h"
+#include "simulator/record_fields.h"
 #include "simulator/vendor_call.h"
 
 using namespace ltrsim;
@@ -11,8 +13,8 @@ using corvane::TLTR27;
 
 namespace {
 
-constexpr uint32_t LargestCount = 1 << 24;  // words of one call; more than hours of data is a mistake
-constexpr uint32_t DescribeModule = 1;      // flag of LTR27_GetDescription; mezzanine k has the flag 2 << k
+constexpr uint32_t LargestCount = 1 << 24;  // words of one call, 17 minutes at the top rate; more is a mistake
+constexpr uint32_t ModuleFlag = 1;          // of LTR27_GetDescription; mezzanine k has the flag 2 << k
 constexpr double TopRate = 1000;            // Hz, at divisor 0
 
 // The library's own bytes in a record. They are copied with it, so a copied record uses the same connection.
@@ -38,12 +40,6 @@ std::shared_ptr<ModuleConnection> ConnectionOf(World& world, const TLTR27& recor
     return state.Initialised == InitialisedMagic ? world.FindModule(state.ConnectionId) : nullptr;
 }
 
-template <size_t Size>
-void SetText(char (&field)[Size], const std::string& text) {
-    std::memset(field, 0, Size);
-    std::memcpy(field, text.data(), std::min(text.size(), Size - 1));
-}
-
 // Success, or the code of the violation.
 int32_t CheckRecord(World& world, const char* function, const TLTR27* record) {
     if (!record) return world.Violation(function, "the record is null", BadArgument);
@@ -51,7 +47,7 @@ int32_t CheckRecord(World& world, const char* function, const TLTR27* record) {
     return Success;
 }
 
-template <typename Body>
+template <class Body>
 int32_t ModuleCall(const char* function, TLTR27* record, Body body) noexcept {
     return VendorCall(function, [&](World& world) {
         const int32_t code = CheckRecord(world, function, record);
@@ -59,24 +55,11 @@ int32_t ModuleCall(const char* function, TLTR27* record, Body body) noexcept {
     });
 }
 
-void DescribeMezzanine(const std::optional<Mezzanine>& mezzanine, corvane::MezzanineDescription& description) {
-    description = {};
-    if (!mezzanine) return;
-    description.Active = 1;
-    SetText(description.Name, mezzanine->Name);
-    SetText(description.Serial, mezzanine->Serial);
-    description.Revision = mezzanine->Revision;
-    for (size_t channel = 0; channel < MezzanineChannels; ++channel) {
-        description.Calibration[2 * channel] = mezzanine->Factory[channel].Offset;
-        description.Calibration[2 * channel + 1] = mezzanine->Factory[channel].Scale;
-    }
-}
-
 // Words must be whole and in order from channel 0 on: their lower halves count up by one.
 bool WordsInOrder(const uint32_t* words, uint32_t count) {
     const uint32_t first = words[0] & 0xFFFF;
     uint32_t differences = first % ModuleChannels;
-    for (uint32_t at = 0; at < count; ++at) differences |= (words[at] ^ (first + at)) & 0xFFFF;
+    for (uint32_t at = 0; at < count; at++) differences |= (words[at] ^ (first + at)) & 0xFFFF;
     return differences == 0;
 }
 
@@ -89,7 +72,7 @@ struct Conversion {
 
 Conversion ConversionOf(const TLTR27& record, bool calibrate, bool toUnits) {
     Conversion conversion;
-    for (size_t c = 0; c < ModuleChannels; ++c) {
+    for (size_t c = 0; c < ModuleChannels; c++) {
         const corvane::MezzanineConfig& config = record.Config[c / MezzanineChannels];
         const size_t pair = c % MezzanineChannels * 2;
         conversion.Add[c] = calibrate ? config.Calibration[pair] : 0;
@@ -106,9 +89,9 @@ void Convert(const Conversion& conversion, const uint32_t* words, double* values
     };
     uint32_t at = 0;
     for (; at + ModuleChannels <= count; at += ModuleChannels) {
-        for (uint32_t c = 0; c < ModuleChannels; ++c) convert(at + c, c);
+        for (uint32_t c = 0; c < ModuleChannels; c++) convert(at + c, c);
     }
-    for (uint32_t c = 0; at + c < count; ++c) convert(at + c, c);
+    for (uint32_t c = 0; at + c < count; c++) convert(at + c, c);
 }
 
 }  // namespace
@@ -165,14 +148,7 @@ int32_t VENDOR_CALL LTR27_Close(TLTR27* record) {
 int32_t VENDOR_CALL LTR27_GetConfig(TLTR27* record) {
     return ModuleCall("LTR27_GetConfig", record, [&](ModuleConnection& module, const Verdict&) {
         record->FrequencyDivisor = module.FrequencyDivisor;
-        for (size_t position = 0; position < corvane::MezzaninePositions; ++position) {
-            corvane::MezzanineConfig& config = record->Config[position];
-            const std::optional<Mezzanine>& mezzanine = module.Board.Mezzanines[position];
-            SetText(config.Unit, mezzanine ? mezzanine->Unit : "");
-            config.Scale = mezzanine ? (mezzanine->Top - mezzanine->Bottom) / (LargestCode + 1) : 0;
-            config.Offset = mezzanine ? mezzanine->Bottom : 0;
-            std::memcpy(config.Calibration, module.Calibration[position], sizeof(config.Calibration));
-        }
+        std::copy(module.Config.begin(), module.Config.end(), record->Config);
         return Success;
     });
 }
@@ -181,28 +157,17 @@ int32_t VENDOR_CALL LTR27_SetConfig(TLTR27* record) {
     return ModuleCall("LTR27_SetConfig", record, [&](ModuleConnection& module, const Verdict&) {
         if (module.Stream.Running()) return ModuleRuns;
         module.FrequencyDivisor = record->FrequencyDivisor;
-        for (size_t position = 0; position < corvane::MezzaninePositions; ++position) {
-            std::memcpy(module.Calibration[position], record->Config[position].Calibration,
-                        sizeof(module.Calibration[position]));
-        }
+        std::copy(std::begin(record->Config), std::end(record->Config), module.Config.begin());
         return Success;
     });
 }
 
 int32_t VENDOR_CALL LTR27_GetDescription(TLTR27* record, uint32_t flags) {
     return ModuleCall("LTR27_GetDescription", record, [&](ModuleConnection& module, const Verdict&) {
-        const Module& plan = module.Board;
-        if (flags & DescribeModule) {
-            SetText(record->ModuleName, "LTR27");
-            SetText(record->SerialNumber, plan.Serial);
-            record->Revision = plan.Revision;
-            SetText(record->ProcessorName, plan.Processor);
-            record->ClockRate = plan.ClockRate;
-            record->FirmwareVersion = plan.Firmware;
-        }
-        for (size_t position = 0; position < corvane::MezzaninePositions; ++position) {
-            if (flags & DescribeModule << 1 << position) {
-                DescribeMezzanine(plan.Mezzanines[position], record->Description[position]);
+        if (flags & ModuleFlag) DescribeModule(module.Board, *record);
+        for (size_t position = 0; position < corvane::MezzaninePositions; position++) {
+            if (flags & ModuleFlag << 1 << position) {
+                record->Description[position] = Describe(module.Board.Mezzanines[position]);
             }
         }
         return Success;

@@ -10,7 +10,7 @@ using corvane::CrateConnection;
 
 namespace {
 
-// LTR_Init leaves the server's port in the record's first reserved field, which also tells a prepared record.
+// LTR_Init leaves the server's port in the record's first reserved field, by which a prepared record is known.
 constexpr uint16_t ServerPort = corvane::ModulePort;
 constexpr uint32_t LocalServer = 0x7F000001;
 
@@ -36,8 +36,8 @@ std::string SerialOf(const CrateConnection& record) {
     return std::string(record.CrateSerial, strnlen(record.CrateSerial, sizeof(record.CrateSerial)));
 }
 
-// Runs `body(link)` on an open connection; `buffer` is what the caller passes along.
-template <typename Body>
+// Runs `body(link)` on an open connection; `buffer` is the caller's second argument.
+template <class Body>
 int32_t LinkCall(const char* function, CrateConnection* record, const void* buffer, Body body) noexcept {
     return VendorCall(function, [&](World& world) {
         if (!record || !buffer) return world.Violation(function, "record or buffer is null", BadArgument);
@@ -47,7 +47,7 @@ int32_t LinkCall(const char* function, CrateConnection* record, const void* buff
 }
 
 // As LinkCall, for what only a crate can do.
-template <typename Body>
+template <class Body>
 int32_t CrateCall(const char* function, CrateConnection* record, const void* buffer, Body body) noexcept {
     return LinkCall(function, record, buffer, [&](CrateLink& link) { return link.Crate ? body(link) : NoCrate; });
 }
@@ -113,8 +113,8 @@ int32_t VENDOR_CALL LTR_GetCrates(CrateConnection* connection, uint8_t (*serials
 
 int32_t VENDOR_CALL LTR_GetCrateInfo(CrateConnection* connection, corvane::CrateInfoRecord* info) {
     return CrateCall("LTR_GetCrateInfo", connection, info, [&](CrateLink& link) {
-        info->Type = link.Crate->Plan.Type;
-        info->Interface = link.Crate->Plan.Interface;
+        info->Type = link.Crate->Definition.Type;
+        info->Interface = link.Crate->Definition.Interface;
         return Success;
     });
 }
@@ -122,7 +122,7 @@ int32_t VENDOR_CALL LTR_GetCrateInfo(CrateConnection* connection, corvane::Crate
 int32_t VENDOR_CALL LTR_GetCrateModules(CrateConnection* connection, uint16_t* ids) {
     return CrateCall("LTR_GetCrateModules", connection, ids, [&](CrateLink& link) {
         std::fill_n(ids, corvane::CrateSlots, uint16_t{0});
-        for (const Module& module : link.Crate->Plan.Modules) ids[module.Slot - 1] = module.Id;
+        for (const Module& module : link.Crate->Definition.Modules) ids[module.Slot - 1] = module.Id;
         return Success;
     });
 }

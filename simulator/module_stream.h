@@ -13,19 +13,19 @@ namespace ltrsim {
 
 using Clock = std::chrono::steady_clock;
 
-// Start to now of a crate, as a start or a request needs it.
+// How and when a stream starts.
 struct StreamStart {
     double Rate = 0;   // Hz
     double Speed = 0;  // as Scenario::Speed
     Clock::time_point Begin;
-    double CrateSeconds = 0;  // of the crate's seconds count, at Begin
-    uint32_t StartMarks = 0;  // START marks of the crate so far
+    double CrateSeconds = 0;  // the crate's count of seconds at Begin
+    uint32_t StartMarks = 0;  // START marks that the crate has counted by then
 };
 
 // Safe from any thread; a waiting Receive holds no lock.
 class ModuleStream {
 public:
-    explicit ModuleStream(const Module& module) : Source(module) {}
+    explicit ModuleStream(const Module& module) : Source_(module) {}
 
     void Start(const StreamStart& start);
     void Stop();
@@ -35,30 +35,33 @@ public:
 
     // The kadrs sampled after `moment` carry one START mark more. Ignored while stopped and at speed 0.
     void AddMarkAt(Clock::time_point moment);
-    // The same from the kadr on that comes `kadrs` after the next one to be delivered, or `seconds` of sampled time
-    // later.
+    // Takes back one AddMarkAt of the same moment.
+    void DropMarkAt(Clock::time_point moment);
+    // As AddMarkAt, from the kadr on that comes `kadrs` after the next one to be delivered, or `seconds` of sampled
+    // time later.
     void AddMarkAfter(int64_t kadrs, double seconds);
 
     // Waits up to `timeoutMs` (at most a minute) for `count` words; delivers what is there and returns its number.
     // `marks` may be null.
     uint32_t Receive(uint32_t* words, uint32_t* marks, uint32_t count, uint32_t timeoutMs);
-    // As a Receive to which nothing comes.
+    // A Receive that gets nothing.
     void WaitInVain(uint32_t timeoutMs);
 
 private:
     int64_t WordsThere(Clock::time_point now) const;
+    int64_t KadrAt(Clock::time_point moment) const;
     Clock::time_point MomentOf(int64_t words) const;
     uint32_t MarkOf(int64_t kadr) const;
     void Deliver(uint32_t* words, uint32_t* marks, uint32_t count);
 
-    const ModuleSource Source;
-    mutable std::mutex Mutex;  // guards all that follows
-    std::condition_variable Changed;
-    bool Runs = false;
-    bool Abandoned = false;
-    StreamStart Begun;
-    int64_t NextWord = 0;            // words delivered since the start
-    std::vector<int64_t> MarkKadrs;  // the kadr from which on one more START mark counts
+    const ModuleSource Source_;
+    mutable std::mutex Mutex_;  // guards all that follows
+    std::condition_variable Changed_;
+    bool Runs_ = false;
+    bool Abandoned_ = false;
+    StreamStart Begun_;
+    int64_t NextWord_ = 0;            // words delivered since the start
+    std::vector<int64_t> MarkKadrs_;  // the kadr from which on one more START mark counts
 };
 
 }  // namespace ltrsim

@@ -7,6 +7,7 @@
 
 #include "simulator/code_page.h"
 #include "simulator/error_codes.h"
+#include "simulator/scenario_error.h"
 #include "simulator/toml_table.h"
 
 namespace ltrsim {
@@ -15,13 +16,13 @@ namespace {
 
 constexpr double Largest = 1e9;  // of every physical value: keeps all arithmetic finite
 
-template <typename Value>
+template <class Value>
 struct Choice {
     std::string_view Name;
     Value Meaning;
 };
 
-template <typename Value>
+template <class Value>
 Value Choose(const TomlTable& table, std::string_view key, const std::string& name,
              std::initializer_list<Choice<Value>> choices) {
     std::string names;
@@ -67,14 +68,14 @@ void ReadSignals(const TomlTable& table, const std::string& source, Mezzanine& m
     size_t read = 0;
     table.ForEach("signal", [&](const toml::table& element) {
         if (read < mezzanine.Signals.size()) mezzanine.Signals[read] = ReadSignal(element, source);
-        ++read;
+        read++;
     });
     if (read != mezzanine.Signals.size())
         table.Refuse("signal", "must be one table, or an array of two for the two channels");
 }
 
-// Coefficients off the identity and different on every channel, so that a driver that doesn't apply them is seen. Scales
-// below 1 keep a calibrated code within half a code of its signal.
+// Coefficients that change the codes, differently on each channel, so that a driver that doesn't apply them is noticed.
+// Scales below 1 keep a calibrated code within half a code of its signal.
 Calibration FactoryDefault(const Signal& signal, uint32_t slot, size_t position, size_t channel) {
     if (signal.Kind == SignalKind::Sequence) return {};
     const double step = static_cast<double>(position * MezzanineChannels + channel);
@@ -86,7 +87,7 @@ void ReadCalibration(const TomlTable& table, uint32_t slot, size_t position, Mez
     const toml::array* array = node ? node->as_array() : nullptr;
     if (node && (!array || array->size() != 4))
         table.Refuse("calibration", "must be offset and scale of both channels");
-    for (size_t channel = 0; channel < MezzanineChannels; ++channel) {
+    for (size_t channel = 0; channel < MezzanineChannels; channel++) {
         Calibration& factory = mezzanine.Factory[channel];
         factory = FactoryDefault(mezzanine.Signals[channel], slot, position, channel);
         if (!array) continue;
@@ -110,7 +111,7 @@ void ReadMezzanine(const toml::table& toml, const std::string& source, Module& m
     mezzanine.Serial = table.FieldText("serial").value_or(std::to_string(module.Slot) + "-" + std::to_string(number));
     mezzanine.Revision = table.Letter("revision").value_or('A');
     mezzanine.Unit = ToCodePage1251(table.Required(table.Text("unit"), "unit"));
-    if (mezzanine.Unit.size() >= corvane::VendorTextSize) table.Refuse("unit", "must have at most 15 characters");
+    if (mezzanine.Unit.size() > corvane::VendorTextSize) table.Refuse("unit", "must have at most 16 characters");
     mezzanine.Bottom = table.Required(table.Number("bottom", -Largest, Largest), "bottom");
     mezzanine.Top = table.Required(table.Number("top", -Largest, Largest), "top");
     ReadSignals(table, source, mezzanine);
@@ -124,7 +125,7 @@ uint16_t ReadModuleId(const TomlTable& table) {
     if (node && node->is_integer()) return static_cast<uint16_t>(*table.Integer("id", 1, 0xFFFF));
     const std::string name = table.Required(table.Text("id"), "id");
     unsigned number = 0;
-    for (size_t at = 3; at < name.size() && name[at] >= '0' && name[at] <= '9' && number <= 255; ++at) {
+    for (size_t at = 3; at < name.size() && name[at] >= '0' && name[at] <= '9' && number <= 255; at++) {
         number = number * 10 + static_cast<unsigned>(name[at] - '0');
     }
     if (number < 1 || number > 255 || name != "LTR" + std::to_string(number)) {
@@ -218,6 +219,17 @@ void ReadFaultAction(const TomlTable& table, Fault& fault) {
     }
 }
 
+// A fault can only be aimed by what its call is told: the Init functions don't know yet where the record will lead to,
+// and no crate function knows a slot.
+void CheckAim(const TomlTable& table, const Fault& fault) {
+    const bool init = fault.Call == "LTR_Init" || fault.Call == "LTR27_Init";
+    for (const std::string_view key : {"server", "crate", "slot"}) {
+        const bool passed = !init && (key != "slot" || !fault.Call.starts_with("LTR_"));
+        if (table.Find(key) && !passed)
+            table.Refuse(key, "is not passed to " + fault.Call + ": the fault would never act");
+    }
+}
+
 Fault ReadFaultTable(const toml::table& toml, const std::string& source) {
     const TomlTable table(
         toml, source,
@@ -229,6 +241,7 @@ Fault ReadFaultTable(const toml::table& toml, const std::string& source) {
     fault.Server = table.Address("server");
     fault.Crate = table.FieldText("crate");
     if (const auto slot = table.Integer("slot", 1, corvane::CrateSlots)) fault.Slot = static_cast<uint32_t>(*slot);
+    CheckAim(table, fault);
     fault.After = table.Integer("after", 0, std::numeric_limits<int32_t>::max()).value_or(0);
     fault.At = table.Number("at", 0, Largest).value_or(0);
     fault.Times = table.Integer("times", 1, std::numeric_limits<int32_t>::max());

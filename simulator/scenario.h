@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,12 +15,8 @@
 namespace ltrsim {
 
 constexpr int MezzanineChannels = 2;
+constexpr int CodeSpan = 32768;  // codes from a mezzanine's bottom to its top
 constexpr uint16_t Ltr27Id = 0x1B1B;
-
-// Message: "source:line: key 'x': reason".
-struct ScenarioError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 enum class SignalKind { Constant, Sine, Ramp, Square, Noise, Sequence };
 
@@ -74,7 +69,7 @@ struct Crate {
     int ListPosition = 0;   // 0 to 15, where the server lists it
     StartMarks Marks = StartMarks::ByMode;
     std::optional<double> StartMarkAfter;  // s
-    int64_t StartMarkKadr = 3;  // at speed 0: kadrs from the next one to the one that shows a mark made at once
+    int64_t StartMarkKadr = 3;  // at speed 0 a mark made at once shows so many kadrs after the next delivered one
     std::vector<Module> Modules;
 };
 
@@ -90,9 +85,9 @@ struct Fault {
     std::optional<uint32_t> Server;
     std::optional<std::string> Crate;
     std::optional<uint32_t> Slot;
-    int64_t After = 0;             // matching calls that are still spared
-    double At = 0;                 // s since the scenario was set; earlier calls are spared and not counted
-    std::optional<int64_t> Times;  // calls it acts on; none: all
+    int64_t After = 0;             // matching calls that pass first
+    double At = 0;                 // s since the scenario was set; earlier calls pass and are not counted
+    std::optional<int64_t> Times;  // calls that it acts on; none: all
     FaultKind Kind = FaultKind::Error;
     int32_t Code = 0;    // of Error
     double Seconds = 0;  // of Delay

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "simulator/scenario.h"
+#include "simulator/scenario_error.h"
 
 #ifdef _WIN32
 #include <windows.h>

@@ -38,27 +38,27 @@ double Shape(SignalKind kind, double cycles) {
 }  // namespace
 
 ModuleSource::ModuleSource(const Module& module) {
-    for (size_t c = 0; c < Channels.size(); ++c) {
+    for (size_t c = 0; c < Channels_.size(); c++) {
         const std::optional<Mezzanine>& mezzanine = module.Mezzanines[c / MezzanineChannels];
         if (!mezzanine) continue;
-        Channel& channel = Channels[c];
+        Channel& channel = Channels_[c];
         channel.Fitted = true;
         channel.Odd = c % MezzanineChannels != 0;
         channel.Shape = mezzanine->Signals[c % MezzanineChannels];
         channel.Bottom = mezzanine->Bottom;
         const double span = mezzanine->Top - mezzanine->Bottom;
-        channel.CodesPerUnit = span != 0 ? (LargestCode + 1) / span : 0;
+        channel.CodesPerUnit = span != 0 ? CodeSpan / span : 0;
         channel.Factory = mezzanine->Factory[c % MezzanineChannels];
-        channel.Salt = (static_cast<uint64_t>(channel.Shape.Seed) << 32) + module.Slot * Channels.size() + c;
+        channel.Salt = (static_cast<uint64_t>(channel.Shape.Seed) << 32) + module.Slot * Channels_.size() + c;
         channel.Salt *= 0xD1342543DE82EF95u;
-        FittedMask[c] = SequenceMask;
-        SequenceOnly = SequenceOnly && channel.Shape.Kind == SignalKind::Sequence && channel.Factory.Offset == 0 &&
-                       channel.Factory.Scale == 1;
+        FittedMask_[c] = SequenceMask;
+        SequenceOnly_ = SequenceOnly_ && channel.Shape.Kind == SignalKind::Sequence && channel.Factory.Offset == 0 &&
+                        channel.Factory.Scale == 1;
     }
 }
 
 double ModuleSource::Code(size_t channel, int64_t kadr, double rate) const {
-    const Channel& source = Channels[channel];
+    const Channel& source = Channels_[channel];
     if (!source.Fitted) return std::numeric_limits<double>::quiet_NaN();
     const Signal& signal = source.Shape;
     if (signal.Kind == SignalKind::Sequence) {
@@ -73,23 +73,23 @@ double ModuleSource::Code(size_t channel, int64_t kadr, double rate) const {
 }
 
 void ModuleSource::FillSequence(int64_t kadr, int64_t kadrs, uint32_t* words) const {
-    for (const int64_t end = kadr + kadrs; kadr < end; ++kadr, words += corvane::ModuleChannels) {
+    for (const int64_t end = kadr + kadrs; kadr < end; kadr++, words += corvane::ModuleChannels) {
         const uint32_t even = static_cast<uint32_t>(kadr & SequenceMask);
         const uint32_t odd = static_cast<uint32_t>((kadr >> SequenceBits) & SequenceMask);
         const uint32_t number = static_cast<uint32_t>(kadr & 0xFFF) << 4;
         for (uint32_t c = 0; c < corvane::ModuleChannels; c += 2) {
-            words[c] = (even & FittedMask[c]) << RawCodeShift | number | c;
-            words[c + 1] = (odd & FittedMask[c + 1]) << RawCodeShift | number | (c + 1);
+            words[c] = (even & FittedMask_[c]) << RawCodeShift | number | c;
+            words[c + 1] = (odd & FittedMask_[c + 1]) << RawCodeShift | number | (c + 1);
         }
     }
 }
 
 void ModuleSource::FillKadrs(int64_t kadr, int64_t kadrs, double rate, uint32_t* words) const {
-    if (SequenceOnly) return FillSequence(kadr, kadrs, words);
-    for (const int64_t end = kadr + kadrs; kadr < end; ++kadr) {
+    if (SequenceOnly_) return FillSequence(kadr, kadrs, words);
+    for (const int64_t end = kadr + kadrs; kadr < end; kadr++) {
         const uint32_t number = static_cast<uint32_t>(kadr & 0xFFF) << 4;
-        for (uint32_t c = 0; c < corvane::ModuleChannels; ++c) {
-            const Channel& channel = Channels[c];
+        for (uint32_t c = 0; c < corvane::ModuleChannels; c++) {
+            const Channel& channel = Channels_[c];
             uint32_t raw = 0;
             if (channel.Fitted) {
                 const double code = Code(c, kadr, rate) / channel.Factory.Scale - channel.Factory.Offset;

@@ -9,7 +9,7 @@
 
 namespace ltrsim {
 
-constexpr int LargestCode = 32767;
+constexpr int LargestCode = CodeSpan - 1;
 
 // Word of a channel: raw code (16 bits), kadr number (12 bits), channel (4 bits). So the lower half of consecutive
 // words counts up by one.
@@ -40,9 +40,9 @@ private:
 
     void FillSequence(int64_t kadr, int64_t kadrs, uint32_t* words) const;
 
-    std::array<Channel, corvane::ModuleChannels> Channels;
-    std::array<uint32_t, corvane::ModuleChannels> FittedMask{};
-    bool SequenceOnly = true;  // fitted channels are uncalibrated sequences: the fast road
+    std::array<Channel, corvane::ModuleChannels> Channels_;
+    std::array<uint32_t, corvane::ModuleChannels> FittedMask_{};
+    bool SequenceOnly_ = true;  // fitted channels are uncalibrated sequences, which are made faster
 };
 
 }  // namespace ltrsim

@@ -4,13 +4,14 @@
 #include <cstdio>
 #include <sstream>
 
-#include "simulator/scenario.h"
+#include "hardware/vendor_records.h"
+#include "simulator/scenario_error.h"
 
 namespace ltrsim {
 
 namespace {
 
-template <typename Value>
+template <class Value>
 std::string Between(Value low, Value high) {
     std::ostringstream text;
     text << "must be a number from " << low << " to " << high;
@@ -20,7 +21,7 @@ std::string Between(Value low, Value high) {
 }  // namespace
 
 TomlTable::TomlTable(const toml::table& table, const std::string& source, std::initializer_list<std::string_view> keys)
-    : Table(table), Source(source) {
+    : Table_(table), Source_(source) {
     for (const auto& [key, node] : table) {
         if (std::find(keys.begin(), keys.end(), key.str()) == keys.end()) Refuse(key.str(), "is not known here");
     }
@@ -54,9 +55,9 @@ std::optional<std::string> TomlTable::Text(std::string_view key) const {
 std::optional<std::string> TomlTable::FieldText(std::string_view key) const {
     std::optional<std::string> value = Text(key);
     const auto printable = [](char character) { return character > ' ' && character <= '~'; };
-    if (value && (value->empty() || value->size() >= corvane::VendorTextSize ||
+    if (value && (value->empty() || value->size() > corvane::VendorTextSize ||
                   !std::all_of(value->begin(), value->end(), printable))) {
-        Refuse(key, "must have 1 to 15 ASCII characters without blanks");
+        Refuse(key, "must have 1 to 16 ASCII characters without blanks");
     }
     return value;
 }
@@ -108,8 +109,8 @@ void TomlTable::ForEach(std::string_view key, const std::function<void(const tom
 
 void TomlTable::Refuse(std::string_view key, const std::string& reason) const {
     const toml::node* node = Find(key);
-    const auto line = (node ? node->source() : Table.source()).begin.line;
-    throw ScenarioError(Source + ":" + std::to_string(line) + ": key '" + std::string(key) + "' " + reason);
+    const auto line = (node ? node->source() : Table_.source()).begin.line;
+    throw ScenarioError(Source_ + ":" + std::to_string(line) + ": key '" + std::string(key) + "' " + reason);
 }
 
 }  // namespace ltrsim

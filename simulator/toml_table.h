@@ -19,15 +19,15 @@ public:
     std::optional<double> Number(std::string_view key, double low, double high) const;
     std::optional<int64_t> Integer(std::string_view key, int64_t low, int64_t high) const;
     std::optional<std::string> Text(std::string_view key) const;
-    // Text that fits a fixed field of the records: 1 to 15 printable ASCII characters.
+    // Text that fits a fixed field of the records: 1 to 16 printable ASCII characters, no blanks.
     std::optional<std::string> FieldText(std::string_view key) const;
     std::optional<char> Letter(std::string_view key) const;
     std::optional<uint32_t> Address(std::string_view key) const;   // "127.0.0.1"
     std::optional<uint32_t> Firmware(std::string_view key) const;  // "1.0.2.3"
     bool True(std::string_view key) const;
-    const toml::node* Find(std::string_view key) const { return Table.get(key); }
+    const toml::node* Find(std::string_view key) const { return Table_.get(key); }
 
-    template <typename Value>
+    template <class Value>
     Value Required(std::optional<Value> value, std::string_view key) const {
         if (!value) Refuse(key, "is missing");
         return *std::move(value);
@@ -41,8 +41,8 @@ public:
 private:
     std::optional<uint32_t> Dotted(std::string_view key) const;
 
-    const toml::table& Table;
-    const std::string& Source;
+    const toml::table& Table_;
+    const std::string& Source_;
 };
 
 }  // namespace ltrsim

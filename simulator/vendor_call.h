@@ -9,24 +9,24 @@
 
 namespace ltrsim {
 
-// Holds a connection's InCall flag while the call lasts, if it was free.
+// Sets a connection's InCall flag for the time of one call, unless another call has set it.
 class CallGuard {
 public:
-    explicit CallGuard(Connection& connection) : Held(connection), Owned(!connection.InCall.exchange(true)) {}
+    explicit CallGuard(Connection& connection) : Held_(connection), Owned_(!connection.InCall.exchange(true)) {}
     ~CallGuard() {
-        if (Owned) Held.InCall.store(false);
+        if (Owned_) Held_.InCall.store(false);
     }
     CallGuard(const CallGuard&) = delete;
     CallGuard& operator=(const CallGuard&) = delete;
-    bool Alone() const { return Owned; }
+    bool Alone() const { return Owned_; }
 
 private:
-    Connection& Held;
-    const bool Owned;
+    Connection& Held_;
+    const bool Owned_;
 };
 
 // Runs `body(world)` of an exported function.
-template <typename Body>
+template <class Body>
 int32_t VendorCall(const char* function, Body body) noexcept {
     try {
         World& world = World::Instance();
@@ -37,7 +37,7 @@ int32_t VendorCall(const char* function, Body body) noexcept {
 }
 
 // Runs `body(connection, verdict)` unless another thread is inside the same connection or a fault refuses the call.
-template <typename Connected, typename Body>
+template <class Connected, class Body>
 int32_t ConnectedCall(World& world, const char* function, const std::shared_ptr<Connected>& connection, Body body) {
     if (!connection) return world.Violation(function, "the record is not open", NotOpen);
     const CallGuard guard(*connection);
@@ -46,8 +46,8 @@ int32_t ConnectedCall(World& world, const char* function, const std::shared_ptr<
     return verdict.Error != Success ? verdict.Error : body(*connection, verdict);
 }
 
-// Ends a connection whatever the faults make of the call. Closing what is not open is harmless.
-template <typename Connected, typename Close>
+// Closes a connection, even when a fault makes the call fail. Closing what is not open is harmless.
+template <class Connected, class Close>
 int32_t CloseCall(World& world, const char* function, const std::shared_ptr<Connected>& connection, Close close) {
     if (!connection) return NotOpen;
     const CallGuard guard(*connection);
@@ -57,7 +57,7 @@ int32_t CloseCall(World& world, const char* function, const std::shared_ptr<Conn
     return verdict.Error;
 }
 
-// Text of a result code; the reason itself for a broken scenario.
+// Text of a result code; for a broken scenario, what is wrong with it.
 inline const char* VendorErrorText(const char* function, int32_t code) noexcept {
     try {
         World& world = World::Instance();

@@ -8,6 +8,8 @@
 #include <thread>
 
 #include "simulator/error_codes.h"
+#include "simulator/record_fields.h"
+#include "simulator/scenario_error.h"
 
 namespace ltrsim {
 
@@ -17,6 +19,10 @@ constexpr int32_t InternalMark = 5;  // mark mode in which the crate makes the S
 
 }  // namespace
 
+ModuleConnection::ModuleConnection(const Module& module) : Board(module), Stream(module) {
+    std::transform(module.Mezzanines.begin(), module.Mezzanines.end(), Config.begin(), InitialConfig);
+}
+
 World& World::Instance() {
     // Never destroyed: at the end of the process another thread may still be inside a call.
     static World& world = *new World;
@@ -24,68 +30,68 @@ World& World::Instance() {
 }
 
 void World::LoadOnce() {
-    if (Loaded) return;
-    Loaded = true;
+    if (Loaded_) return;
+    Loaded_ = true;
     std::string path;
     try {
         const std::optional<std::string> text = LoadScenarioFile(path);
         Set(text ? ReadScenario(*text, path) : ReadScenario(DefaultScenario, "built-in scenario"));
     } catch (const std::exception& error) {
         Set(Scenario());
-        Broken = LastFailure = error.what();
+        Broken_ = LastFailure_ = error.what();
         std::fprintf(stderr, "ltrsim: %s\n", error.what());
     }
 }
 
 void World::Set(Scenario scenario) {
-    for (const auto& [id, module] : Modules) module->Stream.Abandon();
-    Modules.clear();
-    Links.clear();
-    CallCounts.clear();
-    ViolationCount = 0;
-    FirstViolation.clear();
-    LastFailure.clear();
-    Broken.clear();
-    MarkMode = -1;
-    ConfigWords.clear();
-    Current = std::make_shared<const Scenario>(std::move(scenario));
-    Crates.clear();
-    for (const Server& server : Current->Servers) {
-        for (const Crate& crate : server.Crates) Crates.push_back(std::make_shared<CrateState>(CrateState{crate}));
+    for (const auto& [id, module] : Modules_) module->Stream.Abandon();
+    Modules_.clear();
+    Links_.clear();
+    CallCounts_.clear();
+    ViolationCount_ = 0;
+    FirstViolation_.clear();
+    LastFailure_.clear();
+    Broken_.clear();
+    MarkMode_ = -1;
+    ConfigWords_.clear();
+    Current_ = std::make_shared<const Scenario>(std::move(scenario));
+    Crates_.clear();
+    for (const Server& server : Current_->Servers) {
+        for (const Crate& crate : server.Crates) Crates_.push_back(std::make_shared<CrateState>(CrateState{crate}));
     }
-    Faults.Replace(Current->Faults);
-    Begin = Clock::now();
+    Faults_.Replace(Current_->Faults);
+    Begin_ = Clock::now();
 }
 
 bool World::Enter(std::string_view function) {
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Mutex_);
     LoadOnce();
-    auto count = CallCounts.find(function);
-    if (count == CallCounts.end()) count = CallCounts.emplace(function, 0).first;
-    ++count->second;
-    return Broken.empty();
+    auto count = CallCounts_.find(function);
+    if (count == CallCounts_.end()) count = CallCounts_.emplace(function, 0).first;
+    count->second++;
+    return Broken_.empty();
 }
 
 int32_t World::Violation(std::string_view function, std::string_view reason, int32_t code) {
     const std::string text = std::string(function) + ": " + std::string(reason);
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Mutex_);
     std::fprintf(stderr, "ltrsim: violation: %s\n", text.c_str());
-    if (ViolationCount++ == 0) FirstViolation = text;
+    if (ViolationCount_++ == 0) FirstViolation_ = text;
     return code;
 }
 
 Verdict World::Judge(std::string_view function, const Target& target) {
     Verdict verdict;
     {
-        const std::scoped_lock lock(Mutex);
-        verdict = Faults.Judge(function, target, Elapsed(Clock::now()));
+        const std::scoped_lock lock(Mutex_);
+        verdict = Faults_.Judge(function, target, Elapsed(Clock::now()));
     }
     if (verdict.Delay > 0) std::this_thread::sleep_for(std::chrono::duration<double>(verdict.Delay));
     return verdict;
 }
 
 const Server* World::FindServer(uint32_t address) const {
-    for (const Server& server : Current->Servers) {
+    for (const Server& server : Current_->Servers) {
         if (server.Address == address) return &server;
     }
     return nullptr;
@@ -94,36 +100,35 @@ const Server* World::FindServer(uint32_t address) const {
 std::shared_ptr<CrateState> World::FindCrate(const Server& server, const std::string& serial) const {
     for (const Crate& crate : server.Crates) {
         if (crate.Serial != serial) continue;
-        for (const auto& state : Crates) {
-            if (&state->Plan == &crate) return state;
+        for (const auto& state : Crates_) {
+            if (&state->Definition == &crate) return state;
         }
     }
     return nullptr;
 }
 
 int32_t World::OpenModule(uint32_t address, const std::string& crateSerial, uint32_t slot, uint32_t& id) {
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Mutex_);
     const Server* server = FindServer(address);
     if (!server) return NoServer;
     const std::shared_ptr<CrateState> crate = FindCrate(*server, crateSerial);
     if (!crate) return NoCrate;
-    for (const Module& module : crate->Plan.Modules) {
+    for (const Module& module : crate->Definition.Modules) {
         if (module.Slot != slot) continue;
         if (module.Id != Ltr27Id) return OtherModule;
         const auto connection = std::make_shared<ModuleConnection>(module);
-        connection->Plan = Current;
+        connection->Installation = Current_;
         connection->Crate = crate;
         connection->Where = {address, crateSerial, slot};
-        for (double* coefficients : connection->Calibration) coefficients[1] = coefficients[3] = 1;
-        id = ++LastId;
-        Modules[id] = connection;
+        id = ++LastId_;
+        Modules_[id] = connection;
         return Success;
     }
     return NoModule;
 }
 
 int32_t World::OpenLink(uint32_t address, const std::string& crateSerial, uint32_t& id, uint32_t& timeMark) {
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Mutex_);
     const Server* server = FindServer(address);
     if (!server) return NoServer;
     const auto link = std::make_shared<CrateLink>();
@@ -133,34 +138,34 @@ int32_t World::OpenLink(uint32_t address, const std::string& crateSerial, uint32
         if (!link->Crate) return NoCrate;
         timeMark = StartMarkCount(*link->Crate, now) << 16 | (static_cast<uint32_t>(Elapsed(now)) & 0xFFFF);
     }
-    link->Plan = Current;
+    link->Installation = Current_;
     link->Lists = server;
     link->Where = {address, crateSerial, 0};
-    id = ++LastId;
-    Links[id] = link;
+    id = ++LastId_;
+    Links_[id] = link;
     return Success;
 }
 
 std::shared_ptr<ModuleConnection> World::FindModule(uint32_t id) {
-    const std::scoped_lock lock(Mutex);
-    const auto found = Modules.find(id);
-    return found == Modules.end() ? nullptr : found->second;
+    const std::scoped_lock lock(Mutex_);
+    const auto found = Modules_.find(id);
+    return found == Modules_.end() ? nullptr : found->second;
 }
 
 std::shared_ptr<CrateLink> World::FindLink(uint32_t id) {
-    const std::scoped_lock lock(Mutex);
-    const auto found = Links.find(id);
-    return found == Links.end() ? nullptr : found->second;
+    const std::scoped_lock lock(Mutex_);
+    const auto found = Links_.find(id);
+    return found == Links_.end() ? nullptr : found->second;
 }
 
 void World::CloseModule(uint32_t id) {
-    const std::scoped_lock lock(Mutex);
-    Modules.erase(id);
+    const std::scoped_lock lock(Mutex_);
+    Modules_.erase(id);
 }
 
 void World::CloseLink(uint32_t id) {
-    const std::scoped_lock lock(Mutex);
-    Links.erase(id);
+    const std::scoped_lock lock(Mutex_);
+    Links_.erase(id);
 }
 
 uint32_t World::StartMarkCount(const CrateState& crate, Clock::time_point now) {
@@ -169,50 +174,61 @@ uint32_t World::StartMarkCount(const CrateState& crate, Clock::time_point now) {
 }
 
 void World::StartModule(ModuleConnection& module, double rate) {
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Mutex_);
     const Clock::time_point now = Clock::now();
-    module.Stream.Start({rate, module.Plan->Speed, now, module.Plan->Speed == 0 ? 0 : Elapsed(now),
+    module.Stream.Start({rate, module.Installation->Speed, now, module.Installation->Speed == 0 ? 0 : Elapsed(now),
                          StartMarkCount(*module.Crate, now)});
     for (const Clock::time_point moment : module.Crate->StartMarks) {
         if (moment > now) module.Stream.AddMarkAt(moment);
     }
 }
 
+void World::DropPendingMark(CrateState& crate, Clock::time_point now) {
+    if (crate.StartMarks.empty() || crate.StartMarks.back() <= now) return;
+    for (const auto& [id, module] : Modules_) {
+        if (module->Crate.get() == &crate) module->Stream.DropMarkAt(crate.StartMarks.back());
+    }
+    crate.StartMarks.pop_back();
+}
+
+// A crate has one source of START marks: a request takes the place of an earlier one whose mark has not come yet.
 void World::RequestStartMark(const CrateLink& link, int32_t mode) {
-    const std::scoped_lock lock(Mutex);
-    MarkMode = mode;
-    const Crate& plan = link.Crate->Plan;
-    const bool atOnce = plan.Marks == StartMarks::AtOnce || mode == InternalMark;
-    if (plan.Marks == StartMarks::Never || (!atOnce && !plan.StartMarkAfter)) return;
-    const double seconds = atOnce ? 0 : *plan.StartMarkAfter;
+    const std::scoped_lock lock(Mutex_);
+    MarkMode_ = mode;
+    const Clock::time_point now = Clock::now();
+    DropPendingMark(*link.Crate, now);
+    const Crate& crate = link.Crate->Definition;
+    const bool atOnce = crate.Marks == StartMarks::AtOnce || mode == InternalMark;
+    if (crate.Marks == StartMarks::Never || (!atOnce && !crate.StartMarkAfter)) return;
+    const double seconds = atOnce ? 0 : *crate.StartMarkAfter;
     // Without real time the crate counts the mark at once, and each stream shows it at its own kadr.
-    const bool timeless = link.Plan->Speed == 0;
+    const bool timeless = link.Installation->Speed == 0;
     const auto ahead = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
-    const Clock::time_point moment = timeless ? Clock::now() : Clock::now() + ahead;
+    const Clock::time_point moment = timeless ? now : now + ahead;
     link.Crate->StartMarks.push_back(moment);
-    for (const auto& [id, module] : Modules) {
+    for (const auto& [id, module] : Modules_) {
         if (module->Crate != link.Crate) continue;
-        timeless ? module->Stream.AddMarkAfter(plan.StartMarkKadr, seconds) : module->Stream.AddMarkAt(moment);
+        timeless ? module->Stream.AddMarkAfter(crate.StartMarkKadr, seconds) : module->Stream.AddMarkAt(moment);
     }
 }
 
 void World::RememberConfig(const corvane::CrateConfig& config) {
-    const std::scoped_lock lock(Mutex);
-    ConfigWords.resize(sizeof(config) / sizeof(uint16_t));
-    std::memcpy(ConfigWords.data(), &config, sizeof(config));
+    const std::scoped_lock lock(Mutex_);
+    ConfigWords_.resize(sizeof(config) / sizeof(uint16_t));
+    std::memcpy(ConfigWords_.data(), &config, sizeof(config));
 }
 
 bool World::Refuse(const char* reason) {
-    LastFailure = reason;
+    LastFailure_ = reason;
     return false;
 }
 
 bool World::Configure(const char* tomlText) {
     const bool own = tomlText && *tomlText;
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Mutex_);
     try {
         Set(own ? ReadScenario(tomlText, "scenario") : ReadScenario(DefaultScenario, "built-in scenario"));
-        Loaded = true;
+        Loaded_ = true;
         return true;
     } catch (const ScenarioError& error) {
         return Refuse(error.what());
@@ -220,11 +236,11 @@ bool World::Configure(const char* tomlText) {
 }
 
 bool World::AddFault(const char* tomlText) {
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Mutex_);
     LoadOnce();
     try {
-        Faults.Add(ReadFault(tomlText ? tomlText : "", "fault"));
-        LastFailure = Broken;
+        Faults_.Add(ReadFault(tomlText ? tomlText : "", "fault"));
+        LastFailure_ = Broken_;
         return true;
     } catch (const ScenarioError& error) {
         return Refuse(error.what());
@@ -232,59 +248,60 @@ bool World::AddFault(const char* tomlText) {
 }
 
 void World::ClearFaults() {
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Mutex_);
     LoadOnce();
-    Faults.Clear();
+    Faults_.Clear();
 }
 
 const char* World::Message() {
-    const std::scoped_lock lock(Mutex);
-    return Keep(LastFailure.empty() ? FirstViolation : LastFailure);
+    const std::scoped_lock lock(Mutex_);
+    return Lasting(LastFailure_.empty() ? FirstViolation_ : LastFailure_);
 }
 
 const char* World::BrokenReason() {
-    const std::scoped_lock lock(Mutex);
-    return Broken.empty() ? nullptr : Keep(Broken);
+    const std::scoped_lock lock(Mutex_);
+    return Broken_.empty() ? nullptr : Lasting(Broken_);
 }
 
 int32_t World::Violations() {
-    const std::scoped_lock lock(Mutex);
-    return ViolationCount;
+    const std::scoped_lock lock(Mutex_);
+    return ViolationCount_;
 }
 
 int32_t World::Calls(std::string_view function) {
-    const std::scoped_lock lock(Mutex);
-    const auto count = CallCounts.find(function);
-    return count == CallCounts.end() ? 0 : count->second;
+    const std::scoped_lock lock(Mutex_);
+    const auto count = CallCounts_.find(function);
+    return count == CallCounts_.end() ? 0 : count->second;
 }
 
 int32_t World::OpenConnections() {
-    const std::scoped_lock lock(Mutex);
-    return static_cast<int32_t>(Modules.size() + Links.size());
+    const std::scoped_lock lock(Mutex_);
+    return static_cast<int32_t>(Modules_.size() + Links_.size());
 }
 
 int32_t World::RunningModules() {
-    const std::scoped_lock lock(Mutex);
-    return static_cast<int32_t>(std::count_if(Modules.begin(), Modules.end(),
+    const std::scoped_lock lock(Mutex_);
+    return static_cast<int32_t>(std::count_if(Modules_.begin(), Modules_.end(),
                                               [](const auto& entry) { return entry.second->Stream.Running(); }));
 }
 
 int32_t World::LastMarkMode() {
-    const std::scoped_lock lock(Mutex);
-    return MarkMode;
+    const std::scoped_lock lock(Mutex_);
+    return MarkMode_;
 }
 
 int32_t World::LastConfigWord(int32_t index) {
-    const std::scoped_lock lock(Mutex);
-    return index >= 0 && static_cast<size_t>(index) < ConfigWords.size() ? ConfigWords[static_cast<size_t>(index)] : -1;
+    const std::scoped_lock lock(Mutex_);
+    return index >= 0 && static_cast<size_t>(index) < ConfigWords_.size() ? ConfigWords_[static_cast<size_t>(index)]
+                                                                          : -1;
 }
 
 double World::ExpectedCode(int32_t slot, int32_t channel, int64_t kadr, double rate) {
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Mutex_);
     LoadOnce();
     const bool sane = channel >= 0 && channel < corvane::ModuleChannels && kadr >= 0 && rate > 0;
-    if (sane && !Crates.empty()) {
-        for (const Module& module : Crates.front()->Plan.Modules) {
+    if (sane && !Crates_.empty()) {
+        for (const Module& module : Crates_.front()->Definition.Modules) {
             if (static_cast<int32_t>(module.Slot) != slot) continue;
             return ModuleSource(module).Code(static_cast<size_t>(channel), kadr, rate);
         }

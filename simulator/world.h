@@ -1,8 +1,9 @@
-// The one simulated installation of a process: its scenario, who is connected, what was called. One lock guards the
-// structure; connections are shared, so that one outlives its call even when the scenario is replaced meanwhile. Lock
-// order: the world's, then a stream's.
+// The one simulated installation of a process: its scenario, who is connected, what was called. One lock guards all
+// of that. A call shares the ownership of its connection, which so lives until the call returns, even when the scenario
+// is replaced meanwhile. Lock order: the world's, then a stream's.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <map>
 #include <memory>
@@ -20,23 +21,24 @@ namespace ltrsim {
 
 // A crate and the START marks that it makes; guarded by the world's lock.
 struct CrateState {
-    const Crate& Plan;
-    std::vector<Clock::time_point> StartMarks = {};  // a moment may lie ahead
+    const Crate& Definition;
+    std::vector<Clock::time_point> StartMarks = {};  // when each comes; only the last may still lie ahead
 };
 
 struct Connection {
-    std::shared_ptr<const Scenario> Plan;  // keeps what the others refer to
-    std::shared_ptr<CrateState> Crate;     // null: the server itself
+    std::shared_ptr<const Scenario> Installation;  // keeps alive what the others refer to
+    std::shared_ptr<CrateState> Crate;             // null: the server itself
     Target Where;
     std::atomic<bool> InCall = false;
 };
 
 struct ModuleConnection : Connection {
-    explicit ModuleConnection(const Module& module) : Board(module), Stream(module) {}
+    explicit ModuleConnection(const Module& module);
 
     const Module& Board;
+    // What LTR27_SetConfig gave last.
     uint8_t FrequencyDivisor = 0;
-    double Calibration[corvane::MezzaninePositions][2 * MezzanineChannels] = {};
+    std::array<corvane::MezzanineConfig, corvane::MezzaninePositions> Config;
     ModuleStream Stream;
 };
 
@@ -52,7 +54,7 @@ public:
     bool Enter(std::string_view function);
     // Takes note of a call that no correct driver makes; returns `code`.
     int32_t Violation(std::string_view function, std::string_view reason, int32_t code);
-    // What the faults make of the call; a delay has passed when this returns.
+    // What the faults do to the call; a delay is over when this returns.
     Verdict Judge(std::string_view function, const Target& target);
 
     // These return Success with `id` set, or an error code.
@@ -67,7 +69,7 @@ public:
     void RequestStartMark(const CrateLink& link, int32_t mode);
     void RememberConfig(const corvane::CrateConfig& config);
 
-    // Control, as control.h describes it. The failing two return false and keep the reason for Message.
+    // These do what control.h says. Configure and AddFault return false when they fail; Message then gives the reason.
     bool Configure(const char* tomlText);
     bool AddFault(const char* tomlText);
     void ClearFaults();
@@ -86,29 +88,30 @@ private:
     void LoadOnce();
     void Set(Scenario scenario);
     bool Refuse(const char* reason);
-    const char* Keep(const std::string& text) { return Kept.insert(text).first->c_str(); }
-    double Elapsed(Clock::time_point now) const { return std::chrono::duration<double>(now - Begin).count(); }
+    const char* Lasting(const std::string& text) { return LastingTexts_.insert(text).first->c_str(); }
+    double Elapsed(Clock::time_point now) const { return std::chrono::duration<double>(now - Begin_).count(); }
     const Server* FindServer(uint32_t address) const;
     std::shared_ptr<CrateState> FindCrate(const Server& server, const std::string& serial) const;
+    void DropPendingMark(CrateState& crate, Clock::time_point now);
     static uint32_t StartMarkCount(const CrateState& crate, Clock::time_point now);
 
-    std::mutex Mutex;
-    bool Loaded = false;
-    std::string Broken;  // reason why the scenario file doesn't count; empty when it does
-    std::shared_ptr<const Scenario> Current;
-    std::vector<std::shared_ptr<CrateState>> Crates;
-    Clock::time_point Begin;  // when the scenario was set
-    FaultList Faults;
-    uint32_t LastId = 0;  // ids are never used again, so that a stale record is seen
-    std::map<uint32_t, std::shared_ptr<ModuleConnection>> Modules;
-    std::map<uint32_t, std::shared_ptr<CrateLink>> Links;
-    std::map<std::string, int32_t, std::less<>> CallCounts;
-    int32_t ViolationCount = 0;
-    std::string FirstViolation;
-    std::string LastFailure;
-    std::set<std::string> Kept;  // texts handed out; they stay valid
-    int32_t MarkMode = -1;
-    std::vector<uint16_t> ConfigWords;
+    std::mutex Mutex_;
+    bool Loaded_ = false;
+    std::string Broken_;  // why the scenario file can't be used; empty when it can
+    std::shared_ptr<const Scenario> Current_;
+    std::vector<std::shared_ptr<CrateState>> Crates_;
+    Clock::time_point Begin_;  // when the scenario was set
+    FaultList Faults_;
+    uint32_t LastId_ = 0;  // ids are never used again, so that the use of a closed record is noticed
+    std::map<uint32_t, std::shared_ptr<ModuleConnection>> Modules_;
+    std::map<uint32_t, std::shared_ptr<CrateLink>> Links_;
+    std::map<std::string, int32_t, std::less<>> CallCounts_;
+    int32_t ViolationCount_ = 0;
+    std::string FirstViolation_;
+    std::string LastFailure_;
+    std::set<std::string> LastingTexts_;  // all that were handed out: the caller never frees them
+    int32_t MarkMode_ = -1;
+    std::vector<uint16_t> ConfigWords_;
 };
 
 }  // namespace ltrsim

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 
 #include "hardware/vendor_imports.h"
 #include "simulator/error_codes.h"
@@ -32,7 +35,8 @@ struct Board {
 
     int32_t Receive(uint32_t count, uint32_t timeout = 0) {
         Words.resize(count);
-        return LTR27_Recv(&Record, Words.data(), nullptr, count, timeout);
+        Marks.resize(count);
+        return LTR27_Recv(&Record, Words.data(), Marks.data(), count, timeout);
     }
     int32_t Process() {
         uint32_t size = static_cast<uint32_t>(Words.size());
@@ -42,7 +46,21 @@ struct Board {
 
     TLTR27 Record{};
     std::vector<uint32_t> Words;
+    std::vector<uint32_t> Marks;
     std::vector<double> Values;
+};
+
+// An open connection to CRATE1.
+struct Link {
+    Link() {
+        LTR_Init(&Record);
+        std::memcpy(Record.CrateSerial, "CRATE1", 6);
+        EXPECT_EQ(LTR_Open(&Record), 0);
+    }
+    ~Link() { LTR_Close(&Record); }
+    Link(const Link&) = delete;
+
+    CrateConnection Record{};
 };
 
 TEST(Simulator, OnlyFactoryCalibrationGivesTheSignal) {
@@ -52,21 +70,65 @@ TEST(Simulator, OnlyFactoryCalibrationGivesTheSignal) {
     ASSERT_EQ(board.Receive(1600), 1600);
     ASSERT_EQ(board.Process(), 0);
     const std::vector<double> uncalibrated = board.Values;
-    for (int k = 0; k < MezzaninePositions; ++k) {
+    for (int k = 0; k < MezzaninePositions; k++) {
         std::copy_n(board.Record.Description[k].Calibration, 4, board.Record.Config[k].Calibration);
     }
     ASSERT_EQ(board.Process(), 0);
     int fitted = 0;
-    for (size_t w = 0; w < 1600; ++w) {
+    for (size_t w = 0; w < 1600; w++) {
         const double code = LtrSim_ExpectedCode(3, static_cast<int32_t>(w % 16), static_cast<int64_t>(w / 16), 1000);
         const MezzanineDescription& description = board.Record.Description[w % 16 / 2];
         ASSERT_EQ(std::isnan(code), description.Active == 0);
         if (std::isnan(code)) continue;
-        ++fitted;
+        fitted++;
         ASSERT_NEAR(board.Values[w], code, 0.5 * description.Calibration[w % 2 * 2 + 1] + 1e-9) << w;
         ASSERT_GT(std::abs(uncalibrated[w] - code), 5) << w;
     }
     EXPECT_GT(fitted, 500);
+}
+
+TEST(Simulator, AModuleKeepsItsConfigurationAndTextsFillTheirFields) {
+    const std::string serial = "CRATE-OF-16-CHRS";
+    std::string toml = SequenceCrate({3}, "0");
+    for (const auto& [text, full] : {std::pair("CRATE1", "CRATE-OF-16-CHRS"), std::pair("SEQ", "MEZZANINE-16-CHR")}) {
+        toml.replace(toml.find(text), std::strlen(text), full);
+    }
+    Configure(toml);
+    Board board(3, serial.c_str());
+    CrateConnection link{};
+    char serials[MaxCrates][VendorTextSize];
+    LTR_Init(&link);
+    EXPECT_EQ(LTR_Open(&link), 0);
+    EXPECT_EQ(LTR_GetCrates(&link, reinterpret_cast<uint8_t(*)[VendorTextSize]>(serials)), 0);
+    LTR_Close(&link);
+    EXPECT_EQ(std::string(serials[0], VendorTextSize), serial);
+    EXPECT_EQ(std::string(board.Record.Description[0].Name, VendorTextSize), "MEZZANINE-16-CHR");
+
+    const MezzanineConfig given = {{}, {'X'}, 3, 4, {5, 6, 7, 8}};
+    LTR27_ADCStop(&board.Record);
+    board.Record.FrequencyDivisor = 9;
+    board.Record.Config[2] = given;
+    ASSERT_EQ(LTR27_SetConfig(&board.Record), 0);
+    board.Record.FrequencyDivisor = 0;
+    board.Record.Config[2] = {};
+    ASSERT_EQ(LTR27_GetConfig(&board.Record), 0);
+    EXPECT_EQ(board.Record.FrequencyDivisor, 9);
+    EXPECT_EQ(std::memcmp(&board.Record.Config[2], &given, sizeof(given)), 0);
+}
+
+TEST(Simulator, ARequestForAStartMarkTakesThePlaceOfAnEarlierOne) {
+    Configure(SequenceCrate({3}, "1.0", "start_mark_after = 0.3"));
+    constexpr int32_t WaitForEdge = 1;
+    Board board(3);
+    Link link;
+    EXPECT_EQ(LTR_MakeStartMark(&link.Record, WaitForEdge), 0);
+    LTR27_ADCStop(&board.Record);  // before the mark came
+    LTR27_ADCStart(&board.Record);
+    EXPECT_EQ(LTR_MakeStartMark(&link.Record, WaitForEdge), 0);
+    ASSERT_EQ(board.Receive(16 * 600, 20000), 16 * 600);
+    EXPECT_EQ(board.Marks.front() >> 16, 0u);
+    EXPECT_EQ(board.Marks.back() >> 16, 1u);
+    EXPECT_EQ(Link().Record.TimeMark >> 16, 1u);
 }
 
 TEST(Simulator, EveryViolationIsCounted) {
@@ -90,7 +152,7 @@ TEST(Simulator, EveryViolationIsCounted) {
         [&] { return LTR_Open(&link); },
         [&] { return LTR_GetCrates(&link, serials); },
     };
-    for (size_t k = 0; k < bad.size(); ++k) {
+    for (size_t k = 0; k < bad.size(); k++) {
         EXPECT_LT(bad[k](), 0) << k;
         EXPECT_EQ(LtrSim_Violations(), static_cast<int32_t>(k + 1)) << LtrSim_Message();
     }
@@ -117,6 +179,20 @@ TEST(Simulator, TwoThreadsInOneRecordAreSeenAndAReplacedScenarioEndsWaits) {
     EXPECT_EQ(LTR27_ADCStop(&copy), ltrsim::NotOpen);
 }
 
+// With one crate to connect to, no dialog is needed: a command is enough.
+TEST(Simulator, TheExamplesAreReadAndTheOneWithFaultsIsOpenedAtOnce) {
+    int examples = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(SCENARIOS)) {
+        std::ifstream file(entry.path());
+        Configure(std::string(std::istreambuf_iterator<char>(file), {}));
+        examples++;
+    }
+    EXPECT_GE(examples, 5);
+    std::ifstream faults(SCENARIOS "/faults.toml");
+    Configure(std::string(std::istreambuf_iterator<char>(faults), {}));
+    EXPECT_TRUE(DriverObject().Test());
+}
+
 TEST(Simulator, MistakesInTheScenarioNameTheirLine) {
     const std::string crate = "[[server]]\naddress = '1.2.3.4'\n[[server.crate]]\nserial = 'C'\n";
     const std::string module = crate + "[[server.crate.module]]\nslot = 2\nid = 'LTR27'\n";
@@ -128,6 +204,11 @@ TEST(Simulator, MistakesInTheScenarioNameTheirLine) {
         {module + "[[server.crate.module]]\nslot = 2\nid = 'LTR11'", "scenario:9: key 'slot' is used twice"},
         {"[[fault]]\nerror = -1\nstall = true", "scenario:3: key 'stall' can't stand beside 'error'"},
         {"[[fault]]\ncall = 'LTR27_Receive'\nerror = -1", "scenario:2: key 'call'"},
+        {"[[fault]]\ncall = 'LTR27_Init'\nslot = 3\nerror = -1", "scenario:3: key 'slot' is not passed"},
+        {"[[fault]]\ncall = 'LTR_Init'\ncrate = 'C'\nerror = -1", "scenario:3: key 'crate' is not passed"},
+        {"[[fault]]\ncall = 'LTR_Open'\nslot = 3\nerror = -1", "scenario:3: key 'slot' is not passed"},
+        {"[[server]]\naddress = '1.2.3.4'\n[[server.crate]]\nserial = 'CRATE-OF-17-CHARS'",
+         "scenario:4: key 'serial' must have 1 to 16"},
     };
     Configure(SequenceCrate({3, 5}, "0"));
     for (const auto& [toml, message] : cases) {
