@@ -8,7 +8,8 @@ namespace corvane::recorder {
 
 class Axis {
 public:
-    // Values `from` < `to` onto pixels; about one tick for each `tickDistance` pixels.
+    // Puts the values from `from` to `to`, which is larger, onto pixels, with about one tick for each `tickDistance`
+    // pixels.
     Axis(double from, double to, double fromPixel, double toPixel, double tickDistance);
 
     double Pixel(double value) const { return FromPixel_ + (value - From_) * PixelsPerUnit_; }

@@ -1,5 +1,5 @@
 // What the recorder asks of the system it runs on, with texts and file names in UTF-8: arguments, the terminal, Ctrl+C
-// and opening files. win32/ or posix/ is linked in.
+// and opening files. win32/ or posix/ is linked in, in the tests a console that remembers.
 #pragma once
 
 #include <cstdio>

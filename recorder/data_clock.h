@@ -35,8 +35,8 @@ public:
         if (std::abs(lead) > std::abs(WorstLead_)) WorstLead_ = lead;
     }
 
-    // Seconds by which the data was ahead of the clock at its worst; negative: behind; 0: never in doubt. Data that
-    // comes late is in doubt even when the driver catches up: the driver has filled in for it by then.
+    // Seconds by which the data was ahead of the clock at its worst; negative: it was late; 0: never in doubt. Data
+    // that comes late is in doubt even when the driver catches up: the driver has filled in for it by then.
     double WorstLead() const { return WorstLead_; }
     bool Doubtful() const { return WorstLead_ != 0; }
 

@@ -21,7 +21,8 @@ struct Extent {
 
 class Envelope {
 public:
-    // Half of it at least is in use in a long recording: about one bin for each pixel of the plot. Even, for merging.
+    // In a long recording at least half of them are in use, about one for each pixel of the plot. Even, so that pairs
+    // can be merged.
     static constexpr size_t Capacity = 1600;
 
     explicit Envelope(size_t channels) : Channels_(channels), Extents_(Capacity * channels) {}
@@ -30,7 +31,7 @@ public:
     void Add(std::span<const int16_t> samples);
 
     size_t Bins() const { return Bins_; }
-    int64_t BinKadrs() const { return BinKadrs_; }  // kadrs of every bin but the last, which may be filling still
+    int64_t BinKadrs() const { return BinKadrs_; }  // kadrs of every bin but the last, which may not be full yet
     int64_t Kadrs() const { return Kadrs_; }
     Extent At(size_t channel, size_t bin) const { return Extents_[bin * Channels_ + channel]; }
     Extent Total(size_t channel) const;

@@ -1,7 +1,7 @@
 // The driver as a host uses it. Linked in one of two forms: com/ goes through the registered component as any host
-// does, native/ stands straight on the driver's own object. Texts are UTF-8. Every member belongs to the thread that
-// made the device; destroying it ends a recording and closes the crate. A driver that can't be had, or that answers
-// with an error where none is foreseen, throws Failure with ExitCode::NoDriver.
+// does, native/ calls the driver's own object directly. Texts are UTF-8. Every member belongs to the thread that
+// made the device; destroying it ends a recording and closes the crate. A driver that can't be loaded, or that answers
+// with an error where it never should, throws Failure with ExitCode::NoDriver.
 #pragma once
 
 #include <cstdint>

@@ -6,18 +6,13 @@
 
 #include "recorder/channel.h"
 #include "recorder/failure.h"
+#include "recorder/utf8.h"
 
 namespace corvane::recorder {
 namespace {
 
 constexpr size_t Columns = 6;
 using Row = std::array<std::string, Columns>;
-
-// Places that a text takes up: its code points, that is all bytes but the following ones of each.
-size_t Width(const std::string& text) {
-    return static_cast<size_t>(
-        std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
-}
 
 Row ChannelRow(const Channel& channel) {
     const std::string number = fmt::format("{}", channel.Number);
@@ -34,7 +29,7 @@ void AppendRow(std::string& text, const Row& row, const std::array<size_t, Colum
     static constexpr bool RightAligned[Columns] = {true, false, false, false, true, true};
     std::string line;
     for (size_t column = 0; column < Columns; column++) {
-        const std::string padding(widths[column] - Width(row[column]), ' ');
+        const std::string padding(widths[column] - CharacterCount(row[column]), ' ');
         if (column > 0) line += "  ";
         line += RightAligned[column] ? padding + row[column] : row[column] + padding;
     }
@@ -63,7 +58,7 @@ std::string ListDevice(HostDevice& device) {
     std::array<size_t, Columns> widths{};
     for (const Row& row : rows) {
         for (size_t column = 0; column < Columns; column++) {
-            widths[column] = std::max(widths[column], Width(row[column]));
+            widths[column] = std::max(widths[column], CharacterCount(row[column]));
         }
     }
     std::string text =

@@ -1,46 +1,8 @@
 // ltr27rec: records LTR27 channels through the Corvane driver from a command line.
-#include <fmt/format.h>
-#include <exception>
-
+#include "recorder/command_line.h"
 #include "recorder/console.h"
-#include "recorder/failure.h"
-#include "recorder/host_device.h"
-#include "recorder/list_command.h"
-#include "recorder/options.h"
-#include "recorder/record_command.h"
-#include "recorder/settings_command.h"
-
-namespace corvane::recorder {
-namespace {
-
-ExitCode Run(const Options& options) {
-    if (options.Action == Command::Print) {
-        WriteText(stdout, options.Text);
-        return ExitCode::Success;
-    }
-    HostDevice device;
-    if (options.Action == Command::Settings) {
-        ShowSettings(device);
-        return ExitCode::Success;
-    }
-    OpenDevice(device);
-    if (options.Action == Command::Record) return Record(options, device);
-    WriteText(stdout, ListDevice(device));
-    return ExitCode::Success;
-}
-
-}  // namespace
-}  // namespace corvane::recorder
 
 int main(int count, char** values) {
     using namespace corvane::recorder;
-    try {
-        return static_cast<int>(Run(ParseCommandLine(CommandLineArguments(count, values))));
-    } catch (const Failure& failure) {
-        WriteText(stderr, fmt::format("ltr27rec: {}\n", failure.what()));
-        return static_cast<int>(failure.Code);
-    } catch (const std::exception& error) {
-        WriteText(stderr, fmt::format("ltr27rec: it can't go on: {}\n", error.what()));
-        return static_cast<int>(ExitCode::Incomplete);
-    }
+    return static_cast<int>(RunCommandLine(CommandLineArguments(count, values)));
 }

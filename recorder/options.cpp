@@ -14,7 +14,7 @@ namespace corvane::recorder {
 namespace {
 
 constexpr const char* Version = "ltr27rec 3.2.0.1";
-constexpr double DurationMax = 10000 * 3600.0;  // s; over a year of recording is a slip of the keyboard
+constexpr double DurationMax = 10000 * 3600.0;  // s; over a year of recording is a typing mistake
 
 constexpr const char* Footer = R"(Examples:
   ltr27rec list
@@ -25,7 +25,7 @@ constexpr const char* Footer = R"(Examples:
 Exit codes:
   0    done
   1    the command line is wrong, or asks for a window where the driver has none
-  2    the driver can't be had: not registered, or a library of the LTR software is missing
+  2    the driver can't be loaded: not registered, or a library of the LTR software is missing
   3    no crate or no module was found
   4    the recording could not be started
   5    a file could not be written
@@ -33,13 +33,13 @@ Exit codes:
        late or filled in by the driver); the warnings say what is the matter
   130  ended by Ctrl+C; what was recorded until then is kept)";
 
-template <typename... Arguments>
+template <class... Arguments>
 [[noreturn]] void ThrowUsage(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
     throw Failure(ExitCode::Usage, fmt::format(format, std::forward<Arguments>(arguments)...));
 }
 
 // The number that starts `text`, which is shortened by it. None when there is none.
-template <typename Number>
+template <class Number>
 std::optional<Number> TakeNumber(std::string_view& text) {
     Number number{};
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);

@@ -27,7 +27,7 @@ void Progress::Show(int64_t kadrs, int32_t unreadKadrs) {
     NextShow_ = now + Interval();
     const double seconds = std::chrono::duration<double>(now - Start_).count();
     const std::string line = ProgressLine(kadrs, WantedKadrs_, seconds, unreadKadrs, Terminal_);
-    // Spaces over what a longer line left, one place short of the width so that no console wraps.
+    // Spaces cover what a longer line left. One character less than the width, so that no console wraps the line.
     WriteText(stderr, Terminal_ ? fmt::format("\r{:<79}", line) : line + '\n');
     LineOpen_ = Terminal_;
 }

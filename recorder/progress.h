@@ -8,7 +8,7 @@
 
 namespace corvane::recorder {
 
-// Percent and counts as one line; less than 80 places for recordings of up to 10^8 kadrs.
+// Percent and counts as one line; fewer than 80 characters for recordings of up to 10^8 kadrs.
 std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, int32_t unreadKadrs, bool bar);
 
 class Progress {
@@ -18,7 +18,7 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    // Draws when it is time to. `unreadKadrs` are those that wait in the driver's ring.
+    // Draws the line when the last time is long enough ago. `unreadKadrs` are those that wait in the driver's ring.
     void Show(int64_t kadrs, int32_t unreadKadrs);
     // A line that stays. Silent when quiet.
     void Note(const std::string& text);

@@ -5,9 +5,9 @@
 namespace corvane::recorder {
 namespace {
 
-constexpr double BlockSeconds = 0.05;    // the driver's blocks last at least so long, by a power of two of kadrs
-constexpr int ModuleChannels = 16;       // channel numbers of one module
-constexpr int16_t NeverFilled = -16384;  // what the driver gives of a module that has not sent anything yet
+constexpr double BlockSeconds = 0.05;  // the driver's blocks are the smallest power of two of kadrs that lasts so long
+constexpr int ModuleChannels = 16;     // channel numbers of one module
+constexpr int16_t NeverFilled = -16384;  // what the driver gives for a module that has not sent anything yet
 
 }  // namespace
 

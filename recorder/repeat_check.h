@@ -1,6 +1,6 @@
 // Finds data that the driver filled in. When a module sends nothing, the driver stores its previous block again, or the
 // lowest sample when there was none yet; the host gets it like any other data. Noise keeps real blocks from being
-// equal. A block that holds one and the same kadr all over is not judged: a quiet input may well be so.
+// equal. A block in which all kadrs are the same is not judged: a constant input looks like that, too.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@ public:
     // Whole kadrs, one after another, from the first of the recording on.
     void Add(std::span<const int16_t> samples);
 
-    // Of the module that has most of them.
+    // Kadrs that were filled in for a module; of the module that has most of them.
     int64_t FilledInKadrs() const;
 
 private:

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "recorder/axis.h"
+#include "recorder/utf8.h"
 
 namespace corvane::recorder {
 namespace {
@@ -54,22 +55,18 @@ TimeUnit TimeUnitFor(double seconds) {
     return seconds <= 4 * 3600 ? TimeUnit{"min", 60} : TimeUnit{"h", 3600};
 }
 
-template <typename... Arguments>
+template <class... Arguments>
 void Append(std::string& svg, fmt::format_string<Arguments...> format, Arguments&&... arguments) {
     fmt::format_to(std::back_inserter(svg), format, std::forward<Arguments>(arguments)...);
 }
 
-// At most LegendTextMax characters.
+// At most LegendTextMax characters, and dots where some are left out.
 std::string LegendText(const std::string& name) {
-    size_t characters = 0;
-    for (size_t i = 0; i < name.size(); i++) {
-        if ((name[i] & 0xC0) == 0x80) continue;  // a following byte of the same character
-        if (++characters > LegendTextMax) return EscapeXml(name.substr(0, i)) + "\u2026";
-    }
-    return EscapeXml(name);
+    const size_t length = LengthOfCharacters(name, LegendTextMax);
+    return EscapeXml(name.substr(0, length)) + (length < name.size() ? "\u2026" : "");
 }
 
-// Channels by unit, in the order in which the units appear; at most one panel's colours in each.
+// Channels by unit, in the order in which the units appear; a panel has no more channels than there are colours.
 std::vector<Panel> MakePanels(std::span<const Channel> channels) {
     std::vector<Panel> byUnit;
     for (size_t i = 0; i < channels.size(); i++) {
@@ -118,7 +115,7 @@ Axis ValueAxis(const Plot& plot, const Panel& panel) {
         high = std::max(high, channelHigh);
         leastSpan = std::max(leastSpan, LeastCodes / std::abs(plot.Channels[channel].Scale));
     }
-    // The last keeps the limits apart in a double, whatever the offset.
+    // The last one keeps low and high different numbers, however large the offset is.
     const double margin = std::max({(high - low) * 0.06, (leastSpan - (high - low)) / 2, std::abs(low) * 1e-9});
     return {low - margin, high + margin, panel.Bottom(), panel.Top, 28};
 }
@@ -171,7 +168,7 @@ void AppendCurve(std::string& svg, const Plot& plot, size_t channel, const char*
     const auto x = [&](size_t bin) {
         return time.Pixel((static_cast<double>(bin) + 0.5) * static_cast<double>(data.BinKadrs()) * period);
     };
-    // There along the largest samples, back along the smallest.
+    // Forward along the largest samples, back along the smallest.
     for (size_t bin = 0; bin < data.Bins(); bin++) {
         Append(svg, "{}{:.1f} {:.1f}", bin == 0 ? 'M' : 'L', x(bin), y(data.At(channel, bin).Max));
     }
@@ -179,7 +176,7 @@ void AppendCurve(std::string& svg, const Plot& plot, size_t channel, const char*
     svg += "Z'/>\n";
 }
 
-// Whole codes, so that what single precision left over in the offset does not show as 3e-08.
+// Rounded to a whole code, so that the rounding error of a single precision offset does not show as 3e-08.
 double WholeCodes(const Channel& channel, double value) {
     return std::round(value * channel.Scale) / channel.Scale + 0.0;  // + 0.0 makes -0 a 0
 }

@@ -53,7 +53,7 @@ void Check(HRESULT result, const char* member) {
 }
 
 // Elements of a one-dimensional array, taken over from the driver and freed here.
-template <typename Element, typename Value>
+template <class Element, class Value>
 std::vector<Value> TakeArray(SAFEARRAY* array, const char* member, Value (*convert)(Element)) {
     LONG lower = 0;
     LONG upper = -1;
@@ -83,14 +83,14 @@ struct HostDevice::Driver {
     Driver(const Driver&) = delete;
     Driver& operator=(const Driver&) = delete;
 
-    template <typename Value>
+    template <class Value>
     Value Get(HRESULT (STDMETHODCALLTYPE IADC3::*member)(Value*), const char* name) const {
         Value value{};
         Check((Device->*member)(&value), name);
         return value;
     }
 
-    template <typename Value>
+    template <class Value>
     Value Get(HRESULT (STDMETHODCALLTYPE IADC3::*member)(short*, Value*), short index, const char* name) const {
         Value value{};
         Check((Device->*member)(&index, &value), name);

@@ -2,20 +2,43 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
+#include <fstream>
 #include <iterator>
 #include <sstream>
 
+#include "platform/portable/registry_hooks.h"
+#include "recorder/command_line.h"
+#include "recorder/console.h"
 #include "recorder/csv_writer.h"
 #include "recorder/data_clock.h"
 #include "recorder/envelope.h"
 #include "recorder/failure.h"
 #include "recorder/options.h"
 #include "recorder/repeat_check.h"
-#include "recorder/settings_command.h"
 #include "recorder/svg_plot.h"
-#include "simulator/control.h"
+#include "tests/native/driver_fixture.h"
 
 namespace corvane::recorder {
+
+// The console of these tests: it keeps what is said, and the user who interrupts does so from the start.
+static std::string Said;
+static bool Interrupted = false;
+
+void WriteText(std::FILE*, std::string_view text) {
+    Said += text;
+}
+bool IsTerminal(std::FILE*) {
+    return false;
+}
+void WatchInterrupt() {}
+bool InterruptRequested() {
+    return Interrupted;
+}
+std::FILE* OpenForWriting(const std::string& path) {
+    return std::fopen(path.c_str(), "wb");
+}
+
 namespace {
 
 using Numbers = std::vector<int16_t>;
@@ -54,16 +77,42 @@ TEST(RecorderOptions, CommandLines) {
     EXPECT_NE(ParseCommandLine({"--help"}).Text.find("\n  ltr27rec settings\n"), std::string::npos);
 }
 
-TEST(RecorderSettings, NeedAWindow) {
-    ASSERT_EQ(LtrSim_Configure(nullptr), 0);
-    HostDevice device;
-    try {
-        ShowSettings(device);
-        FAIL() << "no window, yet shown";
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.Code, ExitCode::Usage);
+TEST(RecorderCommandLine, ExitCodesAndWordsTellHowItEnded) {
+    const std::string csv = testing::TempDir() + "recorder_test.csv";
+    // What the crate does, a fault, what follows the -o of a recording or another command, the exit code, what is said,
+    // and the CSV's last line.
+    const std::tuple<const char*, const char*, std::string, ExitCode, const char*, const char*> cases[] = {
+        {"", "", "", ExitCode::Success, "200 kadrs of 28 channels at 1000 Hz (0.2 s), complete\n", "0.199,"},
+        {"start_marks = 'never'", "", " --stall-timeout 200ms", ExitCode::Incomplete, "(0 s), incomplete: 0 of 200 k",
+         "# incomplete: 0 of 200 kadrs, no data came for 0.2 s"},
+        {"", "call = 'LTR27_ProcessData'\nafter = 4\ntimes = 1\nerror = -1", " -q", ExitCode::Incomplete,
+         "Warning: doubtful: a module sent nothing for 64 kadrs", "# doubtful: a module sent nothing for 64 kadrs"},
+        {"", "", " --interrupt", ExitCode::Interrupted, "interrupted: 0 of 200 kadrs\n",
+         "# interrupted: 0 of 200 kadrs"},
+        {"", "call = 'LTR27_ADCStart'\nerror = -5", "", ExitCode::StartFailed, "could not be started. Error '-5'", ""},
+        {"", "call = 'LTR_GetCrates'\nerror = -5", "", ExitCode::NoDevice, "ltr27rec: No ", ""},
+        {"", "", "/no.csv", ExitCode::Output, "can't be created", ""},
+        {"", "", " -c 32", ExitCode::Usage, "Channel 32 does not exist", ""},
+        {"", "", "list", ExitCode::Success, "LTR27: 32 channels", ""},
+        {"", "", "settings", ExitCode::Usage, "This build has no windows", ""}};
+    for (auto [crate, fault, rest, code, said, lastLine] : cases) {
+        platform::ClearRegistry();
+        ASSERT_EQ(LtrSim_Configure(SequenceCrate({3, 5}, "1.0", crate).c_str()), 0) << LtrSim_Message();
+        ASSERT_TRUE(*fault == '\0' || LtrSim_AddFault(fault) == 0) << LtrSim_Message();
+        Said.clear();
+        Interrupted = rest == " --interrupt";
+        if (Interrupted) rest.clear();
+        const bool records = rest.empty() || rest.find_first_of(" /") == 0;
+        std::istringstream words(records ? "record -r 1000 -d 200ms -o " + csv + rest : rest);
+        std::ofstream(csv).close();
+        EXPECT_EQ(RunCommandLine({std::istream_iterator<std::string>(words), {}}), code) << rest;
+        EXPECT_NE(Said.find(said), std::string::npos) << Said;
+        std::string line, last;
+        for (std::ifstream file(csv); std::getline(file, line);) last = line;
+        EXPECT_TRUE(last.starts_with(lastLine)) << rest << last;
+        EXPECT_EQ(LtrSim_OpenConnections(), 0) << rest;
     }
-    EXPECT_EQ(LtrSim_Calls("LTR_Open"), 0) << "asked for nothing";
+    Interrupted = false;
 }
 
 TEST(RecorderCsv, ValuesLieWithinATwentiethOfACode) {

@@ -1,0 +1,46 @@
+#include "recorder/command_line.h"
+
+#include <fmt/format.h>
+#include <exception>
+
+#include "recorder/console.h"
+#include "recorder/host_device.h"
+#include "recorder/list_command.h"
+#include "recorder/options.h"
+#include "recorder/record_command.h"
+#include "recorder/settings_command.h"
+
+namespace corvane::recorder {
+namespace {
+
+ExitCode Run(const Options& options) {
+    if (options.Action == Command::Print) {
+        WriteText(stdout, options.Text);
+        return ExitCode::Success;
+    }
+    HostDevice device;
+    if (options.Action == Command::Settings) {
+        ShowSettings(device);
+        return ExitCode::Success;
+    }
+    OpenDevice(device);
+    if (options.Action == Command::Record) return Record(options, device);
+    WriteText(stdout, ListDevice(device));
+    return ExitCode::Success;
+}
+
+}  // namespace
+
+ExitCode RunCommandLine(const std::vector<std::string>& arguments) {
+    try {
+        return Run(ParseCommandLine(arguments));
+    } catch (const Failure& failure) {
+        WriteText(stderr, fmt::format("ltr27rec: {}\n", failure.what()));
+        return failure.Code;
+    } catch (const std::exception& error) {
+        WriteText(stderr, fmt::format("ltr27rec: it can't go on: {}\n", error.what()));
+        return ExitCode::Incomplete;
+    }
+}
+
+}  // namespace corvane::recorder

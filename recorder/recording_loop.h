@@ -1,0 +1,51 @@
+// The loop that takes the kadrs of a started recording from the driver until it has all or none come any more.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "recorder/data_check.h"
+#include "recorder/host_device.h"
+#include "recorder/progress.h"
+#include "recorder/recording_files.h"
+#include "recorder/recording_task.h"
+#include "recorder/verdict.h"
+
+namespace corvane::recorder {
+
+// Uses what it is given by reference; all of that must outlive it.
+class RecordingLoop {
+public:
+    // `stallTimeout`: seconds without data after which it gives up; 0: never.
+    RecordingLoop(double stallTimeout, HostDevice& device, const RecordingTask& task, RecordingFiles& files,
+                  DataCheck& check, Progress& progress);
+
+    // Takes kadrs until all are there, the user interrupts, or no more come; then stops the recording and takes what
+    // the driver still has.
+    Verdict Run();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    End TakeUntilEnd();
+    bool Take();
+    bool Stalled();
+    void WarnOnDoubt();
+    std::string ReasonOf(End end) const;
+
+    double StallTimeout_;  // s
+    HostDevice& Device_;
+    const RecordingTask& Task_;
+    RecordingFiles& Files_;
+    DataCheck& Check_;
+    Progress& Progress_;
+    std::vector<int16_t> Samples_;
+    int64_t Kadrs_ = 0;                          // taken
+    Clock::time_point LastData_ = Clock::now();  // or the start
+    bool StallWarned_ = false;
+    bool DoubtWarned_ = false;
+};
+
+}  // namespace corvane::recorder

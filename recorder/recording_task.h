@@ -1,0 +1,27 @@
+// What a recording is asked to bring: which channels, at which rate, how many kadrs.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "recorder/channel.h"
+#include "recorder/host_device.h"
+#include "recorder/options.h"
+#include "recorder/progress.h"
+
+namespace corvane::recorder {
+
+struct RecordingTask {
+    std::vector<Channel> Channels;
+    double Rate = 0;  // Hz
+    int64_t WantedKadrs = 0;
+};
+
+// Gives the opened device the channels and the rate that the user asked for, and returns them as it took them. Throws
+// Failure when there is nothing to record or a channel does not exist.
+RecordingTask PrepareTask(const Options& options, HostDevice& device);
+
+// Tells the user where the task differs from what was asked, or will bring nothing.
+void TellDifferences(const Options& options, const RecordingTask& task, Progress& progress);
+
+}  // namespace corvane::recorder

@@ -1,0 +1,29 @@
+#include "recorder/report.h"
+
+#include <fmt/format.h>
+
+#include "recorder/console.h"
+
+namespace corvane::recorder {
+
+std::vector<std::string> Remarks(const Verdict& verdict) {
+    std::vector<std::string> remarks = verdict.Doubts;
+    if (verdict.HowItEnded != End::Complete) remarks.push_back(verdict.Outcome());
+    return remarks;
+}
+
+void WarnOfVerdict(const Options& options, const Verdict& verdict, Progress& progress) {
+    for (const std::string& doubt : verdict.Doubts) progress.Warn("Warning: " + doubt);
+    // The summary says how it ended; without it, this does.
+    if (verdict.HowItEnded != End::Complete && options.Quiet) progress.Warn("Warning: " + verdict.Outcome());
+}
+
+void WriteSummary(const Options& options, const RecordingTask& task, const Verdict& verdict) {
+    if (options.Quiet) return;
+    WriteText(stdout, fmt::format("{}: {} kadrs of {} channels at {:.6g} Hz ({:.6g} s), {}\n", options.OutputPath,
+                                  verdict.Kadrs, task.Channels.size(), task.Rate,
+                                  static_cast<double>(verdict.Kadrs) / task.Rate, verdict.Outcome()));
+    if (!options.PlotPath.empty()) WriteText(stdout, options.PlotPath + ": plot\n");
+}
+
+}  // namespace corvane::recorder

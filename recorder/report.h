@@ -1,0 +1,22 @@
+// What the user is told when a recording has ended: warnings, and unless quiet, a summary.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "recorder/options.h"
+#include "recorder/progress.h"
+#include "recorder/recording_task.h"
+#include "recorder/verdict.h"
+
+namespace corvane::recorder {
+
+// The lines that the CSV file gets below its rows: every doubt, and the outcome of a recording that is not complete.
+std::vector<std::string> Remarks(const Verdict& verdict);
+
+void WarnOfVerdict(const Options& options, const Verdict& verdict, Progress& progress);
+
+// To stdout: the files and what is in them.
+void WriteSummary(const Options& options, const RecordingTask& task, const Verdict& verdict);
+
+}  // namespace corvane::recorder
