@@ -13,6 +13,34 @@ build() { # preset [target...]
   fi
 }
 
+# Whether this machine runs 32-bit programs; some virtual ones can't, whatever is installed.
+runs_32bit() { /usr/lib/wine/wine --version >/dev/null 2>&1; }
+
+# Lets an emulator run Wine's 32-bit programs: many times slower, but the same component on the same Wine. Wine starts its
+# further processes from beside its own libraries, so the emulated loader gets a tree of its own, of links to the
+# installed files. The server is the 64-bit one, which needs no emulator.
+emulate_32bit() {
+  local tree=$root/build/wine32
+  command -v qemu-i386 >/dev/null || { echo "qemu-i386 is missing: run scripts/setup" >&2; return 1; }
+  if [ ! -e "$tree/complete" ]; then
+    rm -rf "$tree"
+    mkdir -p "$tree/lib/wine" "$tree/lib/i386-linux-gnu" "$tree/bin" "$tree/share"
+    ln -s /usr/share/wine "$tree/share/wine"
+    cp -al /usr/lib/i386-linux-gnu/wine "$tree/lib/i386-linux-gnu/" 2>/dev/null ||
+      cp -a /usr/lib/i386-linux-gnu/wine "$tree/lib/i386-linux-gnu/"
+    cp /usr/lib/wine/wine "$tree/lib/wine/wine-i386"
+    # The preloader only reserves addresses, which the emulator keeps free anyway.
+    printf '#!/bin/sh\nWINELOADERNOEXEC=1 exec qemu-i386 %s "$@"\n' "'$tree/lib/wine/wine-i386'" >"$tree/lib/wine/wine"
+    printf '#!/bin/sh\nWINELOADERNOEXEC=1 exec qemu-i386 "$@"\n' >"$tree/lib/wine/wine-preloader"
+    printf '#!/bin/sh\nexec %s wineboot "$@"\n' "'$tree/lib/wine/wine'" >"$tree/bin/wineboot"
+    printf '#!/bin/sh\nexec %s winepath "$@"\n' "'$tree/lib/wine/wine'" >"$tree/bin/winepath"
+    printf '#!/bin/sh\nexec %s "$@"\n' "'$tree/lib/wine/wine'" >"$tree/bin/wine"
+    chmod +x "$tree"/bin/* "$tree"/lib/wine/*
+    touch "$tree/complete"
+  fi
+  export PATH=$tree/bin:$PATH WINELOADER=$tree/lib/wine/wine WINESERVER=/usr/lib/wine/wineserver64
+}
+
 # Starts a virtual display and a Wine prefix of the project's own, both gone when the script ends. Code page 1251, that of
 # the modules' texts, comes with the Russian locale.
 start_wine() { # [folder of the prefix in build/]
@@ -21,6 +49,7 @@ start_wine() { # [folder of the prefix in build/]
   { export LC_ALL=ru_RU.UTF-8; } 2>/dev/null
   # The prefix needs no browser and no .NET; without this Wine asks for them.
   export WINEDLLOVERRIDES="mscoree,mshtml="
+  runs_32bit || emulate_32bit
   trap stop_wine EXIT
   wineserver -k 2>/dev/null || true
   local number_file=$root/build/display
