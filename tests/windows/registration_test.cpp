@@ -74,6 +74,14 @@ TEST_F(Component, AnswersByNameWithoutRegistration) {
     ASSERT_EQ(VT_BSTR, result.vt);
     EXPECT_STREQ(L"LTR27", result.bstrVal);
     VariantClear(&result);
+    ComPtr<IProvideClassInfo> provider;
+    ComPtr<ITypeInfo> type;
+    TYPEATTR* attributes = nullptr;
+    ASSERT_EQ(S_OK, direct.As(&provider));
+    ASSERT_EQ(S_OK, provider->GetClassInfo(type.GetAddressOf()));
+    ASSERT_EQ(S_OK, type->GetTypeAttr(&attributes));
+    EXPECT_TRUE(attributes->guid == __uuidof(::Corvane) && attributes->cImplTypes == 2);
+    type->ReleaseTypeAttr(attributes);
 }
 
 TEST_F(Component, RefusesWhatItsFactoryCantMake) {

@@ -1,4 +1,4 @@
-// The type libraries as the component's file carries them, with nothing registered: every entry and every member.
+// The type libraries as the component's file carries them: every entry and every member.
 #include <map>
 
 #include "driver/com/identifiers.h"
@@ -25,6 +25,16 @@ std::string Identified(const std::string& title, const GUID& identifier) {
     wchar_t text[39];
     StringFromGUID2(identifier, text, 39);
     return title + ' ' + std::string(text, text + 38) + ' ';
+}
+
+std::string LibraryTitle(ITypeLib* library) {
+    TLIBATTR* attributes = nullptr;
+    EXPECT_EQ(S_OK, library->GetLibAttr(&attributes));
+    const std::string text = Identified(Title(library, -1), attributes->guid) +
+                             std::to_string(attributes->wMajorVerNum) + '.' + std::to_string(attributes->wMinorVerNum) +
+                             " locale " + std::to_string(attributes->lcid);
+    library->ReleaseTLibAttr(attributes);
+    return text;
 }
 
 ComPtr<ITypeInfo> Referenced(ITypeInfo* info, HREFTYPE reference) {
@@ -103,22 +113,23 @@ std::string Entry(ComPtr<ITypeInfo> info) {
     for (UINT i = 0; kind == TKIND_COCLASS && i < attributes->cImplTypes; i++) {
         int flags = 0;
         info->GetImplTypeFlags(i, &flags);
-        text += (flags == IMPLTYPEFLAG_FDEFAULT ? "default: " : "implements: ") + Entry(Implemented(info.Get(), i));
+        const ComPtr<ITypeInfo> face = Implemented(info.Get(), i);
+        ComPtr<ITypeLib> library;
+        UINT index = 0;
+        EXPECT_EQ(S_OK, face->GetContainingTypeLib(library.GetAddressOf(), &index));
+        text += (flags == IMPLTYPEFLAG_FDEFAULT ? "default, of " : "also, of ") + LibraryTitle(library.Get()) + ": " +
+                Entry(face);
     }
     for (UINT i = 0; i < attributes->cFuncs; i++) text += Member(info.Get(), i);
     info->ReleaseTypeAttr(attributes);
     return text;
 }
 
-std::string Library(const std::wstring& path, const std::vector<GUID>& entries) {
+std::string Library(const std::wstring& path, UINT count, const std::vector<GUID>& entries) {
     ComPtr<ITypeLib> library;
     EXPECT_EQ(S_OK, LoadTypeLibEx(path.c_str(), REGKIND_NONE, library.GetAddressOf()));
-    TLIBATTR* attributes = nullptr;
-    EXPECT_EQ(S_OK, library->GetLibAttr(&attributes));
-    std::string text = Identified(Title(library.Get(), -1), attributes->guid) +
-                       std::to_string(attributes->wMajorVerNum) + '.' + std::to_string(attributes->wMinorVerNum) +
-                       " locale " + std::to_string(attributes->lcid) + '\n';
-    library->ReleaseTLibAttr(attributes);
+    std::string text = LibraryTitle(library.Get()) + '\n';
+    EXPECT_EQ(count, library->GetTypeInfoCount());
     for (const GUID& identifier : entries) {
         ComPtr<ITypeInfo> info;
         EXPECT_EQ(S_OK, library->GetTypeInfoOfGuid(identifier, info.GetAddressOf()));
@@ -164,18 +175,23 @@ TEST(TypeLibraries, SayWhatHostsAreCompiledAgainst) {
 39 do 29 ShowSetting(out retval bool*)
 40 get 30 Parent(out retval IDispatch**)
 )";
-    EXPECT_EQ("ADCInterface3 {97B526A7-3B46-11D7-B688-FDAEA8668E28} 1.0 locale 0\n" + iadc3,
-              Library(ComponentPath() + L"\\2", {__uuidof(IADC3)}));
+    const std::string host = "ADCInterface3 {97B526A7-3B46-11D7-B688-FDAEA8668E28} 1.0 locale 0";
+    EXPECT_EQ(host + '\n' + iadc3, Library(ComponentPath() + L"\\2", 1, {__uuidof(IADC3)}));
     const std::string own =
-        R"(Tessmark | L-Card Corvane ADC Driver {B4598549-F4AF-4583-853E-DCB91FC0CDFD} 1.1 locale 1033
+        "Tessmark | L-Card Corvane ADC Driver {B4598549-F4AF-4583-853E-DCB91FC0CDFD} 1.1 locale 1033";
+    // What the class refers to is found through the registry.
+    ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer"));
+    EXPECT_EQ(own + R"(
 Corvane {8C86D41E-5B13-49E0-ABA4-123E7066E30C} creatable class
-default: _Corvane {D75DF814-C1F9-411B-A556-490B3B57C88F} hidden dual not extensible automation IDispatch
+default, of )" + own +
+                  R"(: _Corvane {D75DF814-C1F9-411B-A556-490B3B57C88F} hidden dual not extensible automation IDispatch
 7 do 1610809393 GetADC3(out retval IUnknown**)
-implements: )" +
-        iadc3 + R"(Corvane___v0 {FAC99029-3AFF-4FAD-A83E-C416F40B48B6} hidden alias of _Corvane
-)";
+also, of )" + host +
+                  ": " + iadc3 + R"(Corvane___v0 {FAC99029-3AFF-4FAD-A83E-C416F40B48B6} hidden alias of _Corvane
+)",
+              Library(ComponentPath(), 3, {__uuidof(::Corvane), EarlierCorvane}));
     static_assert(1610809393 == 0x60030031);
-    EXPECT_EQ(own, Library(ComponentPath(), {__uuidof(::Corvane), EarlierCorvane}));
+    EXPECT_EQ(S_OK, LoadedComponent().Call("DllUnregisterServer"));
 }
 
 }  // namespace
