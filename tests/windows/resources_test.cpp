@@ -1,6 +1,7 @@
-// What the component's file carries besides code: version record, texts, identifiers, icons.
+// What the component's file carries besides code: version record, texts, identifiers, icons. And what it needs.
 #include <array>
 #include <cstdlib>
+#include <map>
 
 #include "driver/com/identifiers.h"
 #include "tests/windows/com_host.h"
@@ -36,36 +37,24 @@ TEST_F(Resources, VersionRecordDescribesTheFile) {
     ASSERT_TRUE(VerQueryValueW(record.data(), L"\\VarFileInfo\\Translation", &value, &size));
     EXPECT_EQ(4u, size);
     EXPECT_EQ(1200u << 16 | 0x409, *static_cast<DWORD*>(value));
-    const std::wstring title = L"L-Card Corvane ADC Driver", version = L"3.02.0001";
-    const std::pair<std::wstring, std::wstring> texts[] = {{L"Comments", title},
-                                                           {L"FileDescription", title},
-                                                           {L"ProductName", title},
-                                                           {L"FileVersion", version},
-                                                           {L"ProductVersion", version},
-                                                           {L"InternalName", L"Corvane"},
-                                                           {L"OriginalFilename", L"Corvane.adc"},
-                                                           {L"OLESelfRegister", L""}};
-    for (const auto& [name, text] : texts) {
-        ASSERT_TRUE(VerQueryValueW(record.data(), (L"\\StringFileInfo\\040904B0\\" + name).c_str(), &value, &size))
-            << std::string(name.begin(), name.end());
-        EXPECT_EQ(text, static_cast<wchar_t*>(value));
+    std::wstring texts;
+    for (const wchar_t* name : {L"Comments", L"FileDescription", L"ProductName", L"FileVersion", L"ProductVersion",
+                                L"InternalName", L"OriginalFilename", L"OLESelfRegister"}) {
+        const std::wstring path = std::wstring(L"\\StringFileInfo\\040904B0\\") + name;
+        const bool there = VerQueryValueW(record.data(), path.c_str(), &value, &size);
+        texts += there ? static_cast<wchar_t*>(value) + std::wstring(L"|") : L"none|";
     }
+    const std::wstring title = L"L-Card Corvane ADC Driver|", version = L"3.02.0001|";
+    EXPECT_EQ(title + title + title + version + version + L"Corvane|Corvane.adc||", texts);
 }
 
 // Without a language of one's own the platform picks: Russian for Russian users, English for all others.
 TEST_F(Resources, TextsFollowTheUsersLanguage) {
     const std::tuple<UINT, std::wstring_view, std::wstring_view> texts[] = {
-        {21, L"Cancel", L"Отмена"},
-        {22, L"Help", L"Справка"},
-        {31, L"Clear", L"Очистить"},
-        {38, L"Remove", L"Удалить"},
-        {50, L"%1 Setup", L"Настройки %1"},
-        {100, L"Connect LTR and run LTR-Server!", L"Подключите LTR крейт и запустите LTR Server!"},
         {150, L"Select IP Address", L"Выбор IP адреса"},
-        {151, L"Please select IP address!", L"Пожалуйста укажите IP адрес!"},
-        {400, L"Use START &Mark:", L"&Метка СТАРТ:"},
-        {1110, L"Sync&hronization:", L"Син&хронизация:"},
-        {2700, L"&Mezzanines:", L"Суб&модули:"},
+#define CORVANE_TEXT(number, english, russian) {number, L##english, L##russian},
+#include "resources/string_table.inc"
+#undef CORVANE_TEXT
     };
     const WORD language = PRIMARYLANGID(GetUserDefaultUILanguage());
     // Wine takes the language from here: it has to be the one that was asked for.
@@ -100,6 +89,73 @@ TEST_F(Resources, IconsComeInBothSizes) {
         EXPECT_NE(nullptr, icon);
         DestroyIcon(static_cast<HICON>(icon));
     }
+}
+
+// Functions that Windows XP has, by library. A new one goes here when XP is known to have it.
+const std::map<std::string, std::string> OfWindowsXP = {
+    {"ADVAPI32.dll",
+     " RegCloseKey RegCreateKeyExA RegCreateKeyExW RegDeleteKeyA RegDeleteKeyW RegDeleteValueA RegEnumKeyExA "
+     "RegEnumValueA RegOpenKeyExA RegOpenKeyExW RegQueryInfoKeyA RegQueryInfoKeyW RegQueryValueExA RegSetValueExA "
+     "RegSetValueExW "},
+    {"COMCTL32.DLL", " ImageList_Create ImageList_Destroy ImageList_ReplaceIcon InitCommonControlsEx "},
+    {"GDI32.dll",
+     " CreateFontIndirectW DeleteObject GetDeviceCaps GetTextExtentPoint32W GetTextMetricsW SelectObject "},
+    {"KERNEL32.dll",
+     " ActivateActCtx AddVectoredExceptionHandler CloseHandle CreateActCtxW CreateEventA CreateFileW "
+     "CreateSemaphoreA CreateThread DeactivateActCtx DeleteCriticalSection DeleteFileW DuplicateHandle "
+     "EnterCriticalSection FindClose FindFirstFileW FindNextFileW FindResourceW FlushFileBuffers FormatMessageA "
+     "FreeLibrary GetCurrentProcess GetCurrentProcessId GetCurrentThread GetCurrentThreadId GetFileAttributesW "
+     "GetHandleInformation GetLastError GetLocaleInfoW GetModuleFileNameW GetModuleHandleA GetModuleHandleExW "
+     "GetModuleHandleW GetProcAddress GetProcessAffinityMask GetSystemTimeAsFileTime GetThreadContext "
+     "GetThreadPriority GetTickCount InitializeCriticalSection IsDBCSLeadByteEx IsDebuggerPresent "
+     "LeaveCriticalSection LoadLibraryA LoadLibraryW LoadResource LockResource lstrcmpW MoveFileExW MulDiv "
+     "MultiByteToWideChar OpenProcess OutputDebugStringA QueryPerformanceCounter QueryPerformanceFrequency "
+     "RaiseException ReadFile ReleaseActCtx ReleaseSemaphore "
+     "RemoveVectoredExceptionHandler ResetEvent ResumeThread SetEvent SetLastError SetProcessAffinityMask "
+     "SetThreadContext SetThreadPriority SizeofResource Sleep SuspendThread TlsFree TlsGetValue TlsSetValue "
+     "TryEnterCriticalSection VirtualProtect VirtualQuery WaitForMultipleObjects WaitForSingleObject "
+     "WideCharToMultiByte WriteFile "},
+    {"msvcrt.dll",
+     " __mb_cur_max _aligned_free _aligned_malloc _amsg_exit _assert _beginthreadex _close _endthreadex _errno "
+     "_initterm _iob _lock _read _setjmp3 _strdup _ultoa _unlock abort atoi calloc exit fprintf fputc fputs "
+     "fputwc free fwprintf fwrite localeconv longjmp malloc memchr memcmp memcpy memmove memset printf realloc "
+     "setlocale strchr strcmp strerror strlen strncmp vfprintf wcslen "},
+    {"ole32.dll", " StringFromGUID2 "},
+    {"OLEAUT32.dll",
+     " DispGetIDsOfNames DispInvoke LoadTypeLibEx SafeArrayAccessData SafeArrayCreate SafeArrayDestroy "
+     "SafeArrayGetDim SafeArrayGetElement SafeArrayGetElemsize SafeArrayGetVartype SafeArrayUnaccessData "
+     "SysAllocStringLen SysStringLen VariantChangeType VariantClear VariantCopyInd VariantInit "},
+    {"SHLWAPI.dll", " SHDeleteKeyW SHDeleteValueW SHGetValueW StrCmpIW "},
+    {"USER32.dll",
+     " CallWindowProcW CreateWindowExW DestroyIcon DialogBoxIndirectParamW DispatchMessageW EnableWindow "
+     "EndDialog EnumThreadWindows GetActiveWindow GetClientRect GetCursorPos GetDC GetDlgCtrlID GetDlgItem "
+     "GetFocus GetForegroundWindow GetMonitorInfoW GetNextDlgTabItem GetProcessWindowStation GetSysColorBrush "
+     "GetSystemMetrics GetTabbedTextExtentW GetUserObjectInformationW GetWindow GetWindowLongW GetWindowRect "
+     "GetWindowTextW GetWindowThreadProcessId InvalidateRect IsIconic IsWindowEnabled IsWindowVisible LoadCursorW "
+     "LoadImageW LoadStringW MessageBoxW MonitorFromPoint MonitorFromWindow MoveWindow PeekMessageW PostMessageW "
+     "ReleaseDC SendMessageW SetCursor SetDlgItemTextW SetFocus SetForegroundWindow SetWindowLongW SetWindowPos "
+     "SetWindowTextW SystemParametersInfoW "},
+};
+
+// With a function that it can't find, the loader refuses the whole file.
+TEST_F(Resources, NothingNewerThanWindowsXPIsImported) {
+    const BYTE* file = reinterpret_cast<const BYTE*>(Module);
+    const auto* header =
+        reinterpret_cast<const IMAGE_NT_HEADERS*>(file + reinterpret_cast<const IMAGE_DOS_HEADER*>(file)->e_lfanew);
+    const DWORD directory = header->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    const auto* library = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(file + directory);
+    size_t found = 0;
+    for (; library->Name != 0; library++) {
+        const std::string name = reinterpret_cast<const char*>(file + library->Name);
+        if (name.starts_with("ltr")) continue;  // the vendor's
+        ASSERT_TRUE(OfWindowsXP.contains(name)) << name;
+        const auto* entry = reinterpret_cast<const DWORD*>(file + library->OriginalFirstThunk);
+        for (; *entry != 0; entry++, found++) {
+            const std::string function = reinterpret_cast<const char*>(file + *entry + sizeof(WORD));
+            EXPECT_NE(std::string::npos, OfWindowsXP.at(name).find(' ' + function + ' ')) << name << ' ' << function;
+        }
+    }
+    EXPECT_GT(found, 100u);
 }
 
 }  // namespace

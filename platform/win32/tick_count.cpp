@@ -1,0 +1,24 @@
+// Lets our files load on Windows XP: the compiler's thread runtime, linked into them, counts its waits with
+// GetTickCount64, which only later Windows have. Linked straight into a file, this takes the place of that import.
+#include <windows.h>
+
+namespace {
+
+// Milliseconds since some moment. Unlike GetTickCount it doesn't start anew after 49 days.
+ULONGLONG WINAPI Milliseconds() {
+    LARGE_INTEGER ticks = {}, perSecond = {};
+    QueryPerformanceCounter(&ticks);
+    QueryPerformanceFrequency(&perSecond);
+    const LONGLONG seconds = ticks.QuadPart / perSecond.QuadPart, rest = ticks.QuadPart % perSecond.QuadPart;
+    return static_cast<ULONGLONG>(seconds * 1000 + rest * 1000 / perSecond.QuadPart);
+}
+
+}  // namespace
+
+extern "C" {
+
+// What the runtime calls GetTickCount64 through.
+extern ULONGLONG(WINAPI* const ImportedGetTickCount64)() __asm__("__imp__GetTickCount64@0");
+ULONGLONG(WINAPI* const ImportedGetTickCount64)() = Milliseconds;
+
+}  // extern "C"
