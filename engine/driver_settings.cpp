@@ -1,7 +1,5 @@
 #include "engine/driver_settings.h"
 
-#include <cmath>
-
 #include "common/mTypes3.h"
 
 namespace corvane {
@@ -12,9 +10,9 @@ constexpr const char* RateName = "Rate";
 constexpr const char* MarkModeName = "MarkSTARTMode";
 constexpr int16_t LastMarkMode = 7;
 
-// Neither NaN nor an infinity nor a number too small to be one on purpose: leftovers of some other data.
+// Any number, however small: ApplyRate brings it to a reachable one. NaN is none.
 bool UsableRate(float rate, float rateMax) {
-    return std::isnormal(rate) && rate > 0 && rate <= rateMax;
+    return rate > 0 && rate <= rateMax;
 }
 
 }  // namespace
@@ -23,11 +21,7 @@ void LoadSettings(DriverState& state) {
     if (!GoToSettings(state)) return;
     cRegistry& registry = state.SettingsRegistry;
     float rate = 0;
-    // A text of four characters, say, could pass for a rate.
-    if (registry.HoldsDWord(RateName) && registry.ReadFloat(RateName, rate, 0) &&
-        UsableRate(rate, state.Input.RateMax)) {
-        state.Input.Rate = rate;
-    }
+    if (registry.ReadFloat(RateName, rate, 0) && UsableRate(rate, state.Input.RateMax)) state.Input.Rate = rate;
     int16_t& mode = state.Crate.MarkSTARTMode;
     if (registry.ReadInt16(MarkModeName, mode, 0) && (mode < 0 || mode > LastMarkMode)) mode = 0;
 }

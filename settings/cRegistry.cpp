@@ -83,14 +83,6 @@ std::string cRegistry::RootKeyName(uint32_t root) {
     return index < std::size(Names) ? Names[index] : "";
 }
 
-bool cRegistry::HoldsDWord(const std::string& name) {
-    HeldKey key;
-    uint32_t type = 0, size = 0;
-    return Open(key, RootKey_, KeyPath_, QueryValueRight) &&
-           Record(QueryKeyValue(key.Handle, ToAnsi(name), &type, nullptr, size)) && type == DWordType &&
-           size == sizeof(int32_t);
-}
-
 bool cRegistry::KeyExists(uint32_t root, const std::string& path) {
     HeldKey key;
     return Open(key, root, path, ReadRights);

@@ -72,9 +72,6 @@ public:
 #undef CORVANE_REGISTRY_READ_WITH_FALLBACK
 #undef CORVANE_REGISTRY_MEMBERS
 
-    // A REG_DWORD of four bytes is stored at the current location. Readers of numbers take whatever fits.
-    bool HoldsDWord(const std::string& name);
-
     bool KeyExists(uint32_t root, const std::string& path);
     // True when the key is there afterwards. defaultText, unless empty, becomes its default value.
     bool CreateKey(uint32_t root, const std::string& path, const std::string& defaultText);

@@ -1,4 +1,5 @@
 // What a driver object starts with and leaves behind, on the registry in memory.
+#include <bit>
 #include <limits>
 
 #include "driver/driver_object.h"
@@ -41,18 +42,19 @@ std::pair<float, int16_t> Loaded() {
 
 TEST_F(Settings, AreLoadedOnlyWhenUsable) {
     using Float = std::numeric_limits<float>;
-    // The last three: short of a byte, 193.3 to whoever takes it for a float, and of another type.
-    const std::tuple<uint32_t, std::string, float> rates[] = {{DWordType, BytesOf(400.0f), 400},
-                                                              {DWordType, BytesOf(1000.0f), 1000},
-                                                              {DWordType, BytesOf(1000.0001f), 10},
-                                                              {DWordType, BytesOf(0.0f), 10},
-                                                              {DWordType, BytesOf(-5.0f), 10},
-                                                              {DWordType, BytesOf(Float::quiet_NaN()), 10},
-                                                              {DWordType, BytesOf(Float::infinity()), 10},
-                                                              {DWordType, BytesOf(Float::denorm_min()), 10},
-                                                              {DWordType, "\xFF\xFF\xFF", 10},
-                                                              {TextType, "12AC", 10},
-                                                              {BinaryType, BytesOf(400.0f), 10}};
+    // The last three: short of a byte, which makes a tiny number; a text whose bytes make a number; another type.
+    const std::tuple<uint32_t, std::string, float> rates[] = {
+        {DWordType, BytesOf(400.0f), 400},
+        {DWordType, BytesOf(1000.0f), 1000},
+        {DWordType, BytesOf(1000.0001f), 10},
+        {DWordType, BytesOf(0.0f), 10},
+        {DWordType, BytesOf(-5.0f), 10},
+        {DWordType, BytesOf(Float::quiet_NaN()), 10},
+        {DWordType, BytesOf(Float::infinity()), 10},
+        {DWordType, BytesOf(Float::denorm_min()), Float::denorm_min()},
+        {DWordType, "\xFF\xFF\xFF", std::bit_cast<float>(0x00FFFFFF)},
+        {TextType, "12AC", std::bit_cast<float>(0x43413231)},
+        {BinaryType, BytesOf(400.0f), 400}};
     for (const auto& [type, data, rate] : rates) {
         platform::ClearRegistry();
         Store("Rate", type, data);
@@ -80,11 +82,14 @@ TEST_F(Settings, AreSavedByTheLastObject) {
     std::thread([] { EXPECT_FLOAT_EQ(1000.0f / 3, DriverObject().Rate()); }).join();
     EXPECT_EQ(0, platform::OpenRegistryKeys());
 
-    DriverState& state = AttachObject();
-    state.Input.Rate = 2000;  // beyond what may be stored
-    state.Crate.MarkSTARTMode = 5;
-    DetachObject(state);
-    EXPECT_EQ(std::pair(1000.0f / 3, int16_t{5}), Loaded());
+    const float tiny = std::numeric_limits<float>::denorm_min();
+    for (const auto& [rate, kept] : {std::pair{2000.0f, 1000.0f / 3}, {tiny, tiny}}) {  // the first can't be stored
+        DriverState& state = AttachObject();
+        state.Input.Rate = rate;
+        state.Crate.MarkSTARTMode = 5;
+        DetachObject(state);
+        EXPECT_EQ(std::pair(kept, int16_t{5}), Loaded());
+    }
 }
 
 TEST_F(Settings, DefaultValueIsTheNameAndWrittenOnlyWhenItDiffers) {
