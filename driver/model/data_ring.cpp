@@ -54,14 +54,4 @@ int32_t DataRing::Read(int16_t* destination, int32_t kadrs) {
     return wanted;
 }
 
-int32_t DataRing::LastWritten() const {
-    const uint32_t written = Written_.load(std::memory_order_acquire);
-    const uint32_t read = Read_.load(std::memory_order_acquire);
-    // ReadIndex is the place of counter `read`; the last kadr written lies (written - read - 1) places behind it. Once
-    // the counters have wrapped, a count of 0 still means what it says: the place before the first is the last one.
-    if (written == 0 && read == 0 && ReadIndex_ == 0) return 0;
-    const int64_t last = ReadIndex_ + int64_t{static_cast<int32_t>(written - read)} - 1;
-    return static_cast<int32_t>((last + Length_) % Length_) + 1;
-}
-
 }  // namespace corvane

@@ -3,7 +3,7 @@
 // - Memory is allocated once by Reset, while no writer runs; the ring keeps these dimensions until the next Reset.
 // - The writer adds whole blocks (Room, WritePlace, Commit); it never writes over an unread kadr. The length must be a
 //   whole multiple of the block, so that no block wraps.
-// - The reader takes any number of kadrs (Unread, Read); the positions that the host sees are views of its counters.
+// - The reader takes any number of kadrs (Unread, Read).
 // - Full and empty differ because the counters run on: they count kadrs modulo 2^32, and a ring is far shorter.
 #pragma once
 
@@ -34,11 +34,6 @@ public:
         return static_cast<int32_t>(Written_.load(std::memory_order_acquire) - Read_.load(std::memory_order_acquire));
     }
     int32_t Read(int16_t* destination, int32_t kadrs);
-
-    // The host's positions, 1-based.
-    int32_t ReadPos() const { return ReadIndex_ + 1; }
-    int32_t LastWritten() const;  // 0: nothing was written since Reset
-    bool Drained() const { return Unread() == 0; }
 
 private:
     struct Free {

@@ -20,26 +20,21 @@ void Write(DataRing& ring, int32_t kadrs, int16_t& next) {
     ring.Commit(kadrs);
 }
 
-TEST(DataRing, ReadsAcrossTheEndAndTellsPositions) {
+TEST(DataRing, ReadsAcrossTheEnd) {
     DataRing ring;
     ASSERT_TRUE(ring.Reset(2, 8));
-    EXPECT_EQ(ring.LastWritten(), 0);
     int16_t next = 1;
     Write(ring, 8, next);
     EXPECT_FALSE(ring.Room(1));
     std::vector<int16_t> out(100);
     EXPECT_EQ(ring.Read(out.data(), 6), 6);
-    EXPECT_EQ(ring.ReadPos(), 7);
-    EXPECT_EQ(ring.LastWritten(), 8);
     Write(ring, 4, next);
-    EXPECT_EQ(ring.LastWritten(), 4);
     EXPECT_EQ(ring.Unread(), 6);
     EXPECT_EQ(ring.Read(out.data(), 3), 3);
     for (size_t i = 0; i < 6; i++) EXPECT_EQ(out[i], static_cast<int16_t>(13 + i));
-    EXPECT_EQ(ring.ReadPos(), 2);
-    EXPECT_FALSE(ring.Drained());
+    EXPECT_EQ(ring.Unread(), 3);
     EXPECT_EQ(ring.Read(out.data(), 100), 3);
-    EXPECT_TRUE(ring.Drained());
+    EXPECT_EQ(ring.Unread(), 0);
     EXPECT_EQ(ring.Read(out.data(), -5), 0);
 }
 
@@ -81,7 +76,7 @@ TEST(DataRing, TwoThreadsPassEveryKadrOnceInOrder) {
     }
     writer.join();
     EXPECT_EQ(wrong, 0);
-    EXPECT_TRUE(ring.Drained());
+    EXPECT_EQ(ring.Unread(), 0);
 }
 
 TEST(InputState, SizesAreToldByTheRules) {
