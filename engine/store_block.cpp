@@ -41,8 +41,8 @@ void StoreDense(const StorePlan& plan, int32_t kadrs, int16_t* ring) {
     for (size_t m = 0; m < plan.Dense.size(); m++) {
         const StorePlan::DenseModule& module = plan.Dense[m];
         const auto* fitted = reinterpret_cast<const __m128i*>(module.Fitted);
-        const __m128i low = _mm_load_si128(fitted);
-        const __m128i high = _mm_load_si128(fitted + 1);
+        const __m128i low = _mm_loadu_si128(fitted);
+        const __m128i high = _mm_loadu_si128(fitted + 1);
         const double* values = module.Block;
         int16_t* kadr = ring + m * ModuleChannels;
         for (int32_t k = 0; k < kadrs; k++, values += ModuleChannels, kadr += plan.Channels) {

@@ -22,7 +22,7 @@ struct StorePlan {
     // All 16 channels of a module at once.
     struct DenseModule {
         const double* Block;
-        alignas(16) int16_t Fitted[ModuleChannels];  // -1: keep the sample, 0: an empty position, always 0
+        int16_t Fitted[ModuleChannels];  // -1: keep the sample, 0: an empty position, always 0
     };
     int16_t Channels = 0;            // samples of one kadr
     std::vector<DenseModule> Dense;  // the table is nothing but whole modules, in order ...
