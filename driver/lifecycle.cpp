@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 #include <mutex>
+#include <new>
 #include <vector>
 
 #include "common/mTypes3.h"
@@ -16,15 +18,31 @@ namespace corvane {
 namespace {
 
 struct ThreadEntry {
-    uint64_t ThreadId;
+    uintptr_t Token;  // what the state's host thread keeps; 0: no thread's any more
     std::unique_ptr<DriverState> State;
 };
 
-// A list under a lock rather than a thread-local variable: it is touched only when objects come and go, it lets the
-// component be unloaded, and it finds the state from any thread.
+// All states, so that they are found from any thread. Which one is the calling thread's, the token that it keeps says:
+// a running number, because the ids of threads and the addresses of states come again and would hand a dead thread's
+// device on to a new one. Held for moments only, and never while the system is asked for anything: LeaveThread comes
+// with the loader's lock held.
 std::vector<ThreadEntry> ThreadEntries;
 platform::Mutex EntriesLock;
-std::atomic<bool> ThreadLeftBehind = false;
+std::atomic<uintptr_t> LastToken = 0;
+
+// The calling thread's state, with the lock held; null: it has none.
+DriverState* FindState() {
+    const uintptr_t token = platform::ThreadToken();
+    for (const ThreadEntry& entry : ThreadEntries) {
+        if (token != 0 && entry.Token == token) return entry.State.get();
+    }
+    return nullptr;
+}
+
+auto EntryOf(const DriverState& state) {
+    return std::find_if(ThreadEntries.begin(), ThreadEntries.end(),
+                        [&](const ThreadEntry& each) { return each.State.get() == &state; });
+}
 
 std::unique_ptr<DriverState> MakeState() {
     auto state = std::make_unique<DriverState>();
@@ -36,51 +54,64 @@ std::unique_ptr<DriverState> MakeState() {
     return state;
 }
 
-// Takes the state off the list; null when objects remain on it.
-std::unique_ptr<DriverState> ReleaseInstance(DriverState& state) {
+// Takes note that an object is gone. True when it was the state's last; no thread finds the state then.
+bool ReleaseInstance(DriverState& state) {
     const std::lock_guard lock(EntriesLock);
-    if (--state.Instances > 0) return nullptr;
-    const auto entry = std::find_if(ThreadEntries.begin(), ThreadEntries.end(),
-                                    [&](const ThreadEntry& each) { return each.State.get() == &state; });
-    std::unique_ptr<DriverState> last = std::move(entry->State);
+    if (--state.Instances > 0) return false;
+    EntryOf(state)->Token = 0;
+    return true;
+}
+
+// Takes the state off the list.
+std::unique_ptr<DriverState> Remove(DriverState& state) {
+    const std::lock_guard lock(EntriesLock);
+    const auto entry = EntryOf(state);
+    std::unique_ptr<DriverState> removed = std::move(entry->State);
     ThreadEntries.erase(entry);
-    return last;
+    return removed;
 }
 
 }  // namespace
 
 DriverState& AttachObject() {
-    const uint64_t thread = platform::CurrentThreadId();
-    const std::lock_guard lock(EntriesLock);
-    auto entry = std::find_if(ThreadEntries.begin(), ThreadEntries.end(),
-                              [&](const ThreadEntry& each) { return each.ThreadId == thread; });
-    if (entry == ThreadEntries.end()) {
-        ThreadEntries.push_back({thread, MakeState()});
-        entry = ThreadEntries.end() - 1;
+    {
+        const std::lock_guard lock(EntriesLock);
+        if (DriverState* state = FindState()) {
+            state->Instances++;
+            return *state;
+        }
     }
-    entry->State->Instances++;
-    return *entry->State;
+    std::unique_ptr<DriverState> made = MakeState();
+    made->Instances = 1;
+    const uintptr_t token = ++LastToken;
+    if (!platform::SetThreadToken(token)) throw std::bad_alloc();
+    const std::lock_guard lock(EntriesLock);
+    ThreadEntries.push_back({token, std::move(made)});
+    return *ThreadEntries.back().State;
 }
 
 void DetachObject(DriverState& state) noexcept {
-    std::unique_ptr<DriverState> last = ReleaseInstance(state);
-    if (!last) return;
+    if (!ReleaseInstance(state)) return;
     bool closed = false;
     try {
-        closed = CloseDevice(*last);
-        SaveSettings(*last);
+        closed = CloseDevice(state);
+        SaveSettings(state);
     } catch (...) {
         // Nobody is left to be told.
     }
-    if (!closed) {
-        // The thread may still touch the state, so it stays for good, and so does the code.
-        ThreadLeftBehind = true;
-        static_cast<void>(last.release());
-    }
+    // A recording thread that has not come back may still touch the state: it stays, as the code does.
+    if (closed) Remove(state);
 }
 
-bool DriverMustStayLoaded() {
-    return ThreadLeftBehind;
+void LeaveThread() noexcept {
+    if (platform::ThreadToken() == 0) return;
+    const std::lock_guard lock(EntriesLock);
+    if (DriverState* state = FindState()) state->Engine.Busy = false;
+}
+
+void CloseWhatIsLeft() noexcept {
+    for (ThreadEntry& entry : ThreadEntries) CloseModules(*entry.State);
+    ThreadEntries.clear();
 }
 
 }  // namespace corvane

@@ -71,11 +71,6 @@ bool OpenModule(DriverState& state, ModuleRecord& module, const CrateListEntry& 
     return true;
 }
 
-void CloseModules(DriverState& state) {
-    for (ModuleRecord& module : state.Engine.Opened()) state.ModuleApi.Close(module.Handle);
-    state.Engine.OpenedCount = 0;
-}
-
 // Index of the crate to open, or -1.
 int ChooseCrate(DriverState& state) {
     if (state.CrateListCount < 1) return -1;
@@ -121,6 +116,11 @@ bool OpenDevice(DriverState& state) {
     ApplyRate(state, state.Input.Rate);
     state.Device.LastError.clear();
     return true;
+}
+
+void CloseModules(DriverState& state) {
+    for (ModuleRecord& module : state.Engine.Opened()) state.ModuleApi.Close(module.Handle);
+    state.Engine.OpenedCount = 0;
 }
 
 bool CloseDevice(DriverState& state) {

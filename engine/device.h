@@ -11,7 +11,10 @@ namespace corvane {
 bool OpenDevice(DriverState& state);
 
 // Ends a recording, waits for its thread and closes every module. False when the thread never came back from the vendor
-// library: nothing is closed then, and the state must stay for as long as the process lives.
+// library: nothing is closed then, and the state must stay.
 bool CloseDevice(DriverState& state);
+
+// Closes the opened modules. No recording thread may live.
+void CloseModules(DriverState& state);
 
 }  // namespace corvane

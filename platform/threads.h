@@ -8,7 +8,8 @@ namespace corvane::platform {
 
 using ThreadProcedure = void (*)(void* argument);
 
-// One thread: created suspended, let run by Resume, and known to have ended only when WaitEnd says so.
+// One thread: created suspended, let run by Resume, and known to have ended only when WaitEnd says so. It keeps the
+// library that its code is in from being unloaded.
 class Thread {
 public:
     Thread();
@@ -29,7 +30,10 @@ private:
     std::unique_ptr<Implementation> Implementation_;
 };
 
-uint64_t CurrentThreadId();
+// A number that the calling thread keeps: 0 in a new thread, whatever thread had its id before. SetThreadToken answers
+// false when the platform has no room for it.
+uintptr_t ThreadToken();
+bool SetThreadToken(uintptr_t token);
 
 // Milliseconds of the system's tick count; wraps after 49.7 days, so only differences mean something.
 uint32_t TickCount();

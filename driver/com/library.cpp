@@ -7,7 +7,6 @@
 #include "driver/com/guard.h"
 #include "driver/com/identifiers.h"
 #include "driver/com/registration.h"
-#include "driver/lifecycle.h"
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;  // the linker's name for where this library was loaded
 
@@ -42,8 +41,7 @@ std::wstring ModulePath() {
 using namespace corvane;
 
 STDAPI DllCanUnloadNow() {
-    // A recording thread that never came back from the vendor's library still runs this code.
-    return InterlockedCompareExchange(&Uses, 0, 0) == 0 && !DriverMustStayLoaded() ? S_OK : S_FALSE;
+    return InterlockedCompareExchange(&Uses, 0, 0) == 0 ? S_OK : S_FALSE;
 }
 
 STDAPI DllGetClassObject(REFCLSID classIdentifier, REFIID identifier, void** object) {

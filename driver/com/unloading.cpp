@@ -1,11 +1,20 @@
-// Leaves nothing behind when the library is unloaded. The compiler's thread runtime, linked into this library, takes a
-// thread-local slot and, for each thread that comes by, two handles. It gives a thread's handles back when that thread
-// ends, and the slot never: after some thousand loads in one process there would be no slot left.
+// Leaves nothing behind when a thread ends or the library is unloaded.
+//
+// Slots: the driver takes a thread-local slot, and so does the compiler's thread runtime, linked into this library,
+// with two handles for each thread that comes by. It gives a thread's handles back when that thread ends, and the slot
+// never: after some thousand loads in one process there would be no slot left.
+//
+// Devices: while objects live, DllCanUnloadNow says no, but the last CoUninitialize of a process unloads all the same.
+// With the loader's lock held no thread can end, so none can be waited for here. None needs to: each recording thread
+// holds this library until its own end, so that the library only goes when no recording runs. A recording that a dead
+// host thread left behind has been asked to stop when that thread ended.
 #include <windows.h>
+
+#include "driver/lifecycle.h"
 
 namespace {
 
-DWORD Slots[4];  // taken by the runtime; it takes one
+DWORD Slots[4];  // two are taken
 int SlotCount = 0;
 
 DWORD WINAPI RememberSlot() {
@@ -20,7 +29,7 @@ DWORD WINAPI RememberSlot() {
 
 extern "C" {
 
-// Takes the place of the import that the runtime calls TlsAlloc through.
+// Takes the place of the import that TlsAlloc is called through.
 extern DWORD(WINAPI* const ImportedTlsAlloc)() __asm__("__imp__TlsAlloc@0");
 DWORD(WINAPI* const ImportedTlsAlloc)() = RememberSlot;
 
@@ -28,7 +37,10 @@ DWORD(WINAPI* const ImportedTlsAlloc)() = RememberSlot;
 extern const PIMAGE_TLS_CALLBACK __xl_f;
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds) {
+    if (reason == DLL_THREAD_DETACH) corvane::LeaveThread();
+    // At the end of the process the other threads are gone already, wherever they were, and everything goes with it.
     if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
+        corvane::CloseWhatIsLeft();
         // For the runtime this thread ends here. No destructor that still runs uses it.
         __xl_f(instance, DLL_THREAD_DETACH, nullptr);
         for (int i = 0; i < SlotCount; i++) TlsFree(Slots[i]);

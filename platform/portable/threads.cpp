@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <functional>
 #include <mutex>
 #include <thread>
 
@@ -12,6 +11,12 @@ namespace corvane::platform {
 
 std::atomic<bool> SkipSleeps = false;
 std::atomic<bool> FailThreadCreation = false;
+
+namespace {
+
+thread_local uintptr_t Token = 0;
+
+}  // namespace
 
 struct Thread::Implementation {
     std::thread Worker;
@@ -66,8 +71,13 @@ bool Thread::WaitEnd(uint32_t timeoutMs) {
     return true;
 }
 
-uint64_t CurrentThreadId() {
-    return std::hash<std::thread::id>{}(std::this_thread::get_id());
+uintptr_t ThreadToken() {
+    return Token;
+}
+
+bool SetThreadToken(uintptr_t token) {
+    Token = token;
+    return true;
 }
 
 uint32_t TickCount() {

@@ -9,35 +9,44 @@ namespace {
 // Committed stack of a recording thread. The reserve stays the executable's default, so the thread may grow beyond it.
 constexpr SIZE_T ThreadStackBytes = 8192;
 
+// Not a thread_local variable: that would keep the component loaded for ever. Unloading the component gives all of its
+// slots back (driver/com/unloading.cpp).
+const DWORD TokenSlot = TlsAlloc();
+
 }  // namespace
 
 struct Thread::Implementation {
     HANDLE Handle = nullptr;
+    HMODULE Library = nullptr;  // what the code is in; the thread's own reference to it
     ThreadProcedure Procedure = nullptr;
     void* Argument = nullptr;
 
     // Realigns the stack through the compiler's -mstackrealign: the platform calls with 4-byte alignment.
     static DWORD WINAPI Run(void* self) {
         const auto* thread = static_cast<const Implementation*>(self);
+        const HMODULE library = thread->Library;
         thread->Procedure(thread->Argument);
-        return 0;
+        FreeLibraryAndExitThread(library, 0);
     }
 };
 
 Thread::Thread() : Implementation_(std::make_unique<Implementation>()) {}
 
 Thread::~Thread() {
-    WaitEnd(0);
+    if (Implementation_->Handle != nullptr) CloseHandle(Implementation_->Handle);
 }
 
 bool Thread::Create(ThreadProcedure procedure, void* argument) {
     if (Running()) return false;
-    Implementation_->Procedure = procedure;
-    Implementation_->Argument = argument;
+    Implementation& thread = *Implementation_;
+    const auto* code = reinterpret_cast<const wchar_t*>(reinterpret_cast<uintptr_t>(&Implementation::Run));
+    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, code, &thread.Library)) return false;
+    thread.Procedure = procedure;
+    thread.Argument = argument;
     DWORD id = 0;
-    Implementation_->Handle =
-        CreateThread(nullptr, ThreadStackBytes, &Implementation::Run, Implementation_.get(), CREATE_SUSPENDED, &id);
-    return Implementation_->Handle != nullptr;
+    thread.Handle = CreateThread(nullptr, ThreadStackBytes, &Implementation::Run, &thread, CREATE_SUSPENDED, &id);
+    if (thread.Handle == nullptr) FreeLibrary(thread.Library);
+    return thread.Handle != nullptr;
 }
 
 void Thread::Resume() {
@@ -52,8 +61,12 @@ bool Thread::WaitEnd(uint32_t timeoutMs) {
     return true;
 }
 
-uint64_t CurrentThreadId() {
-    return GetCurrentThreadId();
+uintptr_t ThreadToken() {
+    return reinterpret_cast<uintptr_t>(TlsGetValue(TokenSlot));
+}
+
+bool SetThreadToken(uintptr_t token) {
+    return TlsSetValue(TokenSlot, reinterpret_cast<void*>(token));
 }
 
 uint32_t TickCount() {

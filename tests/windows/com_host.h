@@ -46,6 +46,11 @@ private:
     HMODULE Module_;
 };
 
+// The component's file is in memory.
+inline bool Loaded() {
+    return GetModuleHandleW(L"Corvane.adc") != nullptr;
+}
+
 // Grows with each handle that this process leaves open, whatever it counts from.
 DWORD OpenHandles();
 

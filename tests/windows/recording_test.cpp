@@ -201,5 +201,33 @@ TEST_F(Recording, ASilentModuleHoldsOnlyTheNextStart) {
     EXPECT_TRUE(WaitFor([&] { return Start(1000); }, 3000));
 }
 
+TEST_F(Recording, WhatADeadThreadLeftEndsWithTheLibrary) {
+    Driver.Reset();
+    ASSERT_TRUE(WaitFor([] { return CoFreeUnusedLibrariesEx(0, 0), !Loaded(); }, 5000));
+    ASSERT_EQ(0, LtrSim_Configure(SequenceScenario(2).c_str())) << LtrSim_Message();
+    {
+        const LoadedComponent file;
+        const auto create = [&] {
+            ComPtr<IClassFactory> factory;
+            ComPtr<IADC3> driver;
+            EXPECT_EQ(S_OK, file.GetClassObject(__uuidof(::Corvane), IID_PPV_ARGS(&factory)));
+            EXPECT_EQ(S_OK, factory->CreateInstance(nullptr, IID_PPV_ARGS(&driver)));
+            return driver;
+        };
+        std::thread([&] {
+            IADC3* const driver = create().Detach();  // never released
+            EXPECT_TRUE(True(driver, &IADC3::Test) && True(driver, &IADC3::StartRecord));
+            EXPECT_EQ(0, LtrSim_AddFault("call = \"LTR27_Recv\"\nstall = true\n"));
+        }).join();
+        for (int heir = 0; heir < 20; heir++) {
+            std::thread([&] { EXPECT_FALSE(True(create().Get(), &IADC3::get_Detected)); }).join();
+        }
+        EXPECT_EQ(2, LtrSim_OpenConnections());
+    }
+    EXPECT_TRUE(WaitFor([] { return !Loaded(); }, 5000)) << "the recording thread still sat in a receive";
+    EXPECT_EQ(0, LtrSim_RunningModules());
+    EXPECT_EQ(0, LtrSim_OpenConnections());
+}
+
 }  // namespace
 }  // namespace corvane::test
