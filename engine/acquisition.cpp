@@ -34,11 +34,12 @@ private:
     void DropWords(int32_t& words, int32_t count);
     int32_t FindStartMark(int32_t words) const;
     void CompleteBlock(ModuleRecord& module, int32_t words);
-    void PauseUntil(uint32_t startTick, int32_t milliseconds) const;
+    void PauseUntilDue();
 
     DriverState& State_;
     EngineState& Engine_;
     const StorePlan Plan_;
+    uint32_t Due_ = platform::TickCount();  // ms; when the last block was there, or should have been
 };
 
 void Acquisition::Run() {
@@ -111,7 +112,6 @@ int32_t Acquisition::FindStartMark(int32_t words) const {
 }
 
 void Acquisition::ReceiveBlock() {
-    const uint32_t startTick = platform::TickCount();
     bool delivered = false;
     for (ModuleRecord& module : Engine_.UsedModules()) {
         if (!module.Used) continue;
@@ -123,14 +123,22 @@ void Acquisition::ReceiveBlock() {
         }
         if (!Busy()) return;
     }
-    // Modules that fail at once pace nothing: without this the ring would fill with repeated blocks in no time.
-    if (!delivered) PauseUntil(startTick, RoundToInt32(Engine_.BlockKadrs * 1000.0 / Engine_.BlockRate));
+    if (delivered) {
+        Due_ = platform::TickCount();
+    } else {
+        PauseUntilDue();
+    }
 }
 
-void Acquisition::PauseUntil(uint32_t startTick, int32_t milliseconds) const {
-    while (Busy() && static_cast<int32_t>(platform::TickCount() - startTick) < milliseconds) {
-        platform::SleepMs(Breath);
-    }
+// Modules that fail at once pace nothing: without this the ring would fill with repeated blocks in no time. The moments
+// follow each other at the rate, however long each block takes. A delay of up to a second is made up for; a longer one
+// comes from a host that did not read or from receives that timed out.
+void Acquisition::PauseUntilDue() {
+    constexpr int32_t LongestDelay = 1000;  // ms
+    Due_ += static_cast<uint32_t>(RoundToInt32(Engine_.BlockKadrs * 1000.0 / Engine_.BlockRate));
+    const auto late = [&] { return static_cast<int32_t>(platform::TickCount() - Due_); };
+    if (late() > LongestDelay) Due_ = platform::TickCount();
+    while (Busy() && late() < 0) platform::SleepMs(Breath);
 }
 
 // Receives up to `count` words to place `from` of the receive buffer. Words received, 0 or a negative code.
@@ -162,7 +170,8 @@ void Acquisition::DropWords(int32_t& words, int32_t count) {
 }
 
 // Makes the module's block of the `words` in the receive buffer, after one more try for the missing ones. What doesn't
-// come is mid-scale, sample 0. A block that can't be processed leaves the previous one in place.
+// come is mid-scale, sample 0; when it comes after all, it follows and shifts the module's time axis by what was filled
+// in. A block that can't be processed leaves the previous one in place.
 void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
     constexpr int32_t Calibrate = 1;
     constexpr int32_t KeepCodes = 0;
@@ -184,8 +193,9 @@ void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
 
 void AcquisitionThread(void* driverState) {
     auto& state = *static_cast<DriverState*>(driverState);
+    if (!state.Engine.Started) return;
     try {
-        if (state.Engine.Busy) Acquisition(state).Run();
+        Acquisition(state).Run();
     } catch (...) {
         // Only the plan's memory can fail; the recording then ends before it began.
     }

@@ -6,7 +6,7 @@
 namespace corvane {
 
 // Clears the busy flag, then stops every opened module. Called by the recording thread at its end, otherwise only when
-// no recording thread runs.
+// no recording thread runs or it is suspended.
 void StopAllModules(DriverState& state);
 
 }  // namespace corvane

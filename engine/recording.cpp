@@ -51,7 +51,6 @@ bool StartUsedModules(DriverState& state) {
         if (!module.Used) continue;
         if (!state.ModuleApi.ADCStart(module.Handle)) {
             state.Device.LastError = state.ModuleApi.GetErrorString();
-            StopAllModules(state);
             return false;
         }
         module.StartTick = platform::TickCount();
@@ -67,6 +66,26 @@ int32_t RequestStartMark(DriverState& state) {
     return made ? static_cast<int32_t>(mark & StartMarkBits) : NoMark;
 }
 
+// The time in which the recording thread exists but is suspended. It goes on at the end of it, come what may: to
+// record, or, when the start did not succeed, to its own end.
+class Starting {
+public:
+    explicit Starting(DriverState& state) : State_(state) { State_.Engine.Busy = true; }
+    ~Starting() {
+        if (!Succeeded) StopAllModules(State_);
+        State_.Engine.Started = Succeeded;
+        State_.Engine.Thread.Resume();
+        if (!Succeeded) StopRecording(State_);
+    }
+    Starting(const Starting&) = delete;
+    Starting& operator=(const Starting&) = delete;
+
+    bool Succeeded = false;
+
+private:
+    DriverState& State_;
+};
+
 bool StartAcquisitionThread(DriverState& state) {
     EngineState& engine = state.Engine;
     StopAllModules(state);
@@ -74,22 +93,19 @@ bool StartAcquisitionThread(DriverState& state) {
     SizeBlocks(engine, ApplyRate(state, state.Input.Rate));
     if (engine.UsedModules().empty()) return false;
     if (!ConfigureUsedModules(state)) return false;
-    engine.Busy = true;
+    Starting start(state);
     if (!engine.Thread.Create(&AcquisitionThread, &state)) {
         state.Device.LastError = "Unable create thread!";
         return false;
     }
-    if (!StartUsedModules(state)) {
-        engine.Thread.Resume();  // not busy any more: it ends at once
-        StopRecording(state);
-        return false;
-    }
+    if (!StartUsedModules(state)) return false;
     engine.MarkRef = RequestStartMark(state);
-    engine.Thread.Resume();
-    return engine.Busy;
+    return start.Succeeded = true;
 }
 
-bool CheckAndStart(DriverState& state) {
+}  // namespace
+
+bool StartRecording(DriverState& state) {
     DeviceInfo& device = state.Device;
     if (state.Engine.Thread.Running()) {
         device.LastError = "Please wait end of previous thread of recording!";
@@ -106,14 +122,6 @@ bool CheckAndStart(DriverState& state) {
     }
     const int32_t blockKadrs = BlockKadrsFor(EffectiveRate(state.Input, state.Input.Rate));
     return PrepareInputBuffer(state.Input, blockKadrs) && StartAcquisitionThread(state);
-}
-
-}  // namespace
-
-bool StartRecording(DriverState& state) {
-    const bool started = CheckAndStart(state);
-    if (!started) state.Engine.Busy = false;
-    return started;
 }
 
 void StopRecording(DriverState& state) {

@@ -19,6 +19,7 @@ constexpr int32_t NoMark = -1;                  // MarkRef when no START mark wa
 struct EngineState {
     std::atomic<bool> Busy = false;  // a request: the host clears it to stop, the thread when it ends
     platform::Thread Thread;         // a fact: the recording thread has ended when this says so
+    bool Started = false;            // set before the thread is let run: its modules convert, and it has to stop them
 
     std::vector<ModuleRecord> Modules;  // one per module of the chosen crate; only the first OpenedCount are open
     int16_t OpenedCount = 0;

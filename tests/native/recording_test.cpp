@@ -2,17 +2,37 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <new>
 
 #include "simulator/scenario.h"
 #include "tests/native/driver_fixture.h"
+
+namespace {
+
+thread_local int FailingAllocation = 0;  // counts this thread's allocations down; the one that brings it to 0 fails
+
+}  // namespace
+
+[[gnu::noinline]] void* operator new(size_t size) {
+    void* const memory = FailingAllocation > 0 && --FailingAllocation == 0 ? nullptr : std::malloc(size);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, size_t) noexcept {
+    std::free(memory);
+}
 
 namespace corvane {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-int64_t MillisecondsSince(Clock::time_point start) {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
+double MillisecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
 class RecordingTest : public DriverFixture {
@@ -42,16 +62,22 @@ TEST_F(RecordingTest, StartFailuresNameTheirReasonAndLeaveNothingRunning) {
         {"", [&] { Driver->SetInputSizeData(INT32_MAX); }},
         {"Error '-41':\r\n", [&] { AddFault("call = \"LTR27_SetConfig\"\nslot = 5\nerror = -41"); }},
         {"Unable create thread!", [] { platform::FailThreadCreation = true; }},
-        {"Error '-42':\r\n", [&] { AddFault("call = \"LTR27_ADCStart\"\nslot = 5\nerror = -42"); }},
+        {"Error '-42':\r\n",
+         [&] {
+             AddFault("call = \"LTR27_ADCStart\"\nslot = 5\nerror = -42");
+             AddFault("call = \"LTR27_ADCStop\"\ndelay = 0.1");
+         }},
     };
     for (const auto& [reason, fail] : cases) {
         fail();
-        EXPECT_FALSE(Driver->StartRecord()) << reason;
-        EXPECT_FALSE(Driver->Busy());
-        const std::string error = Driver->LastError();
-        EXPECT_TRUE(error.starts_with(reason)) << error;
-        EXPECT_EQ(error.empty(), std::string(reason).empty()) << error;
-        EXPECT_EQ(LtrSim_RunningModules(), 0);
+        for (int attempt = 0; attempt < 2; attempt++) {  // the second hears its own error: no thread is left
+            EXPECT_FALSE(Driver->StartRecord()) << reason;
+            EXPECT_FALSE(Driver->Busy());
+            const std::string error = Driver->LastError();
+            EXPECT_TRUE(error.starts_with(reason)) << error;
+            EXPECT_EQ(error.empty(), std::string(reason).empty()) << error;
+            EXPECT_EQ(LtrSim_RunningModules(), 0);
+        }
         state.Input.Rate = 1000;
         state.Input.ChTable = {0, 16};
         Driver->SetInputSizeData(32768);
@@ -64,11 +90,29 @@ TEST_F(RecordingTest, StartFailuresNameTheirReasonAndLeaveNothingRunning) {
     }
 }
 
+TEST_F(RecordingTest, AStartThatRunsOutOfMemoryLeavesNothingRunning) {
+    for (int allocation = 1, unused = 0; unused == 0; allocation++) {
+        Open(SequenceCrate({3, 5}, "1.0"), {0, 16}, 1000);
+        State().Crate.Serial = "no crate has such a long one";  // takes memory when the START mark is asked for
+        bool started = false;
+        FailingAllocation = allocation;
+        try {
+            started = Driver->StartRecord();
+        } catch (const std::bad_alloc&) {
+        }
+        unused = std::exchange(FailingAllocation, 0);
+        ASSERT_EQ(Driver->Busy(), started) << allocation;
+        ASSERT_EQ(LtrSim_RunningModules(), started ? 2 : 0) << allocation;
+        ASSERT_TRUE(started || !State().Engine.Thread.Running()) << allocation;
+        ASSERT_EQ(started, unused > 0);
+    }
+}
+
 TEST_F(RecordingTest, StartNeedsAnOpenDeviceAndTheEndOfThePreviousThread) {
     EXPECT_FALSE(Driver->StartRecord());
     EXPECT_EQ(Driver->LastError(), "");
-    Open(SequenceCrate({3, 5}, "1.0"), {0}, 4);
-    AddFault("call = \"LTR27_Recv\"\nstall = true");
+    Open(SequenceCrate({3, 5}, "1.0", "type = \"LTR010\""), {0, 16}, 4);
+    AddFault("call = \"LTR27_Recv\"\nslot = 3\nstall = true");
     ASSERT_TRUE(Driver->StartRecord());
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     const auto start = Clock::now();
@@ -80,6 +124,8 @@ TEST_F(RecordingTest, StartNeedsAnOpenDeviceAndTheEndOfThePreviousThread) {
     DriverState& state = State();
     Driver->SetRate(1000);
     EXPECT_EQ(state.Engine.Modules[0].Handle.FrequencyDivisor, 249);  // and its record
+    EXPECT_TRUE(Eventually([] { return LtrSim_RunningModules() == 0; }));
+    EXPECT_EQ(LtrSim_Calls("LTR27_Recv"), 1);  // the other module's turn never came
     EXPECT_TRUE(Eventually([&] { return Driver->StartRecord(); }));
     StopWhole();
 }
@@ -87,6 +133,8 @@ TEST_F(RecordingTest, StartNeedsAnOpenDeviceAndTheEndOfThePreviousThread) {
 TEST_F(RecordingTest, ChannelsOfBothModulesLandInTheirPlaces) {
     Open(SequenceCrate({3, 5}, "1.0"), {0, 15, 16, 17, 31}, 1000);
     Driver->SetInputSizeData(1500);
+    EXPECT_EQ(Driver->InputSizeKadrs(), 375);  // a quarter: the largest power of two not above five channels
+    EXPECT_EQ(Driver->InputSizeData(), 1875);
     ASSERT_TRUE(Driver->StartRecord());
     EXPECT_EQ(Driver->InputSizeKadrs(), 1536);  // whole blocks of 64
     Driver->SetRate(10);                        // both ignored while recording
@@ -180,19 +228,24 @@ TEST_F(RecordingTest, TheStartMarkBeginsTheRecording) {
         Open(SequenceCrate({3, 5}, "0", "start_marks = \"at once\"\nstart_mark_kadr = " + std::to_string(first)),
              {0, 16}, 1000);
         if (first == 3) AddFault("call = \"LTR27_Recv\"\nslot = 5\ntimes = 1\nstall = true");  // one comes later
+        // A block that can't be processed doesn't count: the module begins with its next one.
+        if (first == 64) AddFault("call = \"LTR27_ProcessData\"\nslot = 5\ntimes = 1\nerror = -1");
+        State().Crate.MarkSTARTMode = 4;
         const std::vector<int16_t> samples = Record(128);
         ASSERT_FALSE(samples.empty());
+        EXPECT_EQ(LtrSim_LastMarkMode(), 1);  // waits for DIGIN1 to rise
         EXPECT_EQ(KadrNumber(samples[0]), first);
-        EXPECT_EQ(KadrNumber(samples[1]), first);
+        EXPECT_EQ(KadrNumber(samples[1]), first == 64 ? 128 : first);
         EXPECT_EQ(KadrNumber(samples[2 * 127]), first + 127);
     }
 }
 
 TEST_F(RecordingTest, AMarkThatNeverComesBringsNoKadr) {
     Open(SequenceCrate({3, 5}, "1.0", "start_marks = \"never\""), {0, 16}, 1000);
-    std::this_thread::sleep_for(std::chrono::milliseconds(1100));  // the marks of seconds go on and mean nothing
+    // The seconds in the lower half of the marks tick before and while the mark is awaited, and mean nothing.
+    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
     ASSERT_TRUE(Driver->StartRecord());
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
     EXPECT_TRUE(Driver->Busy());
     EXPECT_EQ(Driver->InputCountKadrs(), 0);
     const auto start = Clock::now();
@@ -225,13 +278,44 @@ TEST_F(RecordingTest, UnpluggingGoesOnAndStopsInTime) {
     AddFault("slot = 3\nunplug = true");  // both gone: the repeated blocks keep the pace of the rate
     const int32_t before = Driver->InputCountKadrs();
     const auto start = Clock::now();
-    std::this_thread::sleep_for(std::chrono::milliseconds(640));
-    EXPECT_LE(Driver->InputCountKadrs() - before, MillisecondsSince(start) + 2 * 64);
+    std::this_thread::sleep_for(std::chrono::milliseconds(2500));
+    EXPECT_NEAR(Driver->InputCountKadrs() - before, MillisecondsSince(start), 2 * 64);
     const auto stop = Clock::now();
     Driver->StopRecord();
     EXPECT_LT(MillisecondsSince(stop), 140);
     EXPECT_EQ(Driver->LastError(), "");
     EXPECT_TRUE(Driver->Test());
+}
+
+TEST_F(RecordingTest, ADeadThreadHandsNothingOn) {
+    std::unique_ptr<DriverObject> orphan;
+    std::thread([&] {
+        orphan = std::make_unique<DriverObject>();
+        EXPECT_TRUE(orphan->Test() && orphan->StartRecord()) << orphan->LastError();
+    }).join();
+    std::thread([] {  // likely with the dead one's id
+        DriverObject heir;
+        EXPECT_FALSE(heir.Detected());
+        EXPECT_FALSE(heir.Busy());
+    })
+        .join();
+    EXPECT_EQ(LtrSim_RunningModules(), 1);
+    orphan.reset();
+    EXPECT_EQ(LtrSim_OpenConnections(), 0);
+}
+
+TEST_F(RecordingTest, AThreadThatStaysAwayKeepsItsState) {
+    Open(SequenceCrate({3}, "1.0"), {0}, 1000);
+    AddFault("call = \"LTR27_Recv\"\ndelay = 7.5");
+    ASSERT_TRUE(Driver->StartRecord());
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const auto start = Clock::now();
+    Driver.reset();
+    EXPECT_NEAR(MillisecondsSince(start), 128 + 2 * 564 + 5000, 300);
+    EXPECT_EQ(LtrSim_RunningModules(), 1);
+    EXPECT_TRUE(Eventually([] { return LtrSim_RunningModules() == 0; }));  // it came back and stopped its module
+    EXPECT_EQ(LtrSim_OpenConnections(), 1);
+    Configure(SequenceCrate({3}, "1.0"));  // takes the connection away
 }
 
 }  // namespace
