@@ -1,6 +1,6 @@
 // The only caller of ltr27api.dll. It keeps no module state: every operation takes the caller's record. The recording
-// thread calls Recv, RecvWithMarks and ProcessData, the host's thread the rest; whoever owns a record makes sure that
-// one record is never in two calls at the same time.
+// thread calls RecvWithMarks, ProcessData and, at its end, ADCStop; the host's thread calls all of it. Whoever owns a
+// record makes sure that it is never in two calls at the same time.
 #pragma once
 
 #include <atomic>
