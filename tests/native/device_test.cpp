@@ -38,7 +38,7 @@ TEST_F(DeviceTest, OpeningFailuresNameTheirReason) {
 }
 
 TEST_F(DeviceTest, TheFirstTwoModulesThatOpenAreUsed) {
-    Configure(SequenceCrate({2, 7, 9}, "1.0"));
+    Configure(SequenceCrate({2, 7, 9, 12}, "1.0"));
     AddFault("call = \"LTR27_Open\"\nslot = 2\nerror = -1");
     ASSERT_TRUE(Driver->Test());
     EXPECT_EQ(Driver->ChannelsCount(), 32);
@@ -49,6 +49,7 @@ TEST_F(DeviceTest, TheFirstTwoModulesThatOpenAreUsed) {
     EXPECT_EQ(Driver->ChannelUnitName(-1), "");
     EXPECT_EQ(Driver->ChannelUnitScale(32), 0);
     EXPECT_EQ(LtrSim_OpenConnections(), 2);
+    EXPECT_EQ(LtrSim_Calls("LTR27_ADCStop"), 2);  // whoever had them before may have left them running
 }
 
 TEST_F(DeviceTest, ObjectsOfOneThreadShareOneDevice) {
@@ -97,6 +98,8 @@ TEST_F(DeviceTest, SingleReadingsAreFreshEvery400Milliseconds) {
     EXPECT_EQ(Driver->GetChannel(0), 0);
     EXPECT_EQ(LtrSim_Calls("LTR27_ADCStop"), stops);
     StopWhole();
+    AddFault("call = \"LTR27_Recv\"\nshort = 8");  // half a kadr is no reading
+    EXPECT_EQ(Driver->GetKadr(), (std::vector<int16_t>{-16384, 0, -16384}));
 }
 
 }  // namespace

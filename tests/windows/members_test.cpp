@@ -91,14 +91,18 @@ TEST_F(Members, InputChannelsRefusesOtherArraysAndKeepsTheTable) {
 }
 
 TEST_F(Members, TextsCrossTheBorderWhole) {
-    ASSERT_TRUE(OpenSequence(2));
+    std::string scenario = SequenceScenario(2);
+    scenario.replace(scenario.rfind("top = 10"), 8, "top = 2.5");
+    ASSERT_EQ(0, LtrSim_Configure(scenario.c_str())) << LtrSim_Message();
+    ASSERT_TRUE(True(Driver.Get(), &IADC3::Test));
     const Array ranges(Read(Driver.Get(), &IADC3::get_Ranges));
     VARTYPE type = VT_EMPTY;
     EXPECT_EQ(S_OK, SafeArrayGetVartype(ranges.get(), &type));
     EXPECT_EQ(VT_BSTR, type);
     EXPECT_EQ(0, ranges->rgsabound[0].lLbound);
     ASSERT_EQ(16u, ranges->rgsabound[0].cElements);
-    EXPECT_STREQ(L"\u00B110 \u0412", static_cast<BSTR*>(ranges->pvData)[14]);
+    EXPECT_STREQ(L"\u00B110 \u0412", static_cast<BSTR*>(ranges->pvData)[13]);
+    EXPECT_STREQ(L"-10\u2026+2,5 \u0412", static_cast<BSTR*>(ranges->pvData)[14]) << "a Russian user's comma";
     short index = 17;
     BSTR name = nullptr;
     ASSERT_EQ(S_OK, Driver->get_ChannelName(&index, &name));
