@@ -68,7 +68,7 @@ int32_t TLTRAPI::GetCrates(uint32_t netAddr) {
     uint8_t serials[MaxCrates][VendorTextSize] = {};
     if (Connect(netAddr, {})) LastError_ = LTR_GetCrates(&Connection_, serials);
     LTR_Close(&Connection_);
-    if (LastError_ != 0) return LastError_ < 0 ? LastError_ : -1;  // a positive result would pass for a count
+    if (LastError_ != 0) return LastError_;
     int32_t count = 0;
     for (const auto& serial : serials) count += ReadCrate(netAddr, serial);
     return count;

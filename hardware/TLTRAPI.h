@@ -29,8 +29,9 @@ public:
     static std::string LibraryName();
     static bool LibraryPresent();  // always: the library is bound when the component is loaded
 
-    // Replaces the crate list by the crates of the server. Number of crates (0 to 16), or the negative vendor code of
-    // the step that failed. Crates that can't be opened are left out.
+    // Replaces the crate list by the crates of the server. Number of crates (0 to 16), or the vendor's code of the step
+    // that failed, which is negative as far as is known; the list is empty then. Crates that can't be opened are left
+    // out.
     int32_t GetCrates(uint32_t netAddr);
 
     // Asks the crate to make its START mark or to wait for one; mode 1 to 8 as in the setup dialog, counted from 1.

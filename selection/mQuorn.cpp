@@ -1,5 +1,7 @@
 #include "selection/mQuorn.h"
 
+#include <algorithm>
+
 #include "hardware/vendor_text.h"
 #include "platform/component.h"
 #include "platform/user_interface.h"
@@ -41,7 +43,8 @@ int16_t EnumerateCrates(DriverState& state, uint32_t netAddr, const std::string&
     state.CrateListCount = 0;
     TLTRAPI crates;
     const int32_t count = crates.GetCrates(netAddr);
-    for (int32_t i = 0; i < count; i++) {
+    // Where a failure has a positive code there are no crates behind that number.
+    for (int32_t i = 0; i < std::min(count, MaxCrates); i++) {
         std::vector<ModuleListEntry> modules = MatchingModules(crates, i, moduleFilter);
         if (modules.empty()) continue;
         state.CrateList.push_back({netAddr, AddressToText(netAddr), crates.CrateTypeText(i), crates.CrateSerial(i),

@@ -1,6 +1,7 @@
 // Location, keys and typed values; listings and export are in registry_export.cpp.
 #include "settings/cRegistry.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <iterator>
@@ -25,10 +26,17 @@ std::string StripAtNull(const std::string& text) {
     return text.substr(0, text.find('\0'));
 }
 
-// In the ANSI code page, where a character is a byte.
-std::string AnsiErrorText(int32_t code) {
-    const std::string text = SystemMessage(code, MessageRoom);
-    return text.size() > 2 ? text.substr(0, text.size() - 2) : std::string();
+// Where the last character of a UTF-8 text begins.
+size_t LastCharacter(const std::string& text) {
+    size_t start = text.size();
+    while (start > 0 && (static_cast<uint8_t>(text[--start]) & 0xC0) == 0x80) continue;
+    return start;
+}
+
+// Whether a UTF-8 text has more than so many characters.
+bool IsLonger(const std::string& text, size_t characters) {
+    return static_cast<size_t>(std::ranges::count_if(
+               text, [](char byte) { return (static_cast<uint8_t>(byte) & 0xC0) != 0x80; })) > characters;
 }
 
 }  // namespace
@@ -65,14 +73,15 @@ void cRegistry::SetKeyPath(const std::string& path) {
 }
 
 std::string cRegistry::SystemErrorText(int32_t code, bool cutAtPeriod) {
-    const std::string text = AnsiErrorText(code);
-    return FromAnsi(cutAtPeriod ? text.substr(0, text.find('.')) : text);
+    std::string text = FromAnsi(SystemMessage(code, MessageRoom));
+    text.resize(text.size() - std::min<size_t>(text.size(), 2));  // CR LF
+    return cutAtPeriod ? text.substr(0, text.find('.')) : text;
 }
 
 std::string cRegistry::LastErrorText() const {
-    std::string text = AnsiErrorText(LastError_);
-    if (text.size() > 4) text.pop_back();
-    return FromAnsi(text);
+    std::string text = SystemErrorText(LastError_, false);
+    if (IsLonger(text, 4)) text.resize(LastCharacter(text));
+    return text;
 }
 
 std::string cRegistry::RootKeyName(uint32_t root) {

@@ -42,15 +42,13 @@ std::string HexType(uint32_t type) {
 
 // A text value's data between quotes: up to its first zero, backslashes doubled, no spaces around it.
 std::string QuotedText(const RegistryBytes& data) {
+    // Converted first: in some code pages the second byte of a character looks like a backslash.
+    const std::string ansi(data.begin(), std::ranges::find(data, 0));
     std::string text;
-    for (const uint8_t byte : data) {
-        if (byte == 0) break;
-        if (byte == '\\') text += '\\';
-        text += static_cast<char>(byte);
-    }
+    for (const char character : FromAnsi(ansi)) text.append(character == '\\' ? 2 : 1, character);
     const size_t first = std::min(text.find_first_not_of(' '), text.size());
     const size_t last = text.find_last_not_of(' ');
-    return '"' + FromAnsi(std::string_view(text).substr(first, last + 1 - first)) + '"';
+    return '"' + text.substr(first, last + 1 - first) + '"';
 }
 
 int32_t EnumNameOfValue(RegistryKey key, uint32_t index, char* name, uint32_t& length) {
@@ -129,9 +127,9 @@ uint32_t cRegistry::QueryValue(uint32_t root, const std::string& path, const std
 
 int32_t cRegistry::EnumNames(uint32_t root, const std::string& path, std::vector<std::string>& names,
                              uint32_t KeyInfo::*count, uint32_t KeyInfo::*longest, EnumerateName next) {
-    names.assign(1, path);
+    names = {std::string(path)};  // which may stand in the list itself
     HeldKey key;
-    if (!OpenForListing(key, root, path)) return 0;
+    if (!OpenForListing(key, root, names[0])) return 0;
     KeyInfo info;
     Record(QueryKeyInfo(key.Handle, info));
     for (uint32_t index = 0; index < info.*count; index++) {

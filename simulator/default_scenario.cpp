@@ -157,7 +157,7 @@ signal = [{ kind = "ramp", amplitude = 40, frequency = 0.01, offset = 60 },
 # Faults. What they aim at: call (a function's name), server, crate (serial), slot; each left out is any. LTR_ functions
 # don't know a slot, and the two Init functions not even where they will connect to: they can't be aimed by these. When:
 # after (so many matching calls pass first), at (seconds since the start), times (so many calls are affected; left out:
-# all). What they do, exactly one of: error = -n; delay = seconds; short = words that LTR27_Recv delivers at most;
+# all). What they do, exactly one of: error = n; delay = seconds; short = words that LTR27_Recv delivers at most;
 # stall = true, LTR27_Recv delivers nothing; unplug = true, all later calls for the server, crate or slot fail.
 # [[fault]]
 # call = "LTR27_Recv"

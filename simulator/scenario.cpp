@@ -205,7 +205,9 @@ void ReadFaultAction(const TomlTable& table, Fault& fault) {
     fault.Kind = action->Meaning;
     const std::string_view key = action->Name;
     if (fault.Kind == FaultKind::Error) {
-        fault.Code = static_cast<int32_t>(*table.Integer(key, std::numeric_limits<int32_t>::min(), -1));
+        using Codes = std::numeric_limits<int32_t>;
+        fault.Code = static_cast<int32_t>(*table.Integer(key, Codes::min(), Codes::max()));
+        if (fault.Code == 0) table.Refuse(key, "can't be 0, which is success");
     } else if (fault.Kind == FaultKind::Delay) {
         fault.Seconds = *table.Number(key, 0, 10);  // calls of a simulation must end
     } else if (fault.Kind == FaultKind::Short) {

@@ -61,14 +61,15 @@ std::string RangeText(const MezzanineInfo& mezzanine) {
 void DescribeRange(DeviceInfo& device, size_t range, const MezzanineInfo& mezzanine) {
     device.UnitNames[range] = LatinUnitName(mezzanine.Unit);
     const float span = mezzanine.Top - mezzanine.Bottom;
+    const float scale = 32768 / span, offset = (mezzanine.Top + mezzanine.Bottom) / 2;
     // A mezzanine whose memory holds no usable coefficients is shown by its name, with the default scale.
-    if (span == 0 || !std::isfinite(span)) {
+    if (!std::isfinite(span) || !std::isfinite(scale) || !std::isfinite(offset)) {
         device.Ranges[range] = mezzanine.Name;
         return;
     }
     device.Ranges[range] = RangeText(mezzanine);
-    device.UnitScales[range] = 32768 / span;
-    device.UnitOffsets[range] = (mezzanine.Top + mezzanine.Bottom) / 2;
+    device.UnitScales[range] = scale;
+    device.UnitOffsets[range] = offset;
 }
 
 }  // namespace

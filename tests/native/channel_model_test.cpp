@@ -38,6 +38,8 @@ TEST(ChannelModel, RangesFollowTheMezzanines) {
         {{"T", "", "", "°C", -5, -50}, "-50…-5 °C", "°C", 32768 / 45.0f, -27.5f},
         {{"Z", "", "", "В", 0, -0.0f}, "Z", "V", 1638.4f, 0},
         {{"N", "", "", "V", nan, 0}, "N", "V", 1638.4f, 0},
+        {{"S", "", "", "V", 1e-38f, 0}, "S", "V", 1638.4f, 0},         // an infinite scale
+        {{"O", "", "", "V", 3.4e38f, 3.3e38f}, "O", "V", 1638.4f, 0},  // an infinite offset
         {{"", "", "", "", 1, -1}, "Empty", "", 1638.4f, 0},
     };
     for (const auto& expected : cases) {

@@ -44,6 +44,8 @@ TEST(TLTRAPI, ListsCratesAndToleratesIndexesOutside) {
     }
     EXPECT_EQ(api.CrateSerial(2), "");
     EXPECT_LT(api.GetCrates(0x0A000001), 0);
+    ASSERT_EQ(LtrSim_AddFault("call = \"LTR_GetCrates\"\nerror = 2"), 0) << LtrSim_Message();
+    EXPECT_EQ(api.GetCrates(0x7F000001), 2) << "the library's code, though no negative one";
     EXPECT_EQ(api.CrateSerial(0), "");
     EXPECT_EQ(LtrSim_OpenConnections(), 0);
 }

@@ -36,6 +36,11 @@ TEST(Enumeration, ListsCratesWithMatchingModulesOnly) {
     EXPECT_EQ(state.CrateList[0].Modules[1].Slot, 5);
     EXPECT_EQ(EnumerateCrates(state, 0x7F000001, ""), 2);
     EXPECT_EQ(state.CrateList[1].Modules.size(), 3u);
+    // A positive code is no count of crates, and no failed query either.
+    ASSERT_EQ(LtrSim_AddFault("call = \"LTR_GetCrates\"\nerror = 2147483647"), 0) << LtrSim_Message();
+    EXPECT_EQ(FindCrates(state, "LTR27"), 0);
+    EXPECT_EQ(state.CrateList.size(), 0u);
+    LtrSim_ClearFaults();
     EXPECT_EQ(EnumerateCrates(state, 0x0A000001, ""), 0);
     EXPECT_EQ(EnumerateCrates(state, 0x0A000002, ""), -1);
     EXPECT_EQ(state.Device.LastError, "");

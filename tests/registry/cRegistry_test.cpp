@@ -1,5 +1,6 @@
 // The rules of cRegistry, the same on every registry. Names are created in alphabetical order: the real registry may
 // list them so.
+#include "platform/ansi_text.h"
 #include "tests/registry/registry_operations.h"
 
 namespace corvane::test {
@@ -175,6 +176,10 @@ TEST_F(RegistryTest, ListingsBeginWithThePath) {
     EXPECT_EQ((std::vector<std::string>{Stage, "A \"quoted\" one", "b", "Ян"}), names);
     EXPECT_EQ(4, Registry.EnumValues(CurrentUser, Stage, names));
     EXPECT_EQ((std::vector<std::string>{Stage, "", "A \"quoted\" one", "b", "Ян"}), names);
+    StoreRaw(Stage + "\\b\\sub", "", TextType, "");
+    names = {"", Stage + "\\b"};
+    EXPECT_EQ(1, Registry.EnumSubKeys(CurrentUser, names[1], names)) << "the path may stand in the list";
+    EXPECT_EQ((std::vector<std::string>{Stage + "\\b", "sub"}), names);
     EXPECT_GT(Registry.EnumSubKeys(CurrentUser, "", names), 0) << "the root itself";
     EXPECT_EQ("", names[0]);
 }
@@ -222,6 +227,20 @@ TEST_F(RegistryTest, ExportGoesDepthFirst) {
               Registry.ExportKey(CurrentUser, Stage, true));
     EXPECT_EQ("", Registry.ExportKey(CurrentUser, Stage + "\\none", true));
     EXPECT_TRUE(Registry.ExportKey(CurrentUser, "", false).starts_with("\r\n[HKEY_CURRENT_USER]\r\n"));
+}
+
+// In code page 932, where one character has the bytes 83 5C and the last of an error's text has two; in 1251 they are
+// letters of their own.
+TEST_F(RegistryTest, CharactersOfTwoBytesStayWhole) {
+    StoreRaw(Stage, "v", TextType, "\x83\\\0"s);
+    const bool one = platform::FromAnsi("\x83\\") == "ソ";
+    EXPECT_EQ("\r\n[HKEY_CURRENT_USER\\" + Stage + "]\r\n\"v\"=\"" + (one ? "ソ" : "ѓ\\\\") + "\"\r\n",
+              Registry.ExportKey(CurrentUser, Stage, false));
+    Registry.KeyExists(CurrentUser, Stage + "\\none");
+    const std::string whole = cRegistry::SystemErrorText(2, false), cut = Registry.LastErrorText();
+    ASSERT_TRUE(whole.starts_with(cut)) << whole << " / " << cut;
+    const std::string end = whole.substr(cut.size());
+    EXPECT_TRUE(end == "." || end == "。") << whole;
 }
 
 TEST_F(RegistryTest, ErrorTextsAreThePlatformsWithoutTheirEnd) {
