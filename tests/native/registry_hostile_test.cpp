@@ -12,15 +12,12 @@ namespace {
 
 using namespace std::string_literals;
 using platform::BinaryType;
-using platform::DWordType;
 using platform::StoreValue;
-using platform::TextType;
 
 class HostileRegistry : public testing::Test {
 protected:
     void SetUp() override {
         platform::ClearRegistry();
-        StoreValue(CurrentUser, Stage, "", TextType, "first\0"s);
         StoreValue(CurrentUser, Stage, "n", BinaryType, "abcdefgh");
         Registry.SetKeyPath(Stage);
     }
@@ -29,38 +26,29 @@ protected:
         EXPECT_EQ(0, platform::OpenRegistryKeys());
     }
 
-    // "n" becomes something else before the call with this number.
-    static void ChangeBefore(int call, const RawValue& before, const RawValue& after) {
-        StoreValue(CurrentUser, Stage, "n", before.first, before.second);
-        platform::InterceptRegistry([=](int number) {
-            if (number == call) StoreValue(CurrentUser, Stage, "n", after.first, after.second);
-            return 0;
-        });
-    }
-
     cRegistry Registry;
 };
 
-const std::string Head = "\r\n[HKEY_CURRENT_USER\\" + Stage + "]\r\n@=\"first\"\r\n";
-
 TEST_F(HostileRegistry, ValuesThatChangeBetweenLengthAndDataGiveWhatFits) {
-    // What it becomes, the text and the bytes that are read, the error of the bytes.
-    const std::tuple<RawValue, std::string, std::string, int32_t> cases[] = {
-        {{BinaryType, "abcdefghi"}, "", "mine", 234},
-        {{BinaryType, "ab"}, "ab", "ab\0\0\0\0\0\0"s, 0},
-        {{TextType, ""}, "", "\0\0\0\0\0\0\0\0"s, 0},
-    };
-    constexpr int reading = 3;  // 1 opens, 2 learns the length
+    // What "n" becomes, what is then read of it as a text and as bytes, the error of the latter.
+    const std::tuple<std::string, std::string, std::string, int32_t> cases[] = {
+        {"abcdefghi", "", "mine", 234}, {"ab", "ab", "ab\0\0\0\0\0\0"s, 0}, {"", "", "\0\0\0\0\0\0\0\0"s, 0}};
     for (const auto& [after, readText, readBytes, error] : cases) {
+        const auto change = [&after = after](int call) {
+            if (call == 3) StoreValue(CurrentUser, Stage, "n", BinaryType, after);  // 1 opens, 2 learns the length
+            return 0;
+        };
         std::string text = "mine";
-        ChangeBefore(reading, {BinaryType, "abcdefgh"}, after);
+        platform::InterceptRegistry(change);
         EXPECT_TRUE(Registry.ReadStringAt(CurrentUser, Stage, "n", text));
         EXPECT_EQ(readText, text);
+        StoreValue(CurrentUser, Stage, "n", BinaryType, "abcdefgh");
         RegistryBytes bytes = {'m', 'i', 'n', 'e'};
-        ChangeBefore(reading, {BinaryType, "abcdefgh"}, after);
+        platform::InterceptRegistry(change);
         EXPECT_EQ(error == 0, Registry.ReadBinary("n", bytes));
         EXPECT_EQ(readBytes, std::string(bytes.begin(), bytes.end()));
         EXPECT_EQ(error, Registry.LastError());
+        StoreValue(CurrentUser, Stage, "n", BinaryType, "abcdefgh");
     }
 }
 
@@ -69,10 +57,9 @@ TEST_F(HostileRegistry, NamesThatNoAnsiCallCanOpenEndTheDescent) {
     platform::StoreSubKey(CurrentUser, Stage, "a\0b"s);
     platform::StoreSubKey(CurrentUser, Stage, "");
     platform::StoreSubKey(CurrentUser, Stage + "\\a", "c");
-    const std::string text = Registry.ExportKey(CurrentUser, Stage, true);
-    EXPECT_EQ(Head + "\"n\"=hex:61,62,63,64,65,66,67,68\r\n" + "\r\n[HKEY_CURRENT_USER\\" + Stage +
-                  "\\a]\r\n\r\n[HKEY_CURRENT_USER\\" + Stage + "\\a\\c]\r\n",
-              text);
+    const std::string head = "\r\n[HKEY_CURRENT_USER\\" + Stage;
+    EXPECT_EQ(head + "]\r\n\"n\"=hex:61,62,63,64,65,66,67,68\r\n" + head + "\\a]\r\n" + head + "\\a\\c]\r\n",
+              Registry.ExportKey(CurrentUser, Stage, true));
 }
 
 // Every operation with each of its calls failing: no key stays open, the code is kept, nothing is written.
@@ -89,13 +76,10 @@ TEST_F(HostileRegistry, EveryFailureEndsTheOperationCleanly) {
     }
     platform::InterceptRegistry([](int) { return 1450; });
     EXPECT_EQ("", Registry.ExportKey(CurrentUser, Stage, true));
-}
-
-TEST_F(HostileRegistry, TheSameLocationIsAssignedWithoutACall) {
     const int calls = platform::RegistryCalls();
     Registry.SetKeyPath(Stage);
     Registry.SetRootKey(CurrentUser);
-    EXPECT_EQ(calls, platform::RegistryCalls());
+    EXPECT_EQ(calls, platform::RegistryCalls()) << "the same location is assigned without a call";
 }
 
 }  // namespace
