@@ -146,7 +146,12 @@ HRESULT Corvane::get_InputChannels(SAFEARRAY** result) {
 }
 
 HRESULT Corvane::put_InputChannels(SAFEARRAY** table) {
-    return Guard([&] { Driver_.SetInputChannels(FromArray(*table)); }, table);
+    return Guard(
+        [&] {
+            // While a recording runs no table counts, so that none is looked at.
+            if (!Driver_.Busy()) Driver_.SetInputChannels(FromArray(*table));
+        },
+        table);
 }
 
 HRESULT Corvane::GetChannel(short* index, short* result) {

@@ -14,10 +14,7 @@
 
 namespace corvane {
 
-class Corvane final : private LibraryUse,
-                      public ScriptMembers,
-                      public Dual<IADC3, ADCInterface3Resource>,
-                      public IProvideClassInfo {
+class Corvane final : private LibraryUse, public ScriptMembers, public TypedMembers, public IProvideClassInfo {
 public:
     // Born with one reference, the caller's.
     Corvane() : ScriptMembers(static_cast<IADC3&>(*this)) {}

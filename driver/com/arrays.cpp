@@ -44,7 +44,8 @@ SAFEARRAY* ToArray(std::span<const std::string> texts) {
 }
 
 std::vector<int16_t> FromArray(SAFEARRAY* array) {
-    if (array == nullptr || SafeArrayGetDim(array) != 1 || !HoldsShorts(array)) throw Failure{E_INVALIDARG};
+    if (array == nullptr) return {};
+    if (SafeArrayGetDim(array) != 1 || !HoldsShorts(array)) throw Failure{E_INVALIDARG};
     const size_t size = array->rgsabound[0].cElements;
     if (size == 0) return {};
     if (array->pvData == nullptr) throw Failure{E_INVALIDARG};

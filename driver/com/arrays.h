@@ -49,8 +49,8 @@ private:
 SAFEARRAY* ToArray(std::span<const int16_t> samples);
 SAFEARRAY* ToArray(std::span<const std::string> texts);
 
-// Elements of a one-dimensional array of short, whatever its lower bound; it may be empty. E_INVALIDARG for a null
-// array, for other elements and for more dimensions.
+// Elements of a one-dimensional array of short, whatever its lower bound; it may be empty, which null is too: a dynamic
+// array that was never allocated. E_INVALIDARG for other elements and for more dimensions.
 std::vector<int16_t> FromArray(SAFEARRAY* array);
 
 // All unread kadrs: dimension 1 is the channel position, dimension 2 the kadr, where kadr 0 holds the channel numbers.

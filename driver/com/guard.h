@@ -48,11 +48,13 @@ HRESULT Guard(Body body, Needed*... needed) noexcept {
     }
 }
 
-// Runs `body` and stores what it returns in `*result`, which is 0 or null after a failure.
+// Runs `body` and stores what it returns in `*result`, which is 0 or null after a failure. A host may pass one variable
+// as argument and for the result, so nothing is stored before the body has read its arguments.
 template <class Result, class Body, class... Needed>
 HRESULT Guard(Result* result, Body body, Needed*... needed) noexcept {
-    if (result != nullptr) *result = Result{};
-    return Guard([&] { Store(result, body()); }, result, needed...);
+    const HRESULT answer = Guard([&] { Store(result, body()); }, result, needed...);
+    if (FAILED(answer) && result != nullptr) *result = Result{};
+    return answer;
 }
 
 }  // namespace corvane

@@ -61,6 +61,13 @@ bool IsScriptsGetData(DISPID id, WORD flags, const DISPPARAMS& parameters, UINT*
     throw Failure{DISP_E_TYPEMISMATCH};
 }
 
+// A table for a recording that runs.
+bool IsLateTable(IADC3& driver, DISPID id, WORD flags, const DISPPARAMS& parameters) {
+    VARIANT_BOOL busy = VARIANT_FALSE;
+    return id == InputChannelsMember && flags == DISPATCH_PROPERTYPUT && parameters.cArgs == 1 &&
+           SUCCEEDED(driver.get_Busy(&busy)) && busy != VARIANT_FALSE;
+}
+
 // No member but GetData changes its arguments, so values serve for all of them; IADC3's dispatch makes of them what the
 // member wants.
 void InvokeWithValues(IADC3& driver, DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
@@ -87,6 +94,12 @@ void InvokeWithValues(IADC3& driver, DISPID id, WORD flags, const DISPPARAMS& pa
 
 }  // namespace
 
+HRESULT TypedMembers::Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
+                             VARIANT* result, EXCEPINFO* exception, UINT* argument) {
+    if (parameters != nullptr && reserved == IID_NULL && IsLateTable(*this, id, flags, *parameters)) return S_OK;
+    return Dual::Invoke(id, reserved, locale, flags, parameters, result, exception, argument);
+}
+
 HRESULT ScriptMembers::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) {
     const HRESULT own = Dual::GetIDsOfNames(reserved, names, count, locale, ids);
     if (own != DISP_E_UNKNOWNNAME || count == 0 || ids[0] != DISPID_UNKNOWN) return own;
@@ -104,6 +117,7 @@ HRESULT ScriptMembers::Invoke(DISPID id, REFIID reserved, LCID locale, WORD flag
             // Some engines can't tell a value from a reference when they assign, and ask for both.
             constexpr WORD puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
             const WORD asked = (flags & puts) != 0 ? WORD{DISPATCH_PROPERTYPUT} : flags;
+            if (IsLateTable(Driver_, id, asked, *parameters)) return;
             if (IsScriptsGetData(id, asked, *parameters, argument)) {
                 GetDataIntoVariable(Driver_, *parameters, result);
             } else if (id == GetDataMember) {

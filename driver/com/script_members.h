@@ -1,12 +1,25 @@
-// The object's own IDispatch: that of _Corvane, which also answers IADC3's members by name, so that a script can
-// record. On this road, and only on it, arrays come out as arrays of VARIANT, and arguments go in in any form that a
-// script makes. Unknown names and identifiers, wrong counts and types are answered with automation's own results.
+// The two dispatch interfaces of the object. Its own is that of _Corvane, which also answers IADC3's members by name,
+// so that a script can record. On this road, and only on it, arrays come out as arrays of VARIANT, and arguments go in
+// in any form that a script makes. Unknown names and identifiers, wrong counts and types are answered with automation's
+// own results.
 #pragma once
 
 #include "driver/com/automation.h"
 #include "driver/com/identifiers.h"
 
 namespace corvane {
+
+// IADC3's own IDispatch. While a recording runs it ignores any value for InputChannels, as the member ignores any
+// table.
+class TypedMembers : public Dual<IADC3, ADCInterface3Resource> {
+public:
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
+                                     VARIANT* result, EXCEPINFO* exception, UINT* argument) override;
+
+protected:
+    TypedMembers() = default;
+    ~TypedMembers() = default;
+};
 
 class ScriptMembers : public Dual<_Corvane, TessmarkResource> {
 public:

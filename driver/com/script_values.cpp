@@ -20,7 +20,8 @@ int16_t ReadShort(VARIANT& element) {
 
 std::vector<int16_t> ReadArray(SAFEARRAY* array) {
     VARTYPE type = VT_EMPTY;
-    if (array == nullptr || SafeArrayGetDim(array) != 1) throw Failure{DISP_E_TYPEMISMATCH};
+    if (array == nullptr) return {};  // never allocated
+    if (SafeArrayGetDim(array) != 1) throw Failure{DISP_E_TYPEMISMATCH};
     Check(SafeArrayGetVartype(array, &type));
     // Numbers of at most 8 bytes fit beside the type; decimals and records don't.
     if (type != VT_VARIANT && (type == VT_RECORD || SafeArrayGetElemsize(array) > sizeof(LONGLONG))) {

@@ -50,6 +50,9 @@ TEST_F(Members, AnswerNullPointersWithoutHarm) {
          driver->GetData(&sample, &count, &remaining, nullptr)},
     };
     for (const Results& each : answers) EXPECT_EQ(Results(each.size(), E_POINTER), each);
+    sample = 7;
+    EXPECT_EQ(E_POINTER, driver->get_ChannelRange(nullptr, &sample));
+    EXPECT_EQ(0, sample) << "the result of a failure";
     EXPECT_FALSE(True(driver, &IADC3::get_Detected)) << "Test with a null result opened the device";
 }
 
@@ -68,26 +71,53 @@ TEST_F(Members, InputChannelsTakesArraysOfAnyLowerBound) {
     EXPECT_EQ((std::vector<short>{7, 9}), SelectedChannels(Driver.Get()));
     SelectChannels(Driver.Get(), {});
     EXPECT_EQ(std::vector<short>{0}, SelectedChannels(Driver.Get()));
+    SelectChannels(Driver.Get(), {2, 4});
+    array = nullptr;
+    EXPECT_EQ(S_OK, Driver->put_InputChannels(&array)) << "a dynamic array that was never allocated";
+    EXPECT_EQ(std::vector<short>{0}, SelectedChannels(Driver.Get()));
 }
 
-TEST_F(Members, InputChannelsRefusesOtherArraysAndKeepsTheTable) {
+TEST_F(Members, InputChannelsRefusesOtherArraysAndWhileRecordingHearsNone) {
+    ASSERT_TRUE(OpenSequence(1));
     SelectChannels(Driver.Get(), {2, 4});
     SAFEARRAYBOUND bounds[] = {{2, 0}, {2, 0}};
     SAFEARRAY unallocated = {1, FADF_STATIC | FADF_FIXEDSIZE, sizeof(short), 0, nullptr, {{2, 0}}};
     const std::pair<const char*, SAFEARRAY*> arrays[] = {
-        {"null array", nullptr},
         {"two dimensions", SafeArrayCreate(VT_I2, 2, bounds)},
         {"long", SafeArrayCreate(VT_I4, 1, bounds)},
         {"same size, other type", SafeArrayCreate(VT_BOOL, 1, bounds)},
         {"VARIANT", SafeArrayCreate(VT_VARIANT, 1, bounds)},
         {"no data", &unallocated},
     };
-    for (const auto& [name, array] : arrays) {
-        SAFEARRAY* argument = array;
-        EXPECT_EQ(E_INVALIDARG, Driver->put_InputChannels(&argument)) << name;
-        EXPECT_EQ((std::vector<short>{2, 4}), SelectedChannels(Driver.Get())) << name;
-        if (array != &unallocated) SafeArrayDestroy(array);
+    for (const bool recording : {false, true}) {
+        ASSERT_EQ(recording, recording && Start(1000));
+        for (const auto& [name, array] : arrays) {
+            SAFEARRAY* argument = array;
+            EXPECT_EQ(recording ? S_OK : E_INVALIDARG, Driver->put_InputChannels(&argument)) << name;
+            EXPECT_EQ((std::vector<short>{2, 4}), SelectedChannels(Driver.Get())) << name;
+            if (recording && array != &unallocated) SafeArrayDestroy(array);
+        }
     }
+    SAFEARRAY* none = nullptr;
+    EXPECT_EQ(S_OK, Driver->put_InputChannels(&none));
+    EXPECT_EQ((std::vector<short>{2, 4}), SelectedChannels(Driver.Get())) << "a null array while recording";
+    EXPECT_EQ(S_OK, Driver->StopRecord());
+}
+
+TEST_F(Members, OneVariableMayBeArgumentAndResult) {
+    ASSERT_TRUE(OpenSequence(1));
+    short range = 5, sample = 9;
+    EXPECT_EQ(S_OK, Driver->get_ChannelRange(&range, &range));
+    EXPECT_EQ(2, range);
+    EXPECT_EQ(S_OK, Driver->GetChannel(&sample, &sample));
+    EXPECT_NE(9, sample);
+    ASSERT_TRUE(Start(1000));
+    ASSERT_TRUE(WaitForKadrs(64));
+    EXPECT_EQ(S_OK, Driver->StopRecord());
+    std::vector<short> samples(100);
+    LONG number = 100, remaining = 0;
+    EXPECT_EQ(S_OK, Driver->GetData(samples.data(), &number, &remaining, &number));
+    EXPECT_EQ(6, number) << "the result is stored last: whole kadrs of 16";
 }
 
 TEST_F(Members, TextsCrossTheBorderWhole) {

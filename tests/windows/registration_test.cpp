@@ -114,8 +114,8 @@ TEST_F(Registration, LibraryLeavesWhenNothingUsesItAndComesAgain) {
         ASSERT_NE(nullptr, driver);
         CoFreeUnusedLibrariesEx(0, 0);
         ASSERT_TRUE(Loaded()) << "an object still lives";
-        SAFEARRAY* none = nullptr;
-        EXPECT_EQ(E_INVALIDARG, driver->put_InputChannels(&none)) << "an exception inside takes resources too";
+        SAFEARRAY nothing = {}, *table = &nothing;
+        EXPECT_EQ(E_INVALIDARG, driver->put_InputChannels(&table)) << "an exception inside takes resources too";
         driver.Reset();
         ASSERT_TRUE(WaitFor([] { return CoFreeUnusedLibrariesEx(0, 0), !Loaded(); }, 2000)) << "round " << round;
         if (round == 0) handles = OpenHandles(), slots = FreeSlots();

@@ -98,6 +98,44 @@ TEST_F(Scripts, ByTheInterfaceArraysAreTyped) {
     VariantClear(&result);
 }
 
+// An array that was never allocated is an empty one; while a recording runs no table counts, and none is a mistake.
+TEST_F(Scripts, NullTablesAreEmptyAndARecordingKeepsItsOwn) {
+    ASSERT_TRUE(OpenSequence(1));
+    SAFEARRAY* none = nullptr;
+    VARIANT typed = {}, reference = {}, variants = {}, text = {};
+    typed.vt = VT_ARRAY | VT_I2;
+    reference.vt = VT_BYREF | VT_ARRAY | VT_I2;
+    reference.pparray = &none;
+    variants.vt = VT_ARRAY | VT_VARIANT;
+    text.vt = VT_BSTR;
+    const struct {
+        VARIANT Argument;
+        HRESULT Own, Typed;  // by the object's own dispatch, by that of IADC3
+    } cases[] = {{typed, S_OK, S_OK},
+                 {reference, S_OK, S_OK},
+                 {Reference(typed), S_OK, DISP_E_TYPEMISMATCH},
+                 {variants, S_OK, DISP_E_TYPEMISMATCH},
+                 {Reference(variants), S_OK, DISP_E_TYPEMISMATCH},
+                 {VARIANT{}, DISP_E_TYPEMISMATCH, DISP_E_TYPEMISMATCH},
+                 {text, DISP_E_TYPEMISMATCH, DISP_E_TYPEMISMATCH}};
+    for (const bool recording : {false, true}) {
+        SelectChannels(Driver.Get(), {2, 4});
+        ASSERT_EQ(recording, recording && Start(1000));
+        for (const auto& each : cases) {
+            for (const bool own : {true, false}) {
+                if (!recording) SelectChannels(Driver.Get(), {2, 4});
+                IDispatch* dispatch = own ? Own.Get() : Driver.Get();
+                const HRESULT expected = recording ? S_OK : own ? each.Own : each.Typed;
+                EXPECT_EQ(expected, InvokeByName(dispatch, L"InputChannels", Put, {each.Argument}, nullptr))
+                    << each.Argument.vt << ", own " << own << ", recording " << recording;
+                const bool taken = !recording && expected == S_OK;
+                EXPECT_EQ(taken ? std::vector<short>{0} : std::vector<short>({2, 4}), SelectedChannels(Driver.Get()));
+            }
+        }
+    }
+    EXPECT_EQ(S_OK, Driver->StopRecord());
+}
+
 TEST_F(Scripts, GetDataFillsAVariable) {
     ASSERT_TRUE(OpenSequence(1));
     ASSERT_TRUE(Start(1000));
