@@ -232,27 +232,20 @@ TEST_F(RegistryTest, ExportGoesDepthFirst) {
     EXPECT_TRUE(Registry.ExportKey(CurrentUser, "", false).starts_with("\r\n[HKEY_CURRENT_USER]\r\n"));
 }
 
-// In code page 932, where one character has the bytes 83 5C and the last of an error's text has two; in 1251 they are
-// letters of their own.
+// In code page 932 the bytes 83 5C are one character; in 1251 they are a letter and a backslash.
 TEST_F(RegistryTest, CharactersOfTwoBytesStayWhole) {
     StoreRaw(Stage, "v", TextType, "\x83\\\0"s);
     const bool one = platform::FromAnsi("\x83\\") == "ソ";
     EXPECT_EQ("\r\n[HKEY_CURRENT_USER\\" + Stage + "]\r\n\"v\"=\"" + (one ? "ソ" : "ѓ\\\\") + "\"\r\n",
               Registry.ExportKey(CurrentUser, Stage, false));
-    Registry.KeyExists(CurrentUser, Stage + "\\none");
-    const std::string whole = cRegistry::SystemErrorText(2, false), cut = Registry.LastErrorText();
-    ASSERT_TRUE(whole.starts_with(cut)) << whole << " / " << cut;
-    const std::string end = whole.substr(cut.size());
-    EXPECT_TRUE(end == "." || end == "。") << whole;
 }
 
 TEST_F(RegistryTest, ErrorTextsAreThePlatformsWithoutTheirEnd) {
     Registry.KeyExists(CurrentUser, Stage + "\\none");
-    const std::string whole = cRegistry::SystemErrorText(2, false);
-    ASSERT_GT(whole.size(), 5u);
-    EXPECT_EQ('.', whole.back());
-    EXPECT_EQ(whole, Registry.LastErrorText() + ".");
-    EXPECT_EQ(Registry.LastErrorText(), cRegistry::SystemErrorText(2, true));
+    const std::string whole = cRegistry::SystemErrorText(2, false), cut = Registry.LastErrorText();
+    ASSERT_GT(cut.size(), 4u);
+    EXPECT_TRUE(whole == cut + "." || whole == cut + "。") << whole << " / " << cut;
+    EXPECT_EQ(whole.substr(0, whole.find('.')), cRegistry::SystemErrorText(2, true));
     EXPECT_EQ("", cRegistry::SystemErrorText(123456789, false));
     EXPECT_EQ("HKEY_DYN_DATA", cRegistry::RootKeyName(0x80000006));
     EXPECT_EQ("", cRegistry::RootKeyName(0x80000007));
