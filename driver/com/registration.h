@@ -1,6 +1,7 @@
 // The component's registry entries: the programmatic identifier, the class, its surrogate for clients of another
-// bitness, the type library and its two interfaces. They are made for all users, or for this one where only that is
-// allowed. The description of the host's IADC3 is added where no host has registered it.
+// bitness, the type libraries and their interfaces. They are made for all users, or for this one where only that is
+// allowed. The description of the host's IADC3 is added where no host has registered it, and what a host has made of it
+// at any time stays.
 #pragma once
 
 namespace corvane {

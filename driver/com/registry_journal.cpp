@@ -12,16 +12,6 @@ void CheckStatus(LSTATUS status) {
     if (status != ERROR_SUCCESS) throw Failure{HRESULT_FROM_WIN32(status)};
 }
 
-LSTATUS StoreValue(HKEY root, const std::wstring& key, const wchar_t* name, DWORD type, const void* bytes,
-                   size_t size) {
-    HKEY opened = nullptr;
-    LSTATUS status = RegOpenKeyExW(root, key.c_str(), 0, KEY_SET_VALUE, &opened);
-    if (status != ERROR_SUCCESS) return status;
-    status = RegSetValueExW(opened, name, 0, type, static_cast<const BYTE*>(bytes), static_cast<DWORD>(size));
-    RegCloseKey(opened);
-    return status;
-}
-
 }  // namespace
 
 RegistryJournal::~RegistryJournal() {
@@ -54,15 +44,11 @@ void RegistryJournal::MakeKeys(const std::wstring& key) {
     }
 }
 
-std::optional<RegistryJournal::Value> RegistryJournal::Read(const std::wstring& key, const wchar_t* name) const {
-    Value value = {};
-    DWORD size = 0;
-    LSTATUS status = static_cast<LSTATUS>(SHGetValueW(Root_, key.c_str(), name, &value.Type, nullptr, &size));
+std::optional<StoredValue> RegistryJournal::Read(const std::wstring& key, const wchar_t* name) const {
+    StoredValue value = {};
+    const LSTATUS status = ReadValue(Root_, key, name, value);
     if (status == ERROR_FILE_NOT_FOUND) return std::nullopt;
     CheckStatus(status);
-    value.Bytes.resize(size);
-    CheckStatus(static_cast<LSTATUS>(SHGetValueW(Root_, key.c_str(), name, &value.Type, value.Bytes.data(), &size)));
-    value.Bytes.resize(size);
     return value;
 }
 

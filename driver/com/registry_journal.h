@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "driver/com/registry_values.h"
+
 namespace corvane {
 
 class RegistryJournal {
@@ -23,20 +25,16 @@ public:
     void Keep() { Steps_.clear(); }
 
 private:
-    struct Value {
-        DWORD Type;
-        std::vector<BYTE> Bytes;
-    };
     // Either a key that was made, or a value that was written over; `Earlier` is empty when there was none.
     struct Step {
         std::wstring Key;
         bool MadeKey;
         const wchar_t* Name;
-        std::optional<Value> Earlier;
+        std::optional<StoredValue> Earlier;
     };
 
     void MakeKeys(const std::wstring& key);
-    std::optional<Value> Read(const std::wstring& key, const wchar_t* name) const;
+    std::optional<StoredValue> Read(const std::wstring& key, const wchar_t* name) const;
     void Undo(const Step& step) const;
 
     HKEY Root_;

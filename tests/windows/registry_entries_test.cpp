@@ -59,6 +59,10 @@ Snapshot Difference(const Snapshot& of, const Snapshot& without) {
     return lines;
 }
 
+std::string Narrow(const std::wstring& text) {
+    return {text.begin(), text.end()};
+}
+
 Snapshot ValuesOf(Snapshot lines) {
     std::erase_if(lines, [](const std::wstring& line) { return line.find(L'|') == std::wstring::npos; });
     return lines;
@@ -92,8 +96,6 @@ std::wstring CopyOfComponent() {
 }
 
 constexpr wchar_t ClassId[] = L"{8C86D41E-5B13-49E0-ABA4-123E7066E30C}";
-constexpr wchar_t HostLibrary[] = L"Software\\Classes\\TypeLib\\{97B526A7-3B46-11D7-B688-FDAEA8668E28}";
-constexpr wchar_t HostInterface[] = L"Software\\Classes\\Interface\\{97B526A8-3B46-11D7-B688-FDAEA8668E28}";
 
 Snapshot ExpectedValues(const std::wstring& path) {
     const std::wstring own = L"{B4598549-F4AF-4583-853E-DCB91FC0CDFD}", folder = path.substr(0, path.rfind(L'\\'));
@@ -203,29 +205,120 @@ TEST_F(RegistryEntries, AreTheUsersOwnWhereOnlyHeMayWrite) {
     EXPECT_EQ(S_OK, registered);
     EXPECT_EQ(S_OK, unregistered);
     for (std::wstring value : ExpectedValues(ComponentPath())) {
-        EXPECT_TRUE(own.contains(value.replace(0, 4, L"hkcu\\software"))) << std::string(value.begin(), value.end());
+        EXPECT_TRUE(own.contains(value.replace(0, 4, L"hkcu\\software"))) << Narrow(value);
     }
 }
 
+// Key and value of a registration beside ours, below Software\Classes.
+struct HostEntry {
+    std::wstring Key;
+    const wchar_t* Name;
+    std::wstring Text;
+};
+
+const std::wstring HostLibraryKey = L"TypeLib\\{97B526A7-3B46-11D7-B688-FDAEA8668E28}";
+const std::wstring HostInterfaceKey = L"Interface\\{97B526A8-3B46-11D7-B688-FDAEA8668E28}";
+
+void Write(HKEY root, const HostEntry& entry) {
+    const std::wstring key = L"Software\\Classes\\" + entry.Key;
+    SHSetValueW(root, key.c_str(), entry.Name, REG_SZ, entry.Text.c_str(),
+                static_cast<DWORD>(entry.Text.size() * 2 + 2));
+}
+
+// What stands in these two keys of the host's.
+Snapshot HostSnapshot(HKEY root) {
+    Snapshot lines;
+    for (const std::wstring& each : {HostLibraryKey, HostInterfaceKey}) {
+        HKEY key = nullptr;
+        if (RegOpenKeyExW(root, (L"Software\\Classes\\" + each).c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) continue;
+        Add(key, each, lines);
+        RegCloseKey(key);
+    }
+    return lines;
+}
+
+void DeleteHost(HKEY root) {
+    for (const std::wstring& key : {HostLibraryKey, HostInterfaceKey}) {
+        SHDeleteKeyW(root, (L"Software\\Classes\\" + key).c_str());
+    }
+    RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Classes\\TypeLib");  // stays unless it is empty
+}
+
 TEST_F(RegistryEntries, OfTheHostStay) {
-    const std::wstring file = std::wstring(HostLibrary) + L"\\1.0\\0\\win32";
-    for (const bool hostFirst : {true, false}) {
-        if (!hostFirst) {
+    const std::wstring ourFile = HostLibraryKey + L"\\1.0\\0\\win32", file = L"C:\\host\\ADCInterface3.tlb",
+                       other = L"{11111111-2222-3333-4444-555555555555}";
+    const std::tuple<const char*, HKEY, std::vector<HostEntry>> cases[] = {
+        {"the same place", HKEY_LOCAL_MACHINE, {{ourFile, nullptr, file}, {HostInterfaceKey, nullptr, L"the host's"}}},
+        {"another language", HKEY_LOCAL_MACHINE, {{HostLibraryKey + L"\\1.0\\409\\win32", nullptr, file}}},
+        {"another version",
+         HKEY_LOCAL_MACHINE,
+         {{HostLibraryKey + L"\\1.1\\0\\win32", nullptr, file}, {HostInterfaceKey + L"\\TypeLib", L"Version", L"1.1"}}},
+        {"64 bits", HKEY_LOCAL_MACHINE, {{HostLibraryKey + L"\\1.0\\0\\win64", nullptr, file}}},
+        {"a proxy of its own", HKEY_LOCAL_MACHINE, {{HostInterfaceKey + L"\\ProxyStubClsid32", nullptr, other}}},
+        {"another library",
+         HKEY_LOCAL_MACHINE,
+         {{L"TypeLib\\" + other + L"\\2.0\\0\\win32", nullptr, file},
+          {HostInterfaceKey + L"\\TypeLib", nullptr, other},
+          {HostInterfaceKey + L"\\TypeLib", L"Version", L"2.0"}}},
+        {"one user", HKEY_CURRENT_USER, {{HostLibraryKey + L"\\1.0\\409\\win32", nullptr, file}}},
+    };
+    for (const auto& [name, root, entries] : cases) {
+        for (const bool hostFirst : {true, false}) {
+            SCOPED_TRACE(std::string(name) + (hostFirst ? ", before us" : ", after us"));
+            if (!hostFirst) {
+                ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer"));
+                Write(HKEY_LOCAL_MACHINE, {ourFile, nullptr, L"Z:\\Moved\\Corvane.adc\\2"});
+            }
+            for (const HostEntry& entry : entries) Write(root, entry);
+            Snapshot host = HostSnapshot(root);
             ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer"));
+            if (host.erase(Small(ourFile + L"||Z:\\Moved\\Corvane.adc\\2")) == 1) {
+                host.insert(Small(ourFile + L"||" + ComponentPath() + L"\\2"));
+            }
+            EXPECT_EQ(host, HostSnapshot(root)) << "our own path is renewed, and nothing else";
+            ASSERT_EQ(S_OK, LoadedComponent().Call("DllUnregisterServer"));
+            const Snapshot left = HostSnapshot(root), lost = Difference(host, left);
+            EXPECT_EQ(Snapshot(), Difference(left, host));
+            if (hostFirst) {
+                EXPECT_EQ(Snapshot(), lost);
+            }
+            // Our file goes, with the keys that are empty then; with no file of the host's in the version, all of that.
+            const bool shared = entries[0].Key.starts_with(HostLibraryKey + L"\\1.0");
+            const std::wstring ours = Small(HostLibraryKey + (shared ? L"\\1.0\\0" : L""));
+            for (const std::wstring& line : lost) EXPECT_TRUE(line.starts_with(ours)) << Narrow(line);
+            EXPECT_FALSE(left.contains(Small(ourFile + L"||" + ComponentPath() + L"\\2")));
+            DeleteHost(root);
+            SHDeleteKeyW(root, (L"Software\\Classes\\TypeLib\\" + other).c_str());
         }
-        RegSetValueW(HKEY_LOCAL_MACHINE, HostInterface, REG_SZ, L"IADC3 of the host", 0);
-        RegSetValueW(HKEY_LOCAL_MACHINE, file.c_str(), REG_SZ, L"C:\\host\\ADCInterface3.tlb", 0);
-        const Snapshot start = hostFirst ? TakeSnapshot() : Snapshot();
+    }
+}
+
+// What an unfinished registration or removal has left is nobody's.
+TEST_F(RegistryEntries, HalfRegistrationsAreRepaired) {
+    const std::wstring other = L"{11111111-2222-3333-4444-555555555555}";
+    const std::vector<HostEntry> cases[] = {
+        {{HostInterfaceKey, nullptr, L"IADC3"}},
+        {{HostInterfaceKey + L"\\TypeLib", nullptr, L"{97B526A7-3B46-11D7-B688-FDAEA8668E28}"},
+         {HostInterfaceKey + L"\\TypeLib", L"Version", L"1.7"}},
+        {{HostInterfaceKey + L"\\TypeLib", nullptr, other}},
+        {{HostInterfaceKey + L"\\TypeLib", nullptr, L"{B4598549-F4AF-4583-853E-DCB91FC0CDFD}"}},  // our own other
+        {{HostLibraryKey + L"\\1.0\\FLAGS", nullptr, L"0"}, {HostLibraryKey + L"\\1.0\\0\\win32", nullptr, L""}},
+        {{HostLibraryKey + L"\\1.0\\0\\win32", nullptr, L"Z:\\gone\\Corvane.adc\\2"}},
+    };
+    Snapshot expected;
+    const std::wstring classes = L"hklm\\classes\\";
+    for (const std::wstring& line : ExpectedValues(ComponentPath())) {
+        for (const std::wstring& key : {HostLibraryKey, HostInterfaceKey}) {
+            if (line.starts_with(classes + Small(key))) expected.insert(line.substr(classes.size()));
+        }
+    }
+    for (const std::vector<HostEntry>& entries : cases) {
+        for (const HostEntry& entry : entries) Write(HKEY_LOCAL_MACHINE, entry);
         ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer"));
-        EXPECT_EQ(L"IADC3 of the host", ValueOf(HostInterface));
-        EXPECT_EQ(L"C:\\host\\ADCInterface3.tlb", ValueOf(file));
+        EXPECT_EQ(expected, ValuesOf(HostSnapshot(HKEY_LOCAL_MACHINE)));
         ASSERT_EQ(S_OK, LoadedComponent().Call("DllUnregisterServer"));
-        if (hostFirst) {
-            EXPECT_EQ(start, TakeSnapshot());
-        }
-        EXPECT_EQ(L"IADC3 of the host", ValueOf(HostInterface));
-        SHDeleteKeyW(HKEY_LOCAL_MACHINE, HostInterface);
-        SHDeleteKeyW(HKEY_LOCAL_MACHINE, HostLibrary);
+        EXPECT_EQ(Snapshot(), HostSnapshot(HKEY_LOCAL_MACHINE));
+        DeleteHost(HKEY_LOCAL_MACHINE);
     }
 }
 
