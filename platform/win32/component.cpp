@@ -5,6 +5,19 @@
 
 namespace corvane::platform {
 
+namespace {
+
+constexpr DWORD NotOrdinary = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+
+// A search for files also finds them by their short names, in which longer extensions are cut.
+bool Encloses(const std::wstring& name, const std::wstring& prefix, const std::wstring& suffix) {
+    return name.size() >= prefix.size() + suffix.size() &&
+           lstrcmpiW(name.substr(0, prefix.size()).c_str(), prefix.c_str()) == 0 &&
+           lstrcmpiW(name.substr(name.size() - suffix.size()).c_str(), suffix.c_str()) == 0;
+}
+
+}  // namespace
+
 HMODULE ComponentModule() {
     HMODULE module = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
@@ -33,7 +46,8 @@ std::string FirstFile(const std::string& folder, const std::string& prefix, cons
     if (search == INVALID_HANDLE_VALUE) return {};
     std::string name;
     do {
-        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) name = Utf8(found.cFileName);
+        const bool ordinary = (found.dwFileAttributes & NotOrdinary) == 0;
+        if (ordinary && Encloses(found.cFileName, Wide(prefix), Wide(suffix))) name = Utf8(found.cFileName);
     } while (name.empty() && FindNextFileW(search, &found));
     FindClose(search);
     return name;

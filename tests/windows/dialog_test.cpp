@@ -277,11 +277,13 @@ TEST_F(Dialogs, SettingsAreShownAndChanged) {
 }
 
 TEST_F(Dialogs, HelpThatCannotBeOpenedIsReported) {
-    const std::string file = ListFile().substr(0, ListFile().rfind('\\') + 1) + "LCardTest.chm";
-    std::ofstream(file) << "no help";
+    const std::string folder = ListFile().substr(0, ListFile().rfind('\\') + 1), file = folder + "LCardTest.chm";
+    const std::string hidden = folder + "LCardA.chm";  // is no ordinary file
+    for (const std::string& each : {hidden, file}) std::ofstream(each) << "no help";
+    EXPECT_TRUE(SetFileAttributesA(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN));
     Driver.Reset();
     Driver = CreateDriver();  // the first object looks for the file
-    std::remove(file.c_str());
+    for (const std::string& each : {hidden, file}) EXPECT_TRUE(DeleteFileA(each.c_str()));
     SettingWith([](DialogUser& user) {
         EXPECT_TRUE(IsWindowEnabled(user.Child(WC_BUTTONW, 4)));
         user.Press(VK_F1);
