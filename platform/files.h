@@ -13,8 +13,9 @@ std::string PathIn(const std::string& folder, const std::string& name);
 // The first `limit` bytes of an ordinary file, or as many as could be read; empty when it can't be opened.
 std::string ReadFileStart(const std::string& path, size_t limit);
 
-// Makes these bytes the file's whole content. They are written beside it first, so that on failure, which gives false,
-// the file is as it was.
+// Makes these bytes the file's whole content; owner and protection stay. They are written beside it first, so that on
+// failure, which gives false, the file is as it was. Only where no such file can be made beside it are they written in
+// place, and a failure in the middle shows.
 bool ReplaceContent(const std::string& path, std::string_view bytes);
 
 }  // namespace corvane::platform

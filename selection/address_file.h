@@ -20,7 +20,7 @@ uint32_t ParseIP(std::string_view text);
 // The addresses other than 0 in the file's order, each once, at most MaxAddresses; none when it can't be read.
 std::vector<uint32_t> ReadAddresses(const std::string& path);
 
-// Failure is silent and leaves the file as it was.
+// Failure is silent.
 void WriteAddresses(const std::string& path, std::span<const uint32_t> addresses);
 
 }  // namespace corvane

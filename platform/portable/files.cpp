@@ -20,12 +20,21 @@ bool WriteWhole(int file, std::string_view bytes) {
     return fsync(file) == 0;
 }
 
-// Renaming asks for no right to the file that it replaces, so it would undo the protection of one.
-bool MayBeReplaced(const std::string& path) {
-    const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file < 0) return errno == ENOENT;
-    close(file);
-    return true;
+enum class Outcome { Done, Failed, NotPossible };
+
+// NotPossible: nothing of the same owner and protection can take the file's place.
+Outcome WriteBeside(const std::string& path, std::string_view bytes, const struct stat* held) {
+    const std::string beside = path + ".new";
+    unlink(beside.c_str());  // of a run that broke off
+    const int file = open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (file < 0) return Outcome::NotPossible;
+    const bool alike =
+        held == nullptr || (fchown(file, held->st_uid, held->st_gid) == 0 && fchmod(file, held->st_mode & 07777) == 0);
+    bool written = alike && WriteWhole(file, bytes);
+    written = close(file) == 0 && written;
+    if (written && std::rename(beside.c_str(), path.c_str()) == 0) return Outcome::Done;
+    unlink(beside.c_str());
+    return alike && !written ? Outcome::Failed : Outcome::NotPossible;
 }
 
 }  // namespace
@@ -52,14 +61,17 @@ std::string ReadFileStart(const std::string& path, size_t limit) {
 }
 
 bool ReplaceContent(const std::string& path, std::string_view bytes) {
-    if (!MayBeReplaced(path)) return false;
-    const std::string beside = path + ".new";
-    const int file = open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
-    if (file < 0) return false;
-    const bool written = WriteWhole(file, bytes);
-    const bool replaced = close(file) == 0 && written && std::rename(beside.c_str(), path.c_str()) == 0;
-    if (!replaced) unlink(beside.c_str());
-    return replaced;
+    // Renaming asks for no right to the file that it replaces, so it would undo the protection of one.
+    const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0) return errno == ENOENT && WriteBeside(path, bytes, nullptr) == Outcome::Done;
+    struct stat held = {};
+    Outcome outcome = fstat(file, &held) == 0 ? WriteBeside(path, bytes, &held) : Outcome::Failed;
+    if (outcome == Outcome::NotPossible && WriteWhole(file, bytes) &&
+        ftruncate(file, static_cast<off_t>(bytes.size())) == 0) {
+        outcome = Outcome::Done;
+    }
+    close(file);
+    return outcome == Outcome::Done;
 }
 
 }  // namespace corvane::platform

@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "platform/win32/wide_text.h"
 
@@ -20,13 +21,47 @@ bool WriteWhole(HANDLE file, std::string_view bytes) {
     return FlushFileBuffers(file);
 }
 
-// Moving a file over another asks for no right to write to that one, so it would undo its protection.
-bool MayBeReplaced(const std::wstring& path) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_FILE_NOT_FOUND;
+// What may stand in a file's place: its attributes, owner and list of rights.
+struct Protection {
+    DWORD Attributes = FILE_ATTRIBUTE_NORMAL;
+    std::vector<BYTE> Descriptor;  // empty: what the folder gives
+};
+
+// False when the file doesn't tell.
+bool ReadProtection(const std::wstring& path, Protection& protection) {
+    constexpr SECURITY_INFORMATION asked =
+        OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
+    protection.Attributes = GetFileAttributesW(path.c_str());
+    DWORD size = 0;
+    GetFileSecurityW(path.c_str(), asked, nullptr, 0, &size);
+    protection.Descriptor.resize(size);
+    return size > 0 && protection.Attributes != INVALID_FILE_ATTRIBUTES &&
+           GetFileSecurityW(path.c_str(), asked, protection.Descriptor.data(), size, &size);
+}
+
+enum class Outcome { Done, Failed, NotPossible };
+
+// NotPossible: nothing with this protection can take the file's place.
+Outcome WriteBeside(const std::wstring& path, std::string_view bytes, Protection& protection) {
+    const std::wstring beside = path + L".new";
+    SECURITY_ATTRIBUTES security = {sizeof security, protection.Descriptor.data(), FALSE};
+    DeleteFileW(beside.c_str());  // of a run that broke off
+    const HANDLE file =
+        CreateFileW(beside.c_str(), GENERIC_WRITE, 0, protection.Descriptor.empty() ? nullptr : &security, CREATE_NEW,
+                    protection.Attributes, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return Outcome::NotPossible;
+    const bool written = WriteWhole(file, bytes);
     CloseHandle(file);
-    return true;
+    if (written && MoveFileExW(beside.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+        return Outcome::Done;
+    }
+    DeleteFileW(beside.c_str());
+    return written ? Outcome::NotPossible : Outcome::Failed;
+}
+
+HANDLE OpenToWrite(const std::wstring& path) {
+    return CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
 }  // namespace
@@ -55,17 +90,20 @@ std::string ReadFileStart(const std::string& path, size_t limit) {
 
 bool ReplaceContent(const std::string& path, std::string_view bytes) {
     const std::wstring target = Wide(path);
-    if (!MayBeReplaced(target)) return false;
-    const std::wstring beside = target + L".new";
-    const HANDLE file =
-        CreateFileW(beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    // Moving a file over another asks for no right to write to that one, so it would undo its protection.
+    HANDLE file = OpenToWrite(target);
+    const bool isNew = file == INVALID_HANDLE_VALUE;
+    if (isNew && GetLastError() != ERROR_FILE_NOT_FOUND) return false;
+    if (!isNew) CloseHandle(file);  // nothing can be moved over an open file
+    Protection protection;
+    Outcome outcome = Outcome::NotPossible;
+    if (isNew || ReadProtection(target, protection)) outcome = WriteBeside(target, bytes, protection);
+    if (isNew || outcome != Outcome::NotPossible) return outcome == Outcome::Done;
+    file = OpenToWrite(target);
     if (file == INVALID_HANDLE_VALUE) return false;
-    const bool written = WriteWhole(file, bytes);
+    const bool written = WriteWhole(file, bytes) && SetEndOfFile(file);
     CloseHandle(file);
-    const bool replaced =
-        written && MoveFileExW(beside.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
-    if (!replaced) DeleteFileW(beside.c_str());
-    return replaced;
+    return written;
 }
 
 }  // namespace corvane::platform

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -171,14 +172,30 @@ TEST_F(AddressList, AFileThatCanNotBeWrittenWholeStaysAsItWas) {
     expectUnchanged("the file is protected");
 
     fs::remove(File);
-    fs::create_directory(File);
-    WriteAddresses(File, addresses);
-    EXPECT_TRUE(fs::is_empty(File));
-    EXPECT_EQ(std::distance(fs::directory_iterator(Folder), {}), 1);
-    EXPECT_EQ(Shown(Open()), "127.0.0.1 @0");
-    fs::remove(File);
     WriteAddresses(File, addresses);
     EXPECT_EQ(fs::file_size(File), 10000u);
+}
+
+TEST_F(AddressList, AFileKeepsItsOwnerAndProtection) {
+    const uid_t user = geteuid(), other = user == 0 ? 65534 : user;
+    for (const bool nameBesideIsFree : {true, false}) {
+        Write("10.0.0.1\r\n10.0.0.2\r\n");
+        if (!nameBesideIsFree) fs::create_directory(File + ".new");
+        ASSERT_EQ(chown(File.c_str(), other, getegid()), 0);
+        fs::permissions(File, fs::perms(0642));
+        WriteAddresses(File, std::vector{0x0A000001u});
+        struct stat now = {};
+        ASSERT_EQ(stat(File.c_str(), &now), 0);
+        EXPECT_EQ(Read(), "10.0.0.1\r\n") << nameBesideIsFree;
+        EXPECT_EQ(now.st_mode & 07777, 0642u) << nameBesideIsFree;
+        EXPECT_EQ(now.st_uid, other) << nameBesideIsFree;
+    }
+    fs::permissions(Folder, fs::perms(0555));  // nothing can be made in it
+    ASSERT_EQ(seteuid(other), 0);
+    WriteAddresses(File, std::vector{0x0A000002u});
+    ASSERT_EQ(seteuid(user), 0);
+    EXPECT_EQ(Read(), "10.0.0.2\r\n");
+    fs::permissions(Folder, fs::perms(0755));
 }
 
 TEST_F(AddressList, SelectIpGivesWhatTheUserConfirmed) {
