@@ -57,53 +57,35 @@ protected:
 
 TEST_F(IpControl, DropsCharactersThatMakeNoOctet) {
     const std::tuple<const char*, const char*, const char*> cases[] = {
-        {"25|", "3", "253|"},  {"2|5", "9", "2|5"},    {"[25]", "6", "6|"},           {"0|", "0", "0|"},
-        {"|0", "5", "5|0"},    {"|", "07", "7|"},      {"1|0", "0", "10|0"},          {"|123", "0", "|123"},
-        {"123|", "4", "123|"}, {"1[2]3", "9", "19|3"}, {"1|2", "eA/:.-+ \x7F", "1|2"}};
+        {"25|", "3", "253|"},  {"2|5", "9", "2|5"},    {"[25]", "6", "6|"},
+        {"0|", "0", "0|"},     {"|0", "5", "5|0"},     {"|", "07", "7|"},
+        {"|123", "0", "|123"}, {"1[2]3", "9", "19|3"}, {"1|2", "eA/:.-+ \x7F", "1|2"}};
     for (const auto& [held, typed, shown] : cases) {
         Hold(0, held);
         Type(typed);
         EXPECT_EQ(Shown(Box(0)), shown) << held << " " << typed;
     }
     Hold(0, "|");
-    for (const char32_t other : {U'٣', U'３', char32_t{0x10FFFF}, char32_t{0x131}}) {
-        EXPECT_FALSE(Control.Accepts(0, other)) << static_cast<uint32_t>(other);
-    }
-    for (const char32_t control : {U'\b', U'\x16', U'\0', U'\x1F'}) EXPECT_TRUE(Control.Accepts(0, control));
+    for (const char32_t other : {U'٣', char32_t{0x10FFFF}, char32_t{0x131}}) EXPECT_FALSE(Control.Accepts(0, other));
+    for (const char32_t control : {U'\b', U'\0', U'\x1F'}) EXPECT_TRUE(Control.Accepts(0, control));
 }
 
+// Behind a third digit the next box has the focus; a text that came back is none that was typed.
 TEST_F(IpControl, BringsChangedTextsInOrder) {
-    std::vector<std::pair<std::string, std::string>> cases = {
-        {"", ""}, {"012", "12"}, {"255", "255"}, {"0000", "0"}, {std::string(8 << 20, '0') + "7", "7"}};
-    for (const std::string& refused :
-         {"256"s, "abc"s, "-1"s, " 1"s, "1e1"s, "1\0"s, "\xFF\xFE"s, std::string(8 << 20, '9')}) {
-        cases.emplace_back(refused, "77");
-    }
-    for (const auto& [changed, result] : cases) {
-        Hold(1, "[77]");
-        Paste(changed);
-        EXPECT_EQ(Box(1).Text, result) << changed.substr(0, 20);
-        EXPECT_EQ(Box(1).Accepted, result);
-        EXPECT_LE(Box(1).SelStart, result.size());
-    }
-    Hold(1, "|");
-    Paste("x");
-    EXPECT_EQ(Box(1).Text, "") << "nothing was accepted yet";
-}
-
-TEST_F(IpControl, MovesOnBehindTheThirdDigitOnly) {
-    const std::tuple<int, const char*, const char*, int, const char*> cases[] = {
-        {3, "19|", "2", 2, "|0"},
-        {2, "|45", "1", 2, "1|45"},
-        {1, "|", "12", 1, "12|"},
-        {0, "25|", "5", 0, "255|"},
-        {2, "[192]", "abc", 2, "19|2"}};  // nobody typed the three digits that come back
+    const std::string back = "77|", nines(8 << 20, '9');
+    const std::tuple<int, const char*, std::string, int, std::string> cases[] = {
+        {1, "[77]", "", 1, "|"},       {1, "[77]", "012", 1, "12|"},     {1, "[77]", "0000", 1, "0|"},
+        {1, "[77]", "256", 1, back},   {1, "[77]", "-1", 1, back},       {1, "[77]", "1\0"s, 1, back},
+        {1, "[77]", "1e1", 1, back},   {1, "[77]", "\xFF\xFE", 1, back}, {1, "[77]", nines, 1, back},
+        {3, "19|", "2", 2, "|0"},      {2, "|45", "1", 2, "1|45"},       {0, "25|", "5", 0, "255|"},
+        {2, "[192]", "abc", 2, "19|2"}};
     for (const auto& [box, held, pasted, focus, shown] : cases) {
         Control = {};
         Hold(box, held);
         Paste(pasted);
-        EXPECT_EQ(Focus, focus) << held;
-        EXPECT_EQ(Shown(Box(Focus)), shown);
+        EXPECT_EQ(Focus, focus) << held << " " << pasted.substr(0, 20);
+        EXPECT_EQ(Shown(Box(Focus)), shown) << held << " " << pasted.substr(0, 20);
+        EXPECT_EQ(Box(box).Accepted, Box(box).Text);
     }
 }
 
@@ -115,24 +97,21 @@ TEST_F(IpControl, KeysMoveBetweenTheBoxes) {
         {0, "10|", Right, 0, "10|"}, {2, "[1]0", Right, 2, "[1]0"}, {1, "1|0", Home, 3, "|10"},
         {3, "1|0", Home, 3, "1|0"},  {1, "1|0", End, 0, "10|"},     {0, "1|0", End, 0, "1|0"}};
     for (const auto& [box, held, key, focus, shown] : cases) {
-        SCOPED_TRACE(std::to_string(box) + ": " + held + ", key " + std::to_string(static_cast<int>(key)));
         Control.txtIP.fill(Marked("1[0]"));
         Hold(box, held);
-        EXPECT_EQ(Control.KeyDown(box, key), focus);
-        EXPECT_EQ(Shown(Box(focus)), shown);
+        EXPECT_EQ(Control.KeyDown(box, key), focus) << box << held << static_cast<int>(key);
+        EXPECT_EQ(Shown(Box(focus)), shown) << box << held << static_cast<int>(key);
     }
-    Hold(1, "2|00");
-    Control.DoubleClick(1);
-    EXPECT_EQ(Shown(Box(1)), "[200]");
+    Control.DoubleClick(0);
+    EXPECT_EQ(Shown(Box(0)), "[10]");
 }
 
 TEST_F(IpControl, ValueIsTheAddress) {
-    EXPECT_EQ(Texts(), "0.0.0.0");
     EXPECT_EQ(Control.Value(), 0u);
+    EXPECT_EQ(Texts(), "0.0.0.0");
     Control.SetValue(0xFFFFFFFF);
     EXPECT_EQ(Control.Value(), 0xFFFFFFFF);
     Control.SetValue(0x7F000001);
-    EXPECT_EQ(Control.Value(), 0x7F000001u);
     Paste("x");
     EXPECT_EQ(Texts(), "127.0.0.1") << "what was written is what comes back";
     EXPECT_EQ(Control.BoxToFill(), 3);
