@@ -43,19 +43,6 @@ UINT WindowDpi(HWND window) {
     return dpi != 0 ? dpi : SystemDpi();
 }
 
-HFONT MessageFont(UINT dpi) {
-    static const auto getForDpi =
-        FromUser32<BOOL(WINAPI*)(UINT, UINT, void*, UINT, UINT)>("SystemParametersInfoForDpi");
-    NONCLIENTMETRICSW metrics = {};
-    metrics.cbSize = sizeof metrics;
-    if (getForDpi == nullptr || !getForDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi)) {
-        SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
-        metrics.lfMessageFont.lfHeight =
-            MulDiv(metrics.lfMessageFont.lfHeight, static_cast<int>(dpi), static_cast<int>(SystemDpi()));
-    }
-    return CreateFontIndirectW(&metrics.lfMessageFont);
-}
-
 void ScaleDialogOurselves(HWND dialog) {
     constexpr DWORD disableAll = 1;
     static const auto set = FromUser32<BOOL(WINAPI*)(HWND, DWORD, DWORD)>("SetDialogDpiChangeBehavior");

@@ -23,9 +23,6 @@ private:
 
 UINT WindowDpi(HWND window);
 
-// The font of message boxes for that resolution; the caller deletes it.
-HFONT MessageFont(UINT dpi);
-
 // The dialog manager would otherwise scale a dialog by itself, on top of us.
 void ScaleDialogOurselves(HWND dialog);
 

@@ -2,7 +2,6 @@
 
 #include <commctrl.h>
 
-#include <algorithm>
 #include <cmath>
 
 #include "platform/win32/dpi.h"
@@ -14,22 +13,43 @@ namespace corvane::platform {
 namespace {
 
 // Mean width and height in pixels of the letters that the designs are made for, at 96 dots per inch.
-constexpr double DesignLetterWidth = 6, DesignLetterHeight = 13;
+constexpr int DesignLetterWidth = 6, DesignLetterHeight = 13;
 constexpr int DropDownRows = 8;
 
-// How much larger than the design's the letters are in both directions, at least 1.
-double LetterScale(HWND window, HFONT font, double dpiScale) {
-    constexpr wchar_t letters[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-    constexpr int count = 52;
+bool LettersFit(HDC context, int dpi) {
+    TEXTMETRICW letters = {};
+    GetTextMetricsW(context, &letters);
+    constexpr int designDpi = DesignDpi;
+    return MeanLetterWidth(context) * designDpi <= DesignLetterWidth * dpi &&
+           letters.tmHeight * designDpi <= DesignLetterHeight * dpi;
+}
+
+// The system's font for dialogs, 8 points high; where its letters are larger than the design's, as those of stand-ins
+// are, the largest size that fits. The caller deletes it.
+HFONT DialogFont(HWND window, int dpi) {
+    constexpr int points = 8, pointsPerInch = 72;
     const HDC context = GetDC(window);
-    const HGDIOBJ previous = SelectObject(context, font);
-    SIZE size = {};
-    GetTextExtentPoint32W(context, letters, count, &size);
-    SelectObject(context, previous);
+    HFONT font = nullptr;
+    bool fits = false;
+    for (int height = MulDiv(points, dpi, pointsPerInch); height > 0 && !fits; height--) {
+        if (font != nullptr) DeleteObject(font);
+        font = CreateFontW(-height, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, L"MS Shell Dlg 2");
+        const HGDIOBJ previous = SelectObject(context, font);
+        fits = LettersFit(context, dpi);
+        SelectObject(context, previous);
+    }
     ReleaseDC(window, context);
-    // Whole pixels, as the design's letters are counted.
-    const double width = std::round(static_cast<double>(size.cx) / count), height = static_cast<double>(size.cy);
-    return std::max({1.0, width / (DesignLetterWidth * dpiScale), height / (DesignLetterHeight * dpiScale)});
+    return font;
+}
+
+// A closed combo box is as high as the text in it wants it, whatever its window is given. How much it adds to that
+// shows when it is asked.
+void SetClosedHeight(HWND combo, int height) {
+    constexpr auto closed = static_cast<WPARAM>(-1);
+    SendMessageW(combo, CB_SETITEMHEIGHT, closed, height);
+    RECT area = {};
+    GetWindowRect(combo, &area);
+    SendMessageW(combo, CB_SETITEMHEIGHT, closed, 2 * height - (area.bottom - area.top));
 }
 
 }  // namespace
@@ -49,24 +69,32 @@ void WindowLayout::Create(HWND window, const std::vector<ControlDesign>& control
 }
 
 void WindowLayout::Apply(HWND window, const std::vector<ControlDesign>& controls, UINT dpi) {
-    const HFONT font = MessageFont(dpi);
-    const double dpiScale = double{1} * dpi / DesignDpi;
-    constexpr double designTwipsPerPixel = 1440.0 / DesignDpi;
-    PixelsPerTwip_ = dpiScale * LetterScale(window, font, dpiScale) / designTwipsPerPixel;
+    const HFONT font = DialogFont(window, static_cast<int>(dpi));
+    PixelsPerTwip_ = double{1} * dpi / TwipsPerInch;
     HWND child = GetWindow(window, GW_CHILD);
     for (const ControlDesign& control : controls) {
         const Twips& place = control.Place;
         const int left = Pixels(place.Left), top = Pixels(place.Top);
         // Edges are rounded, not sizes, so that what touches in the design touches on the screen.
         const int width = Pixels(place.Left + place.Width) - left;
-        int height = Pixels(place.Top + place.Height) - top;
-        if (lstrcmpW(control.Class, WC_COMBOBOXW) == 0) height *= 1 + DropDownRows;  // of the opened box
+        const int height = Pixels(place.Top + place.Height) - top;
+        const bool isCombo = lstrcmpW(control.Class, WC_COMBOBOXW) == 0;
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
-        MoveWindow(child, left, top, width, height, TRUE);
+        MoveWindow(child, left, top, width, isCombo ? height * (1 + DropDownRows) : height, TRUE);
+        if (isCombo) SetClosedHeight(child, height);
         child = GetWindow(child, GW_HWNDNEXT);
     }
     if (Font_ != nullptr) DeleteObject(Font_);
     Font_ = font;
+}
+
+// As the platform rounds it for dialogs and list boxes.
+int MeanLetterWidth(HDC context) {
+    constexpr wchar_t letters[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    constexpr int count = 52;
+    SIZE size = {};
+    GetTextExtentPoint32W(context, letters, count, &size);
+    return (size.cx / (count / 2) + 1) / 2;
 }
 
 int WindowLayout::Pixels(int twips) const {

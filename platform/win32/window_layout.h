@@ -8,7 +8,9 @@
 
 namespace corvane::platform {
 
-// Twentieths of a point: 1440 to the inch, 15 to a pixel at 96 dots per inch.
+constexpr int TwipsPerInch = 1440;
+
+// Twentieths of a point: 15 to a pixel at 96 dots per inch.
 struct Twips {
     int Left, Top, Width, Height;
 };
@@ -27,6 +29,10 @@ struct ControlDesign {
     DWORD ExtendedStyle = 0;
 };
 
+// Mean width in pixels of the 52 letters in the font that is selected there. A quarter of it is the dialog unit in
+// which list boxes take their tab stops.
+int MeanLetterWidth(HDC context);
+
 class WindowLayout {
 public:
     WindowLayout() = default;
@@ -38,8 +44,8 @@ public:
     // made.
     void Create(HWND window, const std::vector<ControlDesign>& controls);
 
-    // Places the controls and gives them the system's message font for the resolution. The design is made for 8 point
-    // letters; where the system's are larger, the dialog grows with them.
+    // Places the controls exactly as designed at that resolution and gives them the system's font for dialogs. Where
+    // its letters are larger than the design's, the font gives way, not the layout.
     void Apply(HWND window, const std::vector<ControlDesign>& controls, UINT dpi);
 
     int Pixels(int twips) const;  // as of the last Apply
