@@ -1,6 +1,8 @@
 #include "engine/device.h"
 
 #include <cstring>
+#include <exception>
+#include <new>
 
 #include "engine/module_control.h"
 #include "engine/rate.h"
@@ -102,6 +104,19 @@ bool OpenSelectedCrate(DriverState& state) {
     return true;
 }
 
+// A dialog that can't be made is a failure as any other of the opening, which the host reads in LastError. Only memory
+// that has run out stays an exception.
+bool OpenFoundCrate(DriverState& state) {
+    try {
+        return FindCrates(state, state.Device.ADCName) >= 1 && OpenSelectedCrate(state);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& failure) {
+        state.Device.LastError = std::string("Error: ") + failure.what();
+        return false;
+    }
+}
+
 }  // namespace
 
 bool OpenDevice(DriverState& state) {
@@ -110,8 +125,7 @@ bool OpenDevice(DriverState& state) {
         state.Device.LastError = "Please install \"" + TLTR27API::LibraryName() + "\"!";
         return false;
     }
-    if (FindCrates(state, state.Device.ADCName) < 1) return false;
-    if (!OpenSelectedCrate(state)) return false;
+    if (!OpenFoundCrate(state)) return false;
     StopAllModules(state);
     ApplyRate(state, state.Input.Rate);
     state.Device.LastError.clear();

@@ -100,12 +100,8 @@ void dlgSetup::ClickNode(const std::string& key) {
         isModule ? State_.Engine.Modules.at(static_cast<size_t>(std::atoi(key.c_str() + 1))).Info : State_.Crate.Info;
 }
 
-void dlgSetup::ChooseMark(int index) {
-    if (index >= 0 && index < static_cast<int>(MarkModes.size())) cboMarkSTART = index;
-}
-
-void dlgSetup::PressOK() {
-    State_.Crate.MarkSTARTMode = static_cast<int16_t>(cboMarkSTART);
+void dlgSetup::PressOK(int mark) {
+    if (mark >= 0 && mark < static_cast<int>(MarkModes.size())) State_.Crate.MarkSTARTMode = static_cast<int16_t>(mark);
 }
 
 }  // namespace corvane

@@ -28,8 +28,7 @@ public:
     explicit dlgSetup(DriverState& state);
 
     void ClickNode(const std::string& key);
-    void ChooseMark(int index);  // entry of MarkModes
-    void PressOK();
+    void PressOK(int mark);  // selected entry of MarkModes; one that is none changes nothing
 
     bool HelpEnabled() const { return !HelpFile.empty(); }
 
@@ -42,7 +41,7 @@ public:
     std::vector<platform::TreeNode> tvwLTR;  // all expanded and kept so; the first one is selected at the start
     std::string txtInfo;                     // describes the node that was clicked
     std::vector<std::string> lstMezzanines;
-    int cboMarkSTART = 0;   // selected entry
+    int cboMarkSTART = 0;   // entry that is selected at the start
     std::string HelpFile;   // full path; empty: there is no help
     int32_t HelpTopic = 0;  // context number in it
 

@@ -79,7 +79,7 @@ bool DialogWindow::ShowModal(HWND owner) {
     SetCursor(pointer);
     DrawUncovered();
     if (Failure_) std::rethrow_exception(Failure_);
-    if (result == -1) ThrowLastError(error);
+    if (result == -1) throw std::runtime_error(Caption_ + ": " + ErrorText(error));
     return true;
 }
 
@@ -124,6 +124,8 @@ bool DialogWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
                 SetWindowPos(Window_, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
                 SetWindowPos(Window_, HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
                 SetForegroundWindow(Window_);
+                // The title was drawn while the dialog was not in front yet, and not every platform draws it again.
+                if (GetForegroundWindow() == Window_) SendMessageW(Window_, WM_NCACTIVATE, TRUE, 0);
             }
             return false;
         case WM_COMMAND:
@@ -155,7 +157,9 @@ void DialogWindow::Load() {
     Place(WindowDpi(Window_));
     Center();
     Loaded();
-    SetFocus(GetNextDlgTabItem(Window_, nullptr, FALSE));
+    // As the Tab key gives it: the text of a box is selected.
+    const HWND first = GetNextDlgTabItem(Window_, nullptr, FALSE);
+    SendMessageW(Window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
 }
 
 void DialogWindow::Place(UINT dpi) {

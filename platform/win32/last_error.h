@@ -1,4 +1,4 @@
-// A failed call of the platform as an exception with the platform's own message, in the user's language.
+// A failed call of the platform in the platform's own words, in the user's language; also as an exception.
 #pragma once
 
 #include <windows.h>
@@ -11,11 +11,15 @@
 
 namespace corvane::platform {
 
-[[noreturn]] inline void ThrowLastError(DWORD code = GetLastError()) {
+inline std::string ErrorText(DWORD code) {
     constexpr uint32_t capacity = 512;
     std::string text = FromAnsi(SystemMessage(static_cast<int32_t>(code), capacity));
     text.erase(text.find_last_not_of("\r\n") + 1);
-    throw std::runtime_error(text.empty() ? "code " + std::to_string(code) : text);
+    return text.empty() ? "code " + std::to_string(code) : text;
+}
+
+[[noreturn]] inline void ThrowLastError() {
+    throw std::runtime_error(ErrorText(GetLastError()));
 }
 
 }  // namespace corvane::platform

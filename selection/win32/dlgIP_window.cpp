@@ -46,20 +46,27 @@ private:
     void Command(int id, int code) override {
         if (Address_.Owns(id)) return Address_.Command(id, code);
         if (id == lstIP && code == LBN_SELCHANGE) {
-            Dialog_.Select(static_cast<int>(SendMessageW(Control(lstIP), LB_GETCURSEL, 0, 0)));
+            Dialog_.Select(SelectedIndex());
             ShowSelection();
         } else if (id == cmdCancel) {
             Dialog_.PressCancel();
             Close();
         } else if (id == cmdOK) {
             PressOK();
-        } else if (id == cmdRemove || id == cmdClear) {
-            id == cmdRemove ? Dialog_.PressRemove() : Dialog_.PressClear();
+        } else if (id == cmdRemove) {
+            // An automation tool selects without a notification.
+            if (SelectedIndex() != Dialog_.ListIndex()) Dialog_.Select(SelectedIndex());
+            Dialog_.PressRemove();
+            ShowList();
+        } else if (id == cmdClear) {
+            Dialog_.PressClear();
             ShowList();
         }
     }
 
     HBRUSH Background(int id) override { return Address_.Owns(id) ? GetSysColorBrush(COLOR_WINDOW) : nullptr; }
+
+    int SelectedIndex() const { return static_cast<int>(SendMessageW(Control(lstIP), LB_GETCURSEL, 0, 0)); }
 
     void PressOK() {
         if (Dialog_.PressOK()) return Close();

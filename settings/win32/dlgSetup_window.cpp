@@ -44,7 +44,7 @@ public:
     explicit SetupWindow(dlgSetup& dialog) : DialogWindow(dialog.Caption, ClientWidth, ClientHeight), Dialog_(dialog) {
         constexpr DWORD stop = WS_VISIBLE | WS_TABSTOP;
         constexpr DWORD tree = stop | TVS_HASLINES | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP;
-        constexpr DWORD text = stop | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL;
+        constexpr DWORD text = stop | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | ES_AUTOHSCROLL;
         constexpr DWORD list = stop | WS_VSCROLL | WS_HSCROLL | LBS_USETABSTOPS | LBS_NOINTEGRALHEIGHT;
         constexpr DWORD combo = stop | WS_VSCROLL | CBS_DROPDOWNLIST;
         // The hidden labels are what screen readers call the tree and the text.
@@ -52,7 +52,8 @@ public:
             {NameOfTree, WC_STATICW, 0, {0, 0, 0, 0}, "LTR"},
             {tvwLTR, WC_TREEVIEWW, tree, {120, 120, 2280, 810}, {}, WS_EX_CLIENTEDGE},
             {NameOfInfo, WC_STATICW, 0, {0, 0, 0, 0}, "LTR"},
-            {txtInfo, WC_EDITW, text, {2520, 120, 2070, 795}, {}, WS_EX_CLIENTEDGE},
+            // An edge would cost the last of its four lines.
+            {txtInfo, WC_EDITW, text, {2520, 120, 2070, 795}, {}},
             {frMezzanines, WC_BUTTONW, WS_VISIBLE | BS_GROUPBOX, frMezzaninesPlace, dialog.MezzaninesCaption},
             {lstMezzanines, WC_LISTBOXW, list, Inside(frMezzaninesPlace, {150, 270, 4155, 1620}), {}, WS_EX_CLIENTEDGE},
             {frSynchro, WC_BUTTONW, WS_VISIBLE | BS_GROUPBOX, frSynchroPlace, dialog.SynchroCaption},
@@ -78,6 +79,7 @@ private:
 
     void Placed() override {
         Tree_.LoadPictures(Control(tvwLTR), Pixels(PictureSize));
+        SendMessageW(Control(txtInfo), EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, 0);  // no pixel to spare
         std::array<int, 3> stops = dlgSetup::TabStops;
         SendMessageW(Control(lstMezzanines), LB_SETTABSTOPS, stops.size(), reinterpret_cast<LPARAM>(stops.data()));
         SendMessageW(Control(lstMezzanines), LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(WidestLine()), 0);
@@ -88,10 +90,9 @@ private:
         const HWND list = Control(lstMezzanines);
         const HDC context = GetDC(list);
         const HGDIOBJ previous = SelectObject(context, reinterpret_cast<HGDIOBJ>(SendMessageW(list, WM_GETFONT, 0, 0)));
-        TEXTMETRICW letters = {};
-        GetTextMetricsW(context, &letters);
+        const int letterWidth = platform::MeanLetterWidth(context);
         std::array<int, 3> stops = dlgSetup::TabStops;
-        for (int& stop : stops) stop = MulDiv(stop, letters.tmAveCharWidth, 4);  // a dialog unit is a quarter letter
+        for (int& stop : stops) stop = MulDiv(stop, letterWidth, 4);  // a dialog unit is a quarter letter
         int widest = 0;
         for (const std::string& line : Dialog_.lstMezzanines) {
             const std::wstring text = platform::Wide(line);
@@ -101,14 +102,13 @@ private:
         }
         SelectObject(context, previous);
         ReleaseDC(list, context);
-        return widest + letters.tmAveCharWidth;
+        return widest + letterWidth;
     }
 
-    void Command(int id, int code) override {
-        if (id == cboMarkSTART && code == CBN_SELCHANGE) {
-            Dialog_.ChooseMark(static_cast<int>(SendMessageW(Control(cboMarkSTART), CB_GETCURSEL, 0, 0)));
-        } else if (id == cmdOK) {
-            Dialog_.PressOK();
+    void Command(int id, int) override {
+        if (id == cmdOK) {
+            // An automation tool selects without a notification, so nothing is remembered before.
+            Dialog_.PressOK(static_cast<int>(SendMessageW(Control(cboMarkSTART), CB_GETCURSEL, 0, 0)));
             Close();
         } else if (id == cmdCancel) {
             Close();

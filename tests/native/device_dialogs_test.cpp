@@ -121,12 +121,10 @@ TEST_F(SetupDialog, ShowsTheCrateAndItsModules) {
 }
 
 TEST_F(SetupDialog, OnlyOkKeepsTheMode) {
-    UserOfSetup = [](dlgSetup& dialog) { dialog.ChooseMark(5); };
     EXPECT_FALSE(ShowSetting(State));
     EXPECT_EQ(State.Crate.MarkSTARTMode, 0);
     UserOfSetup = [](dlgSetup& dialog) {
-        for (const int index : {5, -1, 8}) dialog.ChooseMark(index);
-        dialog.PressOK();
+        for (const int selected : {5, -1, 8}) dialog.PressOK(selected);
     };
     EXPECT_FALSE(ShowSetting(State));
     EXPECT_EQ(State.Crate.MarkSTARTMode, 5);
@@ -149,10 +147,28 @@ TEST_F(SetupDialog, FailureIsShownToTheUser) {
     EXPECT_EQ(platform::ShownMessages.size(), 3u);
 }
 
-using SetupOfADriver = DriverFixture;
+using DialogsOfADriver = DriverFixture;
+
+TEST_F(DialogsOfADriver, OneThatCanNotBeMadeIsAnOrdinaryFailure) {
+    for (const std::string& scenario : {Server("10.0.0.1"), Server("127.0.0.1") + Crate("A", {3}) + Crate("B", {3})}) {
+        Configure(scenario);
+        const auto noWindow = [](auto&) { throw std::runtime_error("no window"); };
+        UserOfIP = noWindow;
+        UserOfDevice = noWindow;
+        EXPECT_FALSE(Driver->Test());
+        EXPECT_EQ(Driver->LastError(), "Error: no window");
+        const auto noMemory = [](auto&) { throw std::bad_alloc(); };
+        UserOfIP = noMemory;
+        UserOfDevice = noMemory;
+        EXPECT_THROW(Driver->Test(), std::bad_alloc);
+        UserOfIP = nullptr;
+        UserOfDevice = nullptr;
+        EXPECT_EQ(Driver->Test(), scenario.find("3") != std::string::npos) << "the next try is as good as the first";
+    }
+}
 
 // As a host's timer would while the dialog is open.
-TEST_F(SetupOfADriver, CallsDuringTheDialogDoNothing) {
+TEST_F(DialogsOfADriver, CallsDuringTheDialogDoNothing) {
     int shown = 0;
     UserOfSetup = [&](dlgSetup&) {
         if (++shown > 1) return;

@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <sddl.h>
 
 #include <cstring>
 #include <fstream>
@@ -45,8 +46,10 @@ protected:
         Host = CreateWindowW(WC_STATICW, L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40, 40, 500, 400, nullptr, nullptr,
                              nullptr, nullptr);
         SetForegroundWindow(Host);
+        Hook = SetWindowsHookExW(WH_CALLWNDPROCRET, SeeTitle, nullptr, GetCurrentThreadId());
     }
     void TearDown() override {
+        UnhookWindowsHookEx(Hook);
         DestroyWindow(Host);
         DriverTest::TearDown();
         std::remove(ListFile().c_str());
@@ -62,12 +65,22 @@ protected:
         return found;
     }
 
-    void SettingWith(std::function<void(DialogUser&)> script) {
-        const DialogUser user(SetupTitle, std::move(script));
+    void SettingWith(std::function<void(DialogUser&)> script, const wchar_t* title = SetupTitle) {
+        const DialogUser user(title, std::move(script));
         EXPECT_FALSE(True(Driver.Get(), &IADC3::ShowSetting));
     }
 
+    // The window whose title was drawn last as that of the active one.
+    static inline HWND ActiveTitle = nullptr;
+    static LRESULT CALLBACK SeeTitle(int code, WPARAM wParam, LPARAM lParam) {
+        const CWPRETSTRUCT& sent = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
+        if (sent.message == WM_NCACTIVATE && sent.wParam != FALSE) ActiveTitle = sent.hwnd;
+        if (sent.message == WM_NCACTIVATE && sent.wParam == FALSE && ActiveTitle == sent.hwnd) ActiveTitle = nullptr;
+        return CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
     HWND Host = nullptr;
+    HHOOK Hook = nullptr;
 };
 
 // The controls that the Tab key visits, until it has gone round.
@@ -89,7 +102,8 @@ TEST_F(Dialogs, AddressIsTypedAndRemembered) {
         for (int i = 0; i < 4; i++) boxes[i] = user.Child(WC_EDITW, i);
         EXPECT_EQ(std::vector<std::wstring>{L"127.0.0.1"}, ListLines(user.Child(WC_LISTBOXW, 0)));
         EXPECT_EQ(boxes[0], user.Focus());
-        user.Press(VK_HOME);
+        user.Type("45");
+        EXPECT_EQ(L"45", TextOf(boxes[0])) << "what was there is selected and gives way";
         user.Click(boxes[0], 8, 5, 2);  // a double click takes the whole text
         user.Type("192");
         EXPECT_EQ(boxes[1], user.Focus()) << "the third digit moves on";
@@ -97,30 +111,24 @@ TEST_F(Dialogs, AddressIsTypedAndRemembered) {
         user.Type("1689");
         EXPECT_EQ(L"168", TextOf(boxes[1]));
         EXPECT_EQ(L"90", TextOf(boxes[2])) << "at the front of the box it moved on to";
-        user.Press('A', VK_CONTROL);
-        SendMessageW(boxes[2], EM_SETSEL, 0, -1);
+        user.Press(VK_DELETE);
+        user.Press(VK_BACK);
         user.Type("10");
         user.Press(VK_OEM_PERIOD);
         user.Press('X');
         EXPECT_EQ(boxes[2], user.Focus());
         user.Press(VK_RIGHT);
-        EXPECT_EQ(boxes[3], user.Focus());
         user.Press(VK_DELETE);
         user.Type("5");
-        for (const HWND box : {boxes[2], boxes[1], boxes[0]}) {
-            for (int i = 0; i < 4 && user.Focus() != box; i++) user.Press(VK_LEFT);
-            EXPECT_EQ(box, user.Focus());
+        const std::pair<WORD, HWND> moves[] = {
+            {VK_HOME, boxes[0]}, {VK_END, boxes[3]}, {VK_LEFT, boxes[3]}, {VK_LEFT, boxes[2]}};
+        for (const auto& [key, box] : moves) {
+            user.Press(key);
+            EXPECT_EQ(box, user.Focus()) << key;
         }
-        user.Press(VK_END);
-        EXPECT_EQ(boxes[3], user.Focus());
         user.Press(VK_RETURN);
     }));
     EXPECT_EQ("192.168.10.5\r\n", FileText());
-    short index = 0;
-    BSTR name = nullptr;
-    EXPECT_EQ(S_OK, Driver->get_ChannelName(&index, &name));
-    EXPECT_NE(nullptr, wcsstr(name, L"07"));
-    SysFreeString(name);
 }
 
 TEST_F(Dialogs, AddressesAreChosenRemovedAndRefused) {
@@ -146,6 +154,9 @@ TEST_F(Dialogs, AddressesAreChosenRemovedAndRefused) {
         user.Click(remove);
         EXPECT_EQ((std::vector<std::wstring>{L"127.0.0.1", L"10.0.0.5", L"10.0.0.7"}), ListLines(list));
         EXPECT_EQ(L"7", TextOf(user.Child(WC_EDITW, 3))) << "the one that moved into its place";
+        SendMessageW(list, LB_SETCURSEL, 1, 0);  // tells nobody
+        user.Click(remove);
+        EXPECT_EQ((std::vector<std::wstring>{L"127.0.0.1", L"10.0.0.7"}), ListLines(list));
         user.Click(user.Child(WC_EDITW, 1));
         user.Press(VK_BACK);
         user.Press(VK_DELETE);
@@ -158,7 +169,7 @@ TEST_F(Dialogs, AddressesAreChosenRemovedAndRefused) {
         user.Press(VK_ESCAPE);
     }));
     EXPECT_EQ(ConnectText, LastError(Driver.Get()));
-    EXPECT_EQ("10.0.0.5\r\n10.0.0.7\r\n", FileText()) << "Esc keeps what was removed";
+    EXPECT_EQ("10.0.0.7\r\n", FileText()) << "Esc keeps what was removed";
 }
 
 std::wstring ItemText(HWND tree, HTREEITEM item, UINT* state = nullptr) {
@@ -188,8 +199,9 @@ void ClickItem(DialogUser& user, HWND tree, HTREEITEM item) {
 TEST_F(Dialogs, CrateIsChosenAmongSeveral) {
     Configure(Server("127.0.0.1") + Crate("FIRST", {3}) + Crate("SECOND", {12}));
     const auto firstRoot = [](HWND tree) { return Next(tree, TVGN_ROOT, nullptr); };
-    EXPECT_FALSE(TestWith(DeviceTitle, [](DialogUser& user) { user.Press(VK_ESCAPE); }));
+    SetForegroundWindow(GetDesktopWindow());  // as when another program is in front
     EXPECT_FALSE(TestWith(DeviceTitle, [](DialogUser& user) {
+        EXPECT_EQ(user.Dialog(), ActiveTitle);
         const HWND cancel = user.Child(WC_BUTTONW, 1);
         RECT area = {}, button = {};
         GetClientRect(user.Dialog(), &area);
@@ -213,6 +225,11 @@ TEST_F(Dialogs, CrateIsChosenAmongSeveral) {
         EXPECT_EQ(UINT{TVIS_EXPANDED}, state);
         EXPECT_EQ(L"LTR030 SN:SECOND", ItemText(tree, second, &state));
         EXPECT_EQ(UINT{TVIS_BOLD | TVIS_EXPANDED}, state);
+        user.Press(VK_TAB);
+        for (const WORD key : std::initializer_list<WORD>{VK_RIGHT, VK_DOWN, VK_LEFT}) {
+            user.Press(key);
+            EXPECT_EQ(GetDlgItem(user.Dialog(), IDOK), user.Focus()) << "not on to the hidden Cancel";
+        }
         user.Press(VK_RETURN);
     }));
     SettingWith([&](DialogUser& user) {
@@ -267,13 +284,158 @@ TEST_F(Dialogs, SettingsAreShownAndChanged) {
     SettingWith([](DialogUser& user) {
         const HWND combo = user.Child(WC_COMBOBOXW, 0);
         EXPECT_EQ(5, SendMessageW(combo, CB_GETCURSEL, 0, 0));
-        user.Click(combo, 8, 8);
-        user.Press(VK_UP);
-        user.Press(VK_RETURN);
+        SendMessageW(combo, CB_SETCURSEL, 3, 0);  // tells nobody
         user.Press(VK_ESCAPE);
     });
+    SettingWith([](DialogUser& user) {
+        const HWND combo = user.Child(WC_COMBOBOXW, 0);
+        EXPECT_EQ(5, SendMessageW(combo, CB_GETCURSEL, 0, 0)) << "Esc changes nothing";
+        SendMessageW(combo, CB_SETCURSEL, 3, 0);
+        user.Press(VK_RETURN);
+    });
     Driver.Reset();
-    EXPECT_EQ(5u, StoredNumber(L"MarkSTARTMode")) << "Esc changes nothing";
+    EXPECT_EQ(3u, StoredNumber(L"MarkSTARTMode"));
+}
+
+// Width and height that a text takes in the control's own font.
+SIZE Extent(HWND control, const std::wstring& text) {
+    const HDC context = GetDC(control);
+    SelectObject(context, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
+    RECT taken = {};
+    DrawTextW(context, text.c_str(), -1, &taken, DT_CALCRECT);
+    ReleaseDC(control, context);
+    return {taken.right, taken.bottom};
+}
+
+void ExpectTextsFit(HWND control, int dpi) {
+    const auto ask = [control](UINT message, WPARAM wParam = 0, const void* lParam = nullptr) {
+        return SendMessageW(control, message, wParam, reinterpret_cast<LPARAM>(lParam));
+    };
+    wchar_t name[64] = {};
+    GetClassNameW(control, name, 64);
+    const std::wstring kind = name;
+    const LONG style = GetWindowLongW(control, GWL_STYLE);
+    RECT area = {}, outer = {};
+    GetClientRect(control, &area);
+    GetWindowRect(control, &outer);
+    std::vector<std::wstring> texts = {TextOf(control)};
+    if (kind == WC_LISTBOXW) {
+        constexpr int edges = 4;  // and no scroll bar
+        EXPECT_EQ(outer.right - outer.left, area.right + edges);
+        EXPECT_EQ(outer.bottom - outer.top, area.bottom + edges);
+        EXPECT_GE(area.bottom, 8 * ask(LB_GETITEMHEIGHT));
+        EXPECT_LE(ask(LB_GETHORIZONTALEXTENT), area.right);
+        if ((style & LBS_USETABSTOPS) == 0) texts = ListLines(control);
+    } else if (kind == WC_COMBOBOXW) {
+        texts.clear();
+        for (WPARAM i = 0; ask(CB_GETLBTEXT, i, name) > 0; i++) texts.push_back(name);
+        EXPECT_EQ(8u, texts.size());
+        EXPECT_NEAR(outer.bottom - outer.top, 21 * dpi / 96.0, 1);
+        area.right -= GetSystemMetrics(SM_CXVSCROLL) + 6;
+    } else if (kind == WC_EDITW && (style & ES_MULTILINE) != 0) {
+        EXPECT_EQ(4, ask(EM_GETLINECOUNT));
+        ask(EM_GETRECT, 0, &area);
+        OffsetRect(&area, -area.left, -area.top);
+    } else if (kind == WC_EDITW && (style & ES_READONLY) == 0) {
+        texts = {L"255"};
+    } else if (kind == WC_TREEVIEWW) {
+        int width = 0, height = 0;
+        ImageList_GetIconSize(reinterpret_cast<HIMAGELIST>(ask(TVM_GETIMAGELIST, TVSIL_NORMAL)), &width, &height);
+        EXPECT_EQ(std::pair(width, height), std::pair(dpi / 6, dpi / 6));
+    }
+    for (const std::wstring& text : texts) {
+        const SIZE extent = Extent(control, text);
+        const LONG emptyColumns = text == L"." ? 1 : 0;
+        EXPECT_LE(extent.cx - emptyColumns, area.right) << std::string(text.begin(), text.end());
+        EXPECT_LE(extent.cy, area.bottom) << std::string(text.begin(), text.end());
+    }
+}
+
+// As when it is moved to a monitor of that resolution.
+void ExpectLayout(HWND dialog, int width, int height) {
+    constexpr UINT monitorDpiChanged = 0x02E0;
+    for (const int dpi : {120, 144, 192, 96}) {
+        SCOPED_TRACE(dpi);
+        const RECT place = {0, 0, 100, 100};
+        SendMessageW(dialog, monitorDpiChanged, static_cast<WPARAM>(dpi << 16 | dpi), reinterpret_cast<LPARAM>(&place));
+        RECT area = {};
+        GetClientRect(dialog, &area);
+        EXPECT_EQ(std::pair(area.right, area.bottom),
+                  std::pair(LONG(width * dpi / 96.0 + 0.5), LONG(height * dpi / 96.0 + 0.5)));
+        for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+            SCOPED_TRACE(GetDlgCtrlID(child));
+            if (IsWindowVisible(child)) ExpectTextsFit(child, dpi);
+        }
+    }
+}
+
+TEST_F(Dialogs, AreAsLargeAsDesignedAndHoldTheirTexts) {
+    const std::pair<LCID, std::pair<const wchar_t*, const wchar_t*>> languages[] = {
+        {MAKELANGID(LANG_RUSSIAN, SUBLANG_DEFAULT), {AddressTitle, SetupTitle}},
+        {MAKELANGID(LANG_ENGLISH, SUBLANG_DEFAULT), {L"Select IP Address", L"LTR27 Setup (v3.2.1)"}}};
+    for (const auto& [language, titles] : languages) {
+        SetThreadLocale(language);
+        std::ofstream(ListFile(), std::ios::binary) << "222.222.222.222\r\n";
+        Configure(Server("222.222.222.222") + Crate("3T000001", {3}) + Crate("3T000002", {12}));
+        EXPECT_TRUE(TestWith(titles.first, [](DialogUser& user) {
+            ExpectLayout(user.Dialog(), 224, 200);
+            user.Press(VK_RETURN);
+            ASSERT_TRUE(user.WaitFront(L"Select Device - IP: 222.222.222.222"));
+            ExpectLayout(GetForegroundWindow(), 214, 225);
+            user.Press(VK_RETURN);
+        }));
+        SettingWith([](DialogUser& user) { ExpectLayout(user.Dialog(), 314, 298); }, titles.second);
+        Driver.Reset();
+        Driver = CreateDriver();
+    }
+    SetThreadLocale(GetUserDefaultLCID());
+}
+
+TEST_F(Dialogs, ASavedListKeepsItsProtection) {
+    constexpr SECURITY_INFORMATION kind = DACL_SECURITY_INFORMATION;
+    const auto rights = [] {
+        BYTE descriptor[1024] = {};
+        DWORD size = 0;
+        char* text = nullptr;
+        EXPECT_TRUE(GetFileSecurityA(ListFile().c_str(), kind, descriptor, sizeof descriptor, &size));
+        ConvertSecurityDescriptorToStringSecurityDescriptorA(descriptor, SDDL_REVISION_1, kind, &text, nullptr);
+        const std::string copy = text;
+        LocalFree(text);
+        return copy;
+    };
+    const std::string beside = ListFile() + ".new";
+    Configure(Server("192.168.10.5"));
+    for (const bool nameBesideIsFree : {true, false}) {
+        std::ofstream(ListFile(), std::ios::binary) << "10.0.0.5\r\n10.0.0.6\r\n";
+        const std::string others = rights(), fewer = others.substr(0, others.rfind('('));
+        PSECURITY_DESCRIPTOR descriptor = nullptr;
+        ConvertStringSecurityDescriptorToSecurityDescriptorA(fewer.c_str(), SDDL_REVISION_1, &descriptor, nullptr);
+        EXPECT_TRUE(SetFileSecurityA(ListFile().c_str(), kind, descriptor));
+        LocalFree(descriptor);
+        EXPECT_TRUE(SetFileAttributesA(ListFile().c_str(), FILE_ATTRIBUTE_HIDDEN));
+        EXPECT_TRUE(nameBesideIsFree || CreateDirectoryA(beside.c_str(), nullptr));
+        EXPECT_FALSE(TestWith(AddressTitle, [](DialogUser& user) {
+            user.Click(user.Child(WC_BUTTONW, 1));
+            user.Press(VK_ESCAPE);
+        }));
+        EXPECT_EQ("10.0.0.6\r\n", FileText()) << nameBesideIsFree;
+        EXPECT_EQ(fewer, rights()) << nameBesideIsFree << ", not " << others;
+        EXPECT_NE(0u, GetFileAttributesA(ListFile().c_str()) & FILE_ATTRIBUTE_HIDDEN) << nameBesideIsFree;
+        std::remove(ListFile().c_str());
+    }
+    RemoveDirectoryA(beside.c_str());
+}
+
+LRESULT CALLBACK RefuseWindows(int code, WPARAM wParam, LPARAM lParam) {
+    return code == HCBT_CREATEWND ? 1 : CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+TEST_F(Dialogs, OneThatCanNotBeMadeFailsTheTest) {
+    Configure(Server("192.168.10.5"));
+    const HHOOK hook = SetWindowsHookExW(WH_CBT, RefuseWindows, nullptr, GetCurrentThreadId());
+    EXPECT_FALSE(True(Driver.Get(), &IADC3::Test));
+    UnhookWindowsHookEx(hook);
+    EXPECT_TRUE(LastError(Driver.Get()).starts_with(std::wstring(L"Error: ") + AddressTitle + L": "));
 }
 
 TEST_F(Dialogs, HelpThatCannotBeOpenedIsReported) {
