@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "bench/comparison.h"
-#include "common/rounding.h"
+#include "base/rounding.h"
 
 namespace corvane::bench {
 

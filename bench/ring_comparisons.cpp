@@ -20,7 +20,7 @@ struct Host {
         PrepareInputBuffer(Input, BlockKadrs);
         // Memory that was never written is one page of zeros, always in the nearest cache.
         for (int32_t kadrs = 0; kadrs < Input.Ring.Length(); kadrs += BlockKadrs) {
-            std::fill_n(Input.Ring.WritePlace(), BlockSamples, int16_t{1});
+            std::fill_n(Input.Ring.BlockToWrite(), BlockSamples, int16_t{1});
             Input.Ring.Commit(BlockKadrs);
         }
         Take(Input.Ring.Length());
@@ -71,7 +71,7 @@ std::vector<Comparison> RingComparisons() {
                     [host, block] {
                         DataRing& ring = host->Input.Ring;
                         if (!ring.Room(BlockKadrs)) return;
-                        CopyBytes(ring.WritePlace(), block->data(), BlockSamples * sizeof(int16_t));
+                        CopyBytes(ring.BlockToWrite(), block->data(), BlockSamples * sizeof(int16_t));
                         ring.Commit(BlockKadrs);
                         ring.Read(host->Buffer.data(), BlockKadrs);
                         Keep(host->Buffer.data());

@@ -63,7 +63,7 @@ void RunOnTwoCores(const std::function<void()>& write, const std::function<void(
 void Write(DataRing& ring, const StorePlan& plan) {
     for (int32_t written = 0; written < PassedKadrs; written += BlockKadrs) {
         while (!ring.Room(BlockKadrs)) std::this_thread::yield();
-        StoreBlock(plan, BlockKadrs, ring.WritePlace());
+        StoreBlock(plan, BlockKadrs, ring.BlockToWrite());
         ring.Commit(BlockKadrs);
     }
 }

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "platform/ansi_text.h"
-#include "platform/component.h"
 #include "platform/message_text.h"
+#include "resources/texts.h"
 
 namespace corvane {
 
@@ -57,22 +57,16 @@ bool AsksOnlyForArguments(std::string_view pattern) {
 
 }  // namespace
 
-void InitSettingsLocation(DriverState& state, const std::string& name) {
-    if (state.Device.DriverName.empty()) state.Device.DriverName = name;
-    state.SettingsKeyPath = "Software\\Vrex\\ADC\\L-Card\\" + name;
-    if (!GoToSettings(state)) return;
-    if (state.SettingsRegistry.StringValue("") != name) state.SettingsRegistry.WriteString("", name);
-}
-
-bool GoToSettings(DriverState& state) {
-    cRegistry& registry = state.SettingsRegistry;
-    registry.SetRootKey(platform::CurrentUserRoot);
-    registry.SetKeyPath(state.SettingsKeyPath);
-    return registry.RootKey() == platform::CurrentUserRoot && registry.KeyPath() == state.SettingsKeyPath;
+void InitSettingsLocation(SettingsLocation& location, std::string& driverName, const std::string& name) {
+    if (driverName.empty()) driverName = name;
+    location.SettingsKeyPath = "Software\\Vrex\\ADC\\L-Card\\" + name;
+    if (!GoToSettings(location)) return;
+    cRegistry& registry = location.SettingsRegistry;
+    if (registry.StringValue("") != name) registry.WriteString("", name);
 }
 
 std::string ResourceText(int32_t number, const std::string& a1, const std::string& a2, const std::string& a3) {
-    return FormatText(platform::StringResource(number), a1, a2, a3, {}, {});
+    return FormatText(StringResource(number), a1, a2, a3, {}, {});
 }
 
 std::string FormatText(const std::string& pattern, const std::string& a1, const std::string& a2, const std::string& a3,

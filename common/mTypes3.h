@@ -4,17 +4,14 @@
 #include <cstdint>
 #include <string>
 
-#include "driver/model/driver_state.h"
+#include "settings/registry/settings_location.h"
 
 namespace corvane {
 
 // Derives the settings location from a device name, points SettingsRegistry there, which creates the key, and leaves
-// the name as the key's default value. The first name given stays the driver's name. Where the key can be neither
-// opened nor created SettingsRegistry stays where it was, and nothing is written there.
-void InitSettingsLocation(DriverState& state, const std::string& name);
-
-// Points SettingsRegistry at the settings. False when they have no key: nothing may be read or written then.
-bool GoToSettings(DriverState& state);
+// the name as the key's default value. An empty driverName becomes the name: the first one given stays. Where the key
+// can be neither opened nor created SettingsRegistry stays where it was, and nothing is written there.
+void InitSettingsLocation(SettingsLocation& location, std::string& driverName, const std::string& name);
 
 // The numbered text in the user's language with its placeholders filled in; empty when there is none.
 std::string ResourceText(int32_t number, const std::string& a1 = {}, const std::string& a2 = {},

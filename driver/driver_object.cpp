@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "driver/driver_state.h"
 #include "driver/lifecycle.h"
-#include "driver/model/driver_state.h"
 #include "engine/device.h"
 #include "engine/rate.h"
 #include "engine/recording.h"
@@ -16,20 +16,20 @@ namespace {
 
 // A dialog keeps the host's thread in here, while its timers go on and may call again: what then finds itself at work
 // already does nothing.
-class Turn {
+class ReentryGuard {
 public:
-    explicit Turn(bool& taken) : Taken_(taken), Ours_(!taken) { Taken_ = true; }
-    ~Turn() {
-        if (Ours_) Taken_ = false;
+    explicit ReentryGuard(bool& inside) : Inside_(inside), Entered_(!inside) { Inside_ = true; }
+    ~ReentryGuard() {
+        if (Entered_) Inside_ = false;
     }
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
+    ReentryGuard(const ReentryGuard&) = delete;
+    ReentryGuard& operator=(const ReentryGuard&) = delete;
 
-    bool Ours() const { return Ours_; }
+    bool Entered() const { return Entered_; }
 
 private:
-    bool& Taken_;
-    bool Ours_;
+    bool& Inside_;
+    bool Entered_;
 };
 
 }  // namespace
@@ -65,10 +65,10 @@ bool DriverObject::Detected() const {
 }
 
 bool DriverObject::Test() {
-    const Turn turn(State_.InDialog);
-    if (!State_.Detected && turn.Ours()) {
+    const ReentryGuard guard(State_.InDialog);
+    if (!State_.Detected && guard.Entered()) {
         State_.LastOpenResult = 0;
-        State_.Detected = OpenDevice(State_);
+        State_.Detected = OpenDevice(State_.Device, State_.Input, State_.Engine, State_.Crate, State_.Search);
         State_.LastOpenResult = State_.Detected ? int16_t{-1} : int16_t{0};
     }
     return State_.Detected;
@@ -111,11 +111,11 @@ std::string DriverObject::ChannelUnitName(int16_t index) const {
 }
 
 float DriverObject::Rate() {
-    return ApplyRate(State_, State_.Input.Rate);
+    return ApplyRate(State_.Input, State_.Engine, State_.Input.Rate);
 }
 
 void DriverObject::SetRate(float rate) {
-    if (!State_.Engine.Busy) ApplyRate(State_, rate);
+    if (!State_.Engine.Busy) ApplyRate(State_.Input, State_.Engine, rate);
 }
 
 void DriverObject::SetInputSizeData(int32_t newSize) {
@@ -136,7 +136,7 @@ int32_t DriverObject::InputSizeKadrs() const {
 }
 
 int32_t DriverObject::InputCountKadrs() const {
-    return State_.Input.Ring.Unread();
+    return State_.Input.Ring.CountUnreadKadrs();
 }
 
 int16_t DriverObject::InputCountChannels() const {
@@ -155,24 +155,25 @@ void DriverObject::SetInputChannels(std::span<const int16_t> table) {
 }
 
 int16_t DriverObject::GetChannel(int16_t index) {
-    return ReadChannelNow(State_, index);
+    return ReadChannelNow(State_.Engine, index);
 }
 
 std::vector<int16_t> DriverObject::GetKadr() {
-    return ReadKadrNow(State_);
+    return ReadKadrNow(State_.Engine, State_.Input);
 }
 
 bool DriverObject::StartRecord() {
-    return !State_.Engine.Busy && State_.Detected && StartRecording(State_);
+    return !State_.Engine.Busy && State_.Detected &&
+           StartRecording(State_.Engine, State_.Input, State_.Crate, State_.Device.LastError);
 }
 
 void DriverObject::StopRecord() {
-    StopRecording(State_);
+    StopRecording(State_.Engine);
 }
 
 InputDataShape DriverObject::NextInputData() const {
     const InputState& input = State_.Input;
-    const int32_t unread = input.Ring.Unread();
+    const int32_t unread = input.Ring.CountUnreadKadrs();
     const auto channels = unread > 0 ? input.Ring.Channels() : input.InputCountChannels();
     return {static_cast<int16_t>(channels), unread};
 }
@@ -193,8 +194,8 @@ std::string DriverObject::LastError() const {
 }
 
 bool DriverObject::ShowSetting() {
-    const Turn turn(State_.InDialog);
-    return turn.Ours() && corvane::ShowSetting(State_);
+    const ReentryGuard guard(State_.InDialog);
+    return guard.Entered() && corvane::ShowSetting(State_.Device, State_.Engine, State_.Crate, State_.HelpFile);
 }
 
 }  // namespace corvane

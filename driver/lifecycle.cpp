@@ -47,10 +47,10 @@ auto EntryOf(const DriverState& state) {
 std::unique_ptr<DriverState> MakeState() {
     auto state = std::make_unique<DriverState>();
     state->Device.ADCName = "LTR27";
-    InitSettingsLocation(*state, state->Device.ADCName);
-    SetHelpFile(*state);
-    SetDefaultModel(state->Device);
-    LoadSettings(*state);
+    InitSettingsLocation(state->Settings, state->Device.DriverName, state->Device.ADCName);
+    SetHelpFile(state->HelpFile);
+    InitDefaults(state->Device);
+    LoadSettings(state->Settings, state->Input, state->Crate);
     return state;
 }
 
@@ -94,8 +94,8 @@ void DetachObject(DriverState& state) noexcept {
     if (!ReleaseInstance(state)) return;
     bool closed = false;
     try {
-        closed = CloseDevice(state);
-        SaveSettings(state);
+        closed = CloseDevice(state.Engine);
+        SaveSettings(state.Settings, state.Input, state.Crate);
     } catch (...) {
         // Nobody is left to be told.
     }
@@ -110,7 +110,7 @@ void LeaveThread() noexcept {
 }
 
 void CloseWhatIsLeft() noexcept {
-    for (ThreadEntry& entry : ThreadEntries) CloseModules(*entry.State);
+    for (ThreadEntry& entry : ThreadEntries) CloseModules(entry.State->Engine);
     ThreadEntries.clear();
 }
 

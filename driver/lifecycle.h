@@ -1,7 +1,7 @@
 // The state of a host thread: made for the first driver object on it, closed with the last.
 #pragma once
 
-#include "driver/model/driver_state.h"
+#include "driver/driver_state.h"
 
 namespace corvane {
 

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "common/rounding.h"
-#include "driver/model/driver_state.h"
+#include "base/rounding.h"
+#include "driver/model/engine_state.h"
+#include "driver/model/input_state.h"
 #include "engine/module_control.h"
 #include "engine/rate.h"
 #include "engine/store_block.h"
@@ -13,19 +14,19 @@ namespace corvane {
 
 namespace {
 
-constexpr uint32_t Breath = 5;  // ms between two looks at something that needs time
+constexpr uint32_t PollPause = 5;  // ms between two looks at something that needs time
 
 // One recording, as its thread sees it.
 class Acquisition {
 public:
-    explicit Acquisition(DriverState& state)
-        : State_(state), Engine_(state.Engine), Plan_(PlanStore(state.Engine, state.Input.RecordedTable)) {}
+    explicit Acquisition(EngineState& engine)
+        : Engine_(engine), Ring_(engine.Target->Ring), Plan_(PlanStore(engine, engine.Target->RecordedTable)) {}
 
     void Run();
 
 private:
     bool Busy() const { return Engine_.Busy; }
-    void Align();
+    void AlignModules();
     void WaitStartMark();
     void WaitForRoom();
     void ReceiveBlock();
@@ -36,22 +37,22 @@ private:
     void CompleteBlock(ModuleRecord& module, int32_t words);
     void PauseUntilDue();
 
-    DriverState& State_;
     EngineState& Engine_;
+    DataRing& Ring_;
     const StorePlan Plan_;
     uint32_t Due_ = platform::TickCount();  // ms; when the last block was there, or should have been
 };
 
 void Acquisition::Run() {
     if (Engine_.MarkRef == NoMark) {
-        Align();
+        AlignModules();
         if (Busy()) ReceiveBlock();
     } else {
         WaitStartMark();
     }
     while (Busy()) {
-        StoreBlock(Plan_, Engine_.BlockKadrs, State_.Input.Ring.WritePlace());
-        State_.Input.Ring.Commit(Engine_.BlockKadrs);
+        StoreBlock(Plan_, Engine_.BlockKadrs, Ring_.BlockToWrite());
+        Ring_.Commit(Engine_.BlockKadrs);
         WaitForRoom();
         if (Busy()) ReceiveBlock();
     }
@@ -60,12 +61,12 @@ void Acquisition::Run() {
 // Leaves the host a breath after every block, and waits while a whole block has no room: unread kadrs stay. A block
 // lasts at least 50 ms, so looking less often then keeps up all the same and costs half.
 void Acquisition::WaitForRoom() {
-    platform::SleepMs(Breath);
-    while (Busy() && !State_.Input.Ring.Room(Engine_.BlockKadrs)) platform::SleepMs(2 * Breath);
+    platform::SleepMs(PollPause);
+    while (Busy() && !Ring_.Room(Engine_.BlockKadrs)) platform::SleepMs(2 * PollPause);
 }
 
 // Without a common START mark: drops what each module acquired before the last one was started.
-void Acquisition::Align() {
+void Acquisition::AlignModules() {
     const uint32_t reference = Engine_.UsedModules().back().StartTick;
     for (ModuleRecord& module : Engine_.UsedModules()) {
         if (!module.Used || &module == &Engine_.UsedModules().back()) continue;
@@ -73,7 +74,7 @@ void Acquisition::Align() {
         int64_t skip = int64_t{ModuleChannels} * RoundToInt32(double(lead) * double(Engine_.BlockRate) / 1000);
         while (skip > 0 && Busy()) {
             const int32_t part = static_cast<int32_t>(std::min<int64_t>(skip, Engine_.BlockWords));
-            if (Receive(module, 0, part, false) <= 0) platform::SleepMs(Breath);
+            if (Receive(module, 0, part, false) <= 0) platform::SleepMs(PollPause);
             skip -= part;
         }
     }
@@ -96,7 +97,7 @@ void Acquisition::WaitStartMark() {
             }
             if (module.Received <= 0) pending = true;
         }
-        if (pending) platform::SleepMs(Breath);
+        if (pending) platform::SleepMs(PollPause);
     }
 }
 
@@ -138,15 +139,15 @@ void Acquisition::PauseUntilDue() {
     Due_ += static_cast<uint32_t>(RoundToInt32(Engine_.BlockKadrs * 1000.0 / Engine_.BlockRate));
     const auto late = [&] { return static_cast<int32_t>(platform::TickCount() - Due_); };
     if (late() > LongestDelay) Due_ = platform::TickCount();
-    while (Busy() && late() < 0) platform::SleepMs(Breath);
+    while (Busy() && late() < 0) platform::SleepMs(PollPause);
 }
 
 // Receives up to `count` words to place `from` of the receive buffer. Words received, 0 or a negative code.
 int32_t Acquisition::Receive(ModuleRecord& module, int32_t from, int32_t count, bool withMarks) {
     uint32_t* data = Engine_.ReceiveBuffer.data() + from;
     uint32_t* marks = withMarks ? Engine_.MarkBuffer.data() + from : nullptr;
-    const int32_t words = State_.ModuleApi.RecvWithMarks(module.Handle, data, marks, static_cast<uint32_t>(count),
-                                                         static_cast<uint32_t>(Engine_.RecvTimeout));
+    const int32_t words = Engine_.ModuleApi.RecvWithMarks(module.Handle, data, marks, static_cast<uint32_t>(count),
+                                                          static_cast<uint32_t>(Engine_.RecvTimeout));
     if (words > 0) module.StreamWords += static_cast<uint32_t>(std::min(words, count));
     return std::min(words, count);
 }
@@ -180,8 +181,8 @@ void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
     }
     if (words <= 0) return;
     auto size = static_cast<uint32_t>(words);
-    if (!State_.ModuleApi.ProcessData(module.Handle, Engine_.ReceiveBuffer.data(), module.Block.data(), size, Calibrate,
-                                      KeepCodes)) {
+    if (!Engine_.ModuleApi.ProcessData(module.Handle, Engine_.ReceiveBuffer.data(), module.Block.data(), size,
+                                       Calibrate, KeepCodes)) {
         return;
     }
     const size_t values = std::min<size_t>(size, module.Block.size());
@@ -191,15 +192,15 @@ void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
 
 }  // namespace
 
-void AcquisitionThread(void* driverState) {
-    auto& state = *static_cast<DriverState*>(driverState);
-    if (!state.Engine.Started) return;
+void AcquisitionThread(void* engineState) {
+    auto& engine = *static_cast<EngineState*>(engineState);
+    if (!engine.Started) return;
     try {
-        Acquisition(state).Run();
+        Acquisition(engine).Run();
     } catch (...) {
         // Only the plan's memory can fail; the recording then ends before it began.
     }
-    StopAllModules(state);
+    StopAllModules(engine);
 }
 
 }  // namespace corvane

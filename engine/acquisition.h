@@ -4,9 +4,9 @@
 
 namespace corvane {
 
-// Thread procedure; `driverState` is the DriverState of the host thread that started the recording. Stops the modules
+// Thread procedure; `engineState` is the EngineState of the host thread that started the recording. Stops the modules
 // and clears the busy flag before it returns; after a start that failed it touches nothing.
 // Nothing is reported: what doesn't come shows in the samples.
-void AcquisitionThread(void* driverState);
+void AcquisitionThread(void* engineState);
 
 }  // namespace corvane

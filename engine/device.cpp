@@ -42,19 +42,20 @@ MezzanineInfo ReadMezzanine(const MezzanineDescription& description, const Mezza
     return mezzanine;
 }
 
-bool ReadModule(DriverState& state, ModuleRecord& module) {
-    return state.ModuleApi.GetConfig(module.Handle) && state.ModuleApi.GetDescription(module.Handle, AllMezzanines);
+bool ReadModule(TLTR27API& api, ModuleRecord& module) {
+    return api.GetConfig(module.Handle) && api.GetDescription(module.Handle, AllMezzanines);
 }
 
-bool OpenModule(DriverState& state, ModuleRecord& module, const CrateListEntry& crate, int32_t slot) {
+bool OpenModule(TLTR27API& api, ModuleRecord& module, const CrateListEntry& crate, int32_t slot,
+                std::string& lastError) {
     TLTR27& handle = module.Handle;
-    if (!state.ModuleApi.Open(handle, crate.NetAddr, crate.Serial, static_cast<uint32_t>(slot))) {
-        state.Device.LastError = state.ModuleApi.GetErrorString();
+    if (!api.Open(handle, crate.NetAddr, crate.Serial, static_cast<uint32_t>(slot))) {
+        lastError = api.GetErrorString();
         return false;
     }
-    if (!ReadModule(state, module)) {
-        state.Device.LastError = state.ModuleApi.GetErrorString();
-        state.ModuleApi.Close(handle);
+    if (!ReadModule(api, module)) {
+        lastError = api.GetErrorString();
+        api.Close(handle);
         return false;
     }
     module.Slot = slot;
@@ -74,78 +75,76 @@ bool OpenModule(DriverState& state, ModuleRecord& module, const CrateListEntry& 
 }
 
 // Index of the crate to open, or -1.
-int ChooseCrate(DriverState& state) {
-    if (state.CrateListCount < 1) return -1;
-    return state.CrateListCount == 1 ? 0 : SelectDevice(state);
+int ChooseCrate(const CrateSearch& search) {
+    if (search.CrateListCount < 1) return -1;
+    return search.CrateListCount == 1 ? 0 : SelectDevice(search);
 }
 
-bool OpenSelectedCrate(DriverState& state) {
-    const int choice = ChooseCrate(state);
-    if (choice < 0 || choice >= state.CrateListCount) return false;
-    const CrateListEntry& crate = state.CrateList[static_cast<size_t>(choice)];
+bool OpenSelectedCrate(const CrateSearch& search, DeviceInfo& device, EngineState& engine, CrateInfo& crate) {
+    const int choice = ChooseCrate(search);
+    if (choice < 0 || choice >= search.CrateListCount) return false;
+    const CrateListEntry& chosen = search.CrateList[static_cast<size_t>(choice)];
     const platform::BusyPointer busyPointer;
-    EngineState& engine = state.Engine;
-    CloseModules(state);
-    engine.Modules = std::vector<ModuleRecord>(crate.Modules.size());
-    for (const ModuleListEntry& entry : crate.Modules) {
-        if (OpenModule(state, engine.Modules[static_cast<size_t>(engine.OpenedCount)], crate, entry.Slot)) {
+    CloseModules(engine);
+    engine.Modules = std::vector<ModuleRecord>(chosen.Modules.size());
+    for (const ModuleListEntry& entry : chosen.Modules) {
+        ModuleRecord& module = engine.Modules[static_cast<size_t>(engine.OpenedCount)];
+        if (OpenModule(engine.ModuleApi, module, chosen, entry.Slot, device.LastError)) {
             engine.OpenedCount++;
         }
         if (engine.OpenedCount == MaxModules) break;
     }
     if (engine.OpenedCount == 0) return false;
-    state.Crate.Address = crate.Address;
-    state.Crate.NetAddr = crate.NetAddr;
-    state.Crate.TypeName = crate.TypeName;
-    state.Crate.Serial = crate.Serial;
-    state.Crate.Interface = crate.Interface;
-    state.Crate.Info = CrateInfoText(state.Crate);
-    BuildChannelModel(state.Device, engine.Opened());
+    crate.Address = chosen.Address;
+    crate.NetAddr = chosen.NetAddr;
+    crate.TypeName = chosen.TypeName;
+    crate.Serial = chosen.Serial;
+    crate.Interface = chosen.Interface;
+    crate.Info = CrateInfoText(crate);
+    BuildChannelModel(device, engine.Opened());
     return true;
 }
 
 // A dialog that can't be made is a failure as any other of the opening, which the host reads in LastError. Only memory
 // that has run out stays an exception.
-bool OpenFoundCrate(DriverState& state) {
+bool OpenFoundCrate(DeviceInfo& device, EngineState& engine, CrateInfo& crate, CrateSearch& search) {
     try {
-        return FindCrates(state, state.Device.ADCName) >= 1 && OpenSelectedCrate(state);
+        return FindCrates(search, device.ADCName, device.ADCName, device.LastError) >= 1 &&
+               OpenSelectedCrate(search, device, engine, crate);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& failure) {
-        state.Device.LastError = std::string("Error: ") + failure.what();
+        device.LastError = std::string("Error: ") + failure.what();
         return false;
     }
 }
 
 }  // namespace
 
-bool OpenDevice(DriverState& state) {
-    state.Detected = false;
+bool OpenDevice(DeviceInfo& device, InputState& input, EngineState& engine, CrateInfo& crate, CrateSearch& search) {
     if (!TLTR27API::LibraryPresent()) {
-        state.Device.LastError = "Please install \"" + TLTR27API::LibraryName() + "\"!";
+        device.LastError = "Please install \"" + TLTR27API::LibraryName() + "\"!";
         return false;
     }
-    if (!OpenFoundCrate(state)) return false;
-    StopAllModules(state);
-    ApplyRate(state, state.Input.Rate);
-    state.Device.LastError.clear();
+    if (!OpenFoundCrate(device, engine, crate, search)) return false;
+    StopAllModules(engine);
+    ApplyRate(input, engine, input.Rate);
+    device.LastError.clear();
     return true;
 }
 
-void CloseModules(DriverState& state) {
-    for (ModuleRecord& module : state.Engine.Opened()) state.ModuleApi.Close(module.Handle);
-    state.Engine.OpenedCount = 0;
+void CloseModules(EngineState& engine) {
+    for (ModuleRecord& module : engine.Opened()) engine.ModuleApi.Close(module.Handle);
+    engine.OpenedCount = 0;
 }
 
-bool CloseDevice(DriverState& state) {
-    EngineState& engine = state.Engine;
-    StopRecording(state);
+bool CloseDevice(EngineState& engine) {
+    StopRecording(engine);
     // The thread makes at most four more calls that may wait: two receives, and stopping two modules. Five seconds more
     // cover a busy server; whoever has not come back then never will.
     const uint32_t bound = 2 * static_cast<uint32_t>(engine.RecvTimeout) + 5000;
     if (!engine.Thread.WaitEnd(bound)) return false;
-    CloseModules(state);
-    state.Detected = false;
+    CloseModules(engine);
     return true;
 }
 

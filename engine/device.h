@@ -1,20 +1,24 @@
 // Opening and closing the device: the modules of one crate.
 #pragma once
 
-#include "driver/model/driver_state.h"
+#include "driver/model/channel_model.h"
+#include "driver/model/crate_info.h"
+#include "driver/model/engine_state.h"
+#include "driver/model/input_state.h"
+#include "selection/crate_list.h"
 
 namespace corvane {
 
 // Looks for crates with modules named as ADCName, opens up to two modules of one crate, reads their descriptions and
 // rebuilds the channel model. False with the failing step's message in LastError; a search that finds nothing and a
 // cancelled dialog leave LastError as it was.
-bool OpenDevice(DriverState& state);
+bool OpenDevice(DeviceInfo& device, InputState& input, EngineState& engine, CrateInfo& crate, CrateSearch& search);
 
 // Ends a recording, waits for its thread and closes every module. False when the thread never came back from the vendor
 // library: nothing is closed then, and the state must stay.
-bool CloseDevice(DriverState& state);
+bool CloseDevice(EngineState& engine);
 
 // Closes the opened modules. No recording thread may live.
-void CloseModules(DriverState& state);
+void CloseModules(EngineState& engine);
 
 }  // namespace corvane

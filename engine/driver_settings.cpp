@@ -1,7 +1,5 @@
 #include "engine/driver_settings.h"
 
-#include "common/mTypes3.h"
-
 namespace corvane {
 
 namespace {
@@ -17,21 +15,21 @@ bool UsableRate(float rate, float rateMax) {
 
 }  // namespace
 
-void LoadSettings(DriverState& state) {
-    if (!GoToSettings(state)) return;
-    cRegistry& registry = state.SettingsRegistry;
+void LoadSettings(SettingsLocation& location, InputState& input, CrateInfo& crate) {
+    if (!GoToSettings(location)) return;
+    cRegistry& registry = location.SettingsRegistry;
     float rate = 0;
-    if (registry.ReadFloat(RateName, rate, 0) && UsableRate(rate, state.Input.RateMax)) state.Input.Rate = rate;
-    int16_t& mode = state.Crate.MarkSTARTMode;
+    if (registry.ReadFloat(RateName, rate, 0) && UsableRate(rate, input.RateMax)) input.Rate = rate;
+    int16_t& mode = crate.MarkSTARTMode;
     if (registry.ReadInt16(MarkModeName, mode, 0) && (mode < 0 || mode > LastMarkMode)) mode = 0;
 }
 
-void SaveSettings(DriverState& state) {
-    if (!GoToSettings(state)) return;
-    if (UsableRate(state.Input.Rate, state.Input.RateMax)) {
-        state.SettingsRegistry.WriteFloat(RateName, state.Input.Rate);
+void SaveSettings(SettingsLocation& location, const InputState& input, const CrateInfo& crate) {
+    if (!GoToSettings(location)) return;
+    if (UsableRate(input.Rate, input.RateMax)) {
+        location.SettingsRegistry.WriteFloat(RateName, input.Rate);
     }
-    state.SettingsRegistry.WriteInt16(MarkModeName, state.Crate.MarkSTARTMode);
+    location.SettingsRegistry.WriteInt16(MarkModeName, crate.MarkSTARTMode);
 }
 
 }  // namespace corvane

@@ -2,15 +2,17 @@
 // silent: the built-in 10 Hz and mode 0 stay.
 #pragma once
 
-#include "driver/model/driver_state.h"
+#include "driver/model/crate_info.h"
+#include "driver/model/input_state.h"
+#include "settings/registry/settings_location.h"
 
 namespace corvane {
 
 // Once for a host thread, when its first driver object is made and has its defaults. The rate is taken as stored:
 // opening the device, or reading Rate, brings it to a reachable one.
-void LoadSettings(DriverState& state);
+void LoadSettings(SettingsLocation& location, InputState& input, CrateInfo& crate);
 
 // Once, when its last driver object has closed the device.
-void SaveSettings(DriverState& state);
+void SaveSettings(SettingsLocation& location, const InputState& input, const CrateInfo& crate);
 
 }  // namespace corvane

@@ -2,9 +2,9 @@
 
 namespace corvane {
 
-void StopAllModules(DriverState& state) {
-    state.Engine.Busy = false;
-    for (ModuleRecord& module : state.Engine.Opened()) state.ModuleApi.ADCStop(module.Handle);
+void StopAllModules(EngineState& engine) {
+    engine.Busy = false;
+    for (ModuleRecord& module : engine.Opened()) engine.ModuleApi.ADCStop(module.Handle);
 }
 
 }  // namespace corvane

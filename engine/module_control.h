@@ -1,12 +1,12 @@
 // Stopping the opened modules.
 #pragma once
 
-#include "driver/model/driver_state.h"
+#include "driver/model/engine_state.h"
 
 namespace corvane {
 
 // Clears the busy flag, then stops every opened module. Called by the recording thread at its end, otherwise only when
 // no recording thread runs or it is suspended.
-void StopAllModules(DriverState& state);
+void StopAllModules(EngineState& engine);
 
 }  // namespace corvane

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "common/rounding.h"
+#include "base/rounding.h"
 
 namespace corvane {
 
@@ -21,16 +21,16 @@ int32_t DivisorFor(float limitedRate) {
 
 }  // namespace
 
-float ApplyRate(DriverState& state, float& rate) {
-    rate = LimitRate(state.Input, rate);
+float ApplyRate(InputState& input, EngineState& engine, float& rate) {
+    rate = LimitRate(input, rate);
     const int32_t divisor = DivisorFor(rate);
-    if (!state.Engine.Thread.Running()) {
-        for (ModuleRecord& module : state.Engine.Opened()) {
+    if (!engine.Thread.Running()) {
+        for (ModuleRecord& module : engine.Opened()) {
             module.Handle.FrequencyDivisor = static_cast<uint8_t>(divisor);
         }
     }
-    state.Input.Rate = static_cast<float>(ModuleClock / (divisor + 1));
-    return state.Input.Rate;
+    input.Rate = static_cast<float>(ModuleClock / (divisor + 1));
+    return input.Rate;
 }
 
 float EffectiveRate(const InputState& input, float rate) {

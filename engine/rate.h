@@ -3,14 +3,15 @@
 
 #include <cstdint>
 
-#include "driver/model/driver_state.h"
+#include "driver/model/engine_state.h"
+#include "driver/model/input_state.h"
 
 namespace corvane {
 
 // Brings a rate to one that the module can run at, 1000 / (d + 1) Hz from 4 to 1000, and stores it: `rate` is limited
-// in place (NaN counts as too low), Input.Rate and the result are the effective rate. The divisor is written into every
+// in place (NaN counts as too low), input.Rate and the result are the effective rate. The divisor is written into every
 // opened module's record unless a recording thread works on it; it takes effect with the next SetConfig.
-float ApplyRate(DriverState& state, float& rate);
+float ApplyRate(InputState& input, EngineState& engine, float& rate);
 
 // Effective rate in Hz that ApplyRate would give.
 float EffectiveRate(const InputState& input, float rate);

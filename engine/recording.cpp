@@ -32,25 +32,25 @@ void SizeBlocks(EngineState& engine, float rate) {
     engine.MarkBuffer.assign(static_cast<size_t>(engine.BlockWords), 0);
 }
 
-bool ConfigureUsedModules(DriverState& state) {
-    for (ModuleRecord& module : state.Engine.UsedModules()) {
+bool ConfigureUsedModules(EngineState& engine, std::string& lastError) {
+    for (ModuleRecord& module : engine.UsedModules()) {
         if (!module.Used) continue;
-        if (!state.ModuleApi.SetConfig(module.Handle)) {
-            state.Device.LastError = state.ModuleApi.GetErrorString();
+        if (!engine.ModuleApi.SetConfig(module.Handle)) {
+            lastError = engine.ModuleApi.GetErrorString();
             return false;
         }
         module.Received = 0;
         module.StreamWords = 0;
-        module.Block.assign(static_cast<size_t>(state.Engine.BlockWords), 0);
+        module.Block.assign(static_cast<size_t>(engine.BlockWords), 0);
     }
     return true;
 }
 
-bool StartUsedModules(DriverState& state) {
-    for (ModuleRecord& module : state.Engine.UsedModules()) {
+bool StartUsedModules(EngineState& engine, std::string& lastError) {
+    for (ModuleRecord& module : engine.UsedModules()) {
         if (!module.Used) continue;
-        if (!state.ModuleApi.ADCStart(module.Handle)) {
-            state.Device.LastError = state.ModuleApi.GetErrorString();
+        if (!engine.ModuleApi.ADCStart(module.Handle)) {
+            lastError = engine.ModuleApi.GetErrorString();
             return false;
         }
         module.StartTick = platform::TickCount();
@@ -59,10 +59,10 @@ bool StartUsedModules(DriverState& state) {
 }
 
 // The crate's count of START marks before this recording, or NoMark when the crate makes none.
-int32_t RequestStartMark(DriverState& state) {
+int32_t RequestStartMark(EngineState& engine, const CrateInfo& crate) {
     uint32_t mark = 0;
-    const int32_t mode = state.Crate.MarkSTARTMode + 1;
-    const bool made = state.CrateApi.MakeStartMark(state.Crate.NetAddr, state.Crate.Serial, mode, mark);
+    const int32_t mode = crate.MarkSTARTMode + 1;
+    const bool made = engine.CrateApi.MakeStartMark(crate.NetAddr, crate.Serial, mode, mark);
     return made ? static_cast<int32_t>(mark & StartMarkBits) : NoMark;
 }
 
@@ -70,12 +70,12 @@ int32_t RequestStartMark(DriverState& state) {
 // record, or, when the start did not succeed, to its own end.
 class Starting {
 public:
-    explicit Starting(DriverState& state) : State_(state) { State_.Engine.Busy = true; }
+    explicit Starting(EngineState& engine) : Engine_(engine) { Engine_.Busy = true; }
     ~Starting() {
-        if (!Succeeded) StopAllModules(State_);
-        State_.Engine.Started = Succeeded;
-        State_.Engine.Thread.Resume();
-        if (!Succeeded) StopRecording(State_);
+        if (!Succeeded) StopAllModules(Engine_);
+        Engine_.Started = Succeeded;
+        Engine_.Thread.Resume();
+        if (!Succeeded) StopRecording(Engine_);
     }
     Starting(const Starting&) = delete;
     Starting& operator=(const Starting&) = delete;
@@ -83,49 +83,47 @@ public:
     bool Succeeded = false;
 
 private:
-    DriverState& State_;
+    EngineState& Engine_;
 };
 
-bool StartAcquisitionThread(DriverState& state) {
-    EngineState& engine = state.Engine;
-    StopAllModules(state);
-    ChooseUsedModules(engine, state.Input.ChTable);
-    SizeBlocks(engine, ApplyRate(state, state.Input.Rate));
+bool StartAcquisitionThread(EngineState& engine, InputState& input, const CrateInfo& crate, std::string& lastError) {
+    StopAllModules(engine);
+    ChooseUsedModules(engine, input.ChTable);
+    SizeBlocks(engine, ApplyRate(input, engine, input.Rate));
     if (engine.UsedModules().empty()) return false;
-    if (!ConfigureUsedModules(state)) return false;
-    Starting start(state);
-    if (!engine.Thread.Create(&AcquisitionThread, &state)) {
-        state.Device.LastError = "Unable create thread!";
+    if (!ConfigureUsedModules(engine, lastError)) return false;
+    engine.Target = &input;
+    Starting start(engine);
+    if (!engine.Thread.Create(&AcquisitionThread, &engine)) {
+        lastError = "Unable create thread!";
         return false;
     }
-    if (!StartUsedModules(state)) return false;
-    engine.MarkRef = RequestStartMark(state);
+    if (!StartUsedModules(engine, lastError)) return false;
+    engine.MarkRef = RequestStartMark(engine, crate);
     return start.Succeeded = true;
 }
 
 }  // namespace
 
-bool StartRecording(DriverState& state) {
-    DeviceInfo& device = state.Device;
-    if (state.Engine.Thread.Running()) {
-        device.LastError = "Please wait end of previous thread of recording!";
+bool StartRecording(EngineState& engine, InputState& input, const CrateInfo& crate, std::string& lastError) {
+    if (engine.Thread.Running()) {
+        lastError = "Please wait end of previous thread of recording!";
         return false;
     }
-    device.LastError.clear();
-    if (!(state.Input.Rate > 0)) {
-        device.LastError = "The Sampling Rate is not selected!";
+    lastError.clear();
+    if (!(input.Rate > 0)) {
+        lastError = "The Sampling Rate is not selected!";
         return false;
     }
-    if (state.Input.ChTable.empty()) {
-        device.LastError = "Any channel is not selected!";
+    if (input.ChTable.empty()) {
+        lastError = "Any channel is not selected!";
         return false;
     }
-    const int32_t blockKadrs = BlockKadrsFor(EffectiveRate(state.Input, state.Input.Rate));
-    return PrepareInputBuffer(state.Input, blockKadrs) && StartAcquisitionThread(state);
+    const int32_t blockKadrs = BlockKadrsFor(EffectiveRate(input, input.Rate));
+    return PrepareInputBuffer(input, blockKadrs) && StartAcquisitionThread(engine, input, crate, lastError);
 }
 
-void StopRecording(DriverState& state) {
-    EngineState& engine = state.Engine;
+void StopRecording(EngineState& engine) {
     engine.Busy = false;
     engine.Thread.WaitEnd(StopWaitFor(engine.BlockRate, engine.BlockKadrs));
 }

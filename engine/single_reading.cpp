@@ -1,6 +1,6 @@
 #include "engine/single_reading.h"
 
-#include "common/rounding.h"
+#include "base/rounding.h"
 #include "engine/store_block.h"
 
 namespace corvane {
@@ -50,21 +50,19 @@ int16_t SnapshotSample(const EngineState& engine, int16_t index) {
 
 }  // namespace
 
-int16_t ReadChannelNow(DriverState& state, int16_t index) {
-    EngineState& engine = state.Engine;
+int16_t ReadChannelNow(EngineState& engine, int16_t index) {
     if (engine.Thread.Running() || FittedModule(engine, index) == nullptr) return 0;
-    PollModule(state.ModuleApi, engine.Modules[static_cast<size_t>(index / ModuleChannels)]);
+    PollModule(engine.ModuleApi, engine.Modules[static_cast<size_t>(index / ModuleChannels)]);
     return SnapshotSample(engine, index);
 }
 
-std::vector<int16_t> ReadKadrNow(DriverState& state) {
-    EngineState& engine = state.Engine;
+std::vector<int16_t> ReadKadrNow(EngineState& engine, const InputState& input) {
     const bool recording = engine.Thread.Running();
     if (!recording) {
-        for (ModuleRecord& module : engine.Opened()) PollModule(state.ModuleApi, module);
+        for (ModuleRecord& module : engine.Opened()) PollModule(engine.ModuleApi, module);
     }
     std::vector<int16_t> kadr;
-    for (const int16_t channel : state.Input.ChTable) {
+    for (const int16_t channel : input.ChTable) {
         kadr.push_back(recording ? int16_t{0} : SnapshotSample(engine, channel));
     }
     return kadr;

@@ -5,15 +5,16 @@
 #include <cstdint>
 #include <vector>
 
-#include "driver/model/driver_state.h"
+#include "driver/model/engine_state.h"
+#include "driver/model/input_state.h"
 
 namespace corvane {
 
 // One sample of a channel; 0 when the channel has no module or no mezzanine. A module is read at most every 400 ms; in
 // between its last reading is given.
-int16_t ReadChannelNow(DriverState& state, int16_t index);
+int16_t ReadChannelNow(EngineState& engine, int16_t index);
 
 // One sample of every selected channel.
-std::vector<int16_t> ReadKadrNow(DriverState& state);
+std::vector<int16_t> ReadKadrNow(EngineState& engine, const InputState& input);
 
 }  // namespace corvane

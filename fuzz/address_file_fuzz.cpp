@@ -7,15 +7,13 @@
 #include <set>
 #include <vector>
 
+#include "base/dotted_address.h"
 #include "fuzz/fuzz_input.h"
-#include "hardware/vendor_text.h"
 #include "selection/address_file.h"
 #include "selection/dlgIP.h"
 
 namespace corvane {
 namespace {
-
-constexpr uint32_t ThisMachine = 0x7F000001;
 
 // In memory: the dialog's writing waits for the disk, a thousand times a second.
 struct Folder {

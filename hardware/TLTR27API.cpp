@@ -2,7 +2,8 @@
 
 #include <cstring>
 
-#include "common/rounding.h"
+#include "base/dotted_address.h"
+#include "base/rounding.h"
 #include "hardware/vendor_imports.h"
 #include "hardware/vendor_text.h"
 #include "platform/ansi_text.h"
@@ -17,18 +18,19 @@ bool TLTR27API::LibraryPresent() {
     return true;
 }
 
-bool TLTR27API::Keep(int32_t result) {
+bool TLTR27API::SetLastError(int32_t result) {
     LastError_ = result;
     return result == 0;
 }
 
-bool TLTR27API::Open(TLTR27& record, uint32_t netAddr, const std::string& crateSerial, uint32_t slot) {
+bool TLTR27API::Open(TLTR27& record, uint32_t netAddr, const std::string& crateSN, uint32_t slot) {
     constexpr uint32_t ModulePartOnly = 1;
-    const std::string serial = platform::ToAnsi(crateSerial);
+    const std::string serial = platform::ToAnsi(crateSN);
     Close(record);
     record.Size = sizeof(TLTR27);
-    if (Keep(LTR27_Init(&record)) && Keep(LTR27_Open(&record, netAddr, ModulePort, serial.c_str(), slot)) &&
-        Keep(LTR27_GetDescription(&record, ModulePartOnly))) {
+    if (SetLastError(LTR27_Init(&record)) &&
+        SetLastError(LTR27_Open(&record, netAddr, ModulePort, serial.c_str(), slot)) &&
+        SetLastError(LTR27_GetDescription(&record, ModulePartOnly))) {
         return true;
     }
     Close(record);
@@ -41,31 +43,31 @@ void TLTR27API::Close(TLTR27& record) {
 }
 
 bool TLTR27API::GetConfig(TLTR27& record) {
-    return Keep(LTR27_GetConfig(&record));
+    return SetLastError(LTR27_GetConfig(&record));
 }
 
 bool TLTR27API::SetConfig(TLTR27& record) {
-    return Keep(LTR27_SetConfig(&record));
+    return SetLastError(LTR27_SetConfig(&record));
 }
 
 bool TLTR27API::GetDescription(TLTR27& record, uint32_t flags) {
-    return Keep(LTR27_GetDescription(&record, flags));
+    return SetLastError(LTR27_GetDescription(&record, flags));
 }
 
 bool TLTR27API::ADCStart(TLTR27& record) {
-    return Keep(LTR27_ADCStart(&record));
+    return SetLastError(LTR27_ADCStart(&record));
 }
 
 bool TLTR27API::ADCStop(TLTR27& record) {
-    return Keep(LTR27_ADCStop(&record));
+    return SetLastError(LTR27_ADCStop(&record));
 }
 
 int32_t TLTR27API::Recv(TLTR27& record, uint32_t* data, uint32_t size, uint32_t timeout) {
     return RecvWithMarks(record, data, nullptr, size, timeout);
 }
 
-int32_t TLTR27API::RecvWithMarks(TLTR27& record, uint32_t* data, uint32_t* timeMarks, uint32_t size, uint32_t timeout) {
-    const int32_t result = LTR27_Recv(&record, data, timeMarks, size, timeout);
+int32_t TLTR27API::RecvWithMarks(TLTR27& record, uint32_t* data, uint32_t* tMarks, uint32_t size, uint32_t timeout) {
+    const int32_t result = LTR27_Recv(&record, data, tMarks, size, timeout);
     LastError_ = result > 0 ? 0 : result;
     return result;
 }

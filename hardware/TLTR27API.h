@@ -18,7 +18,7 @@ public:
 
     // Opens the module in the 1-based `slot` of the crate behind the server; whatever the record held is closed first.
     // On failure the record is left closed and zero-filled.
-    bool Open(TLTR27& record, uint32_t netAddr, const std::string& crateSerial, uint32_t slot);
+    bool Open(TLTR27& record, uint32_t netAddr, const std::string& crateSN, uint32_t slot);
     void Close(TLTR27& record);  // zero-fills the record; LastError stays
     bool GetConfig(TLTR27& record);
     bool SetConfig(TLTR27& record);
@@ -28,7 +28,7 @@ public:
 
     // Words received (0 to size), or a negative vendor code. timeout in ms.
     int32_t Recv(TLTR27& record, uint32_t* data, uint32_t size, uint32_t timeout);
-    int32_t RecvWithMarks(TLTR27& record, uint32_t* data, uint32_t* timeMarks, uint32_t size, uint32_t timeout);
+    int32_t RecvWithMarks(TLTR27& record, uint32_t* data, uint32_t* tMarks, uint32_t size, uint32_t timeout);
     // size: in: words of `source`, out: values in `destination`.
     bool ProcessData(TLTR27& record, const uint32_t* source, double* destination, uint32_t& size, int32_t flag1,
                      int32_t flag2);
@@ -44,7 +44,7 @@ public:
     static std::string FirmwareVersion(const TLTR27& record);
 
 private:
-    bool Keep(int32_t result);
+    bool SetLastError(int32_t result);
 
     // Result of the last vendor call, of whichever thread came last.
     std::atomic<int32_t> LastError_ = 0;

@@ -92,8 +92,8 @@ int32_t TLTRAPI::ReadCrate(uint32_t netAddr, const uint8_t (&serial)[VendorTextS
     return 1;
 }
 
-bool TLTRAPI::MakeStartMark(uint32_t netAddr, const std::string& crateSerial, int32_t mode, uint32_t& timeMark) {
-    const std::string ansi = platform::ToAnsi(crateSerial);
+bool TLTRAPI::MakeStartMark(uint32_t netAddr, const std::string& crateSN, int32_t mode, uint32_t& timeMark) {
+    const std::string ansi = platform::ToAnsi(crateSN);
     char serial[VendorTextSize] = {};
     if (ansi.size() > sizeof serial) return false;
     std::copy(ansi.begin(), ansi.end(), serial);

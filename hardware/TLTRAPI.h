@@ -37,7 +37,7 @@ public:
     // Asks the crate to make its START mark or to wait for one; mode 1 to 8 as in the setup dialog, counted from 1.
     // timeMark: the crate's time mark from before, written as soon as the crate is reached, also when the result is
     // false. A serial of more than 16 ANSI characters names no crate and is refused.
-    bool MakeStartMark(uint32_t netAddr, const std::string& crateSerial, int32_t mode, uint32_t& timeMark);
+    bool MakeStartMark(uint32_t netAddr, const std::string& crateSN, int32_t mode, uint32_t& timeMark);
 
     // Positions count from 0; outside the list or the 16 slots the answers are empty texts and 0.
     std::string CrateSerial(int32_t index) const;

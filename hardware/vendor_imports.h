@@ -19,14 +19,14 @@ extern "C" {
 // ltr27api.dll
 int32_t VENDOR_CALL LTR27_Init(corvane::TLTR27* record);
 int32_t VENDOR_CALL LTR27_Open(corvane::TLTR27* record, uint32_t serverAddress, uint32_t serverPort,
-                               const char* crateSerial, uint32_t slot);
+                               const char* crateSN, uint32_t slot);
 int32_t VENDOR_CALL LTR27_Close(corvane::TLTR27* record);
 int32_t VENDOR_CALL LTR27_GetConfig(corvane::TLTR27* record);
 int32_t VENDOR_CALL LTR27_SetConfig(corvane::TLTR27* record);
 int32_t VENDOR_CALL LTR27_GetDescription(corvane::TLTR27* record, uint32_t flags);
 int32_t VENDOR_CALL LTR27_ADCStart(corvane::TLTR27* record);
 int32_t VENDOR_CALL LTR27_ADCStop(corvane::TLTR27* record);
-int32_t VENDOR_CALL LTR27_Recv(corvane::TLTR27* record, uint32_t* words, uint32_t* timeMarksOrNull, uint32_t count,
+int32_t VENDOR_CALL LTR27_Recv(corvane::TLTR27* record, uint32_t* words, uint32_t* tMarksOrNull, uint32_t count,
                                uint32_t timeoutMs);
 int32_t VENDOR_CALL LTR27_ProcessData(corvane::TLTR27* record, const uint32_t* words, double* values,
                                       uint32_t* sizeInOut, int32_t flag1, int32_t flag2);

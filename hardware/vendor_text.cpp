@@ -26,9 +26,4 @@ std::string VendorErrorText(int32_t code, const char* text) {
     return "Error '" + std::to_string(code) + "':\r\n" + platform::FromAnsi(std::string_view(text, length));
 }
 
-std::string DottedText(uint32_t value) {
-    return std::to_string(value >> 24) + "." + std::to_string(value >> 16 & 255) + "." +
-           std::to_string(value >> 8 & 255) + "." + std::to_string(value & 255);
-}
-
 }  // namespace corvane

@@ -14,7 +14,4 @@ std::string BytesToText(std::span<const char> bytes);
 // text are read, whether or not a terminator comes.
 std::string VendorErrorText(int32_t code, const char* text);
 
-// Decimal values of the four bytes, the most significant first, joined by dots.
-std::string DottedText(uint32_t value);
-
 }  // namespace corvane

@@ -18,4 +18,9 @@ std::string ReadFileStart(const std::string& path, size_t limit);
 // place, and a failure in the middle shows.
 bool ReplaceContent(const std::string& path, std::string_view bytes);
 
+// Name of the first ordinary file (no folder, not hidden, none of the system's) in `folder` whose name begins with
+// `prefix` and ends with `suffix`, in the order of the file system, compared as that file system compares; empty when
+// there is none.
+std::string FirstFile(const std::string& folder, const std::string& prefix, const std::string& suffix);
+
 }  // namespace corvane::platform

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <array>
 
+#include "base/utf8.h"
 #include "recorder/channel.h"
 #include "recorder/failure.h"
-#include "recorder/utf8.h"
 
 namespace corvane::recorder {
 namespace {

@@ -7,8 +7,8 @@
 #include <iterator>
 #include <vector>
 
+#include "base/utf8.h"
 #include "recorder/axis.h"
-#include "recorder/utf8.h"
 
 namespace corvane::recorder {
 namespace {

@@ -1,8 +1,9 @@
 #include "selection/address_file.h"
 
+#include <algorithm>
 #include <unordered_set>
 
-#include "hardware/vendor_text.h"
+#include "base/dotted_address.h"
 #include "platform/files.h"
 
 namespace corvane {
@@ -13,28 +14,16 @@ constexpr size_t MaxFileBytes = 16 << 20;  // far above the longest list: a long
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view LineEnds = "\r\n";
 
-// Takes one octet and the dot behind it off the front; -1 when there is none.
-int TakeOctet(std::string_view& text) {
-    const std::string_view part = text.substr(0, text.find('.'));
-    if (part.empty() || part.size() > 3) return -1;
-    int value = 0;
-    for (const char character : part) {
-        if (character < '0' || character > '9') return -1;
-        value = value * 10 + (character - '0');
-    }
-    if (value > 255) return -1;
-    text.remove_prefix(part.size() < text.size() ? part.size() + 1 : part.size());
-    return value;
-}
-
 }  // namespace
 
 uint32_t ParseIP(std::string_view text) {
     uint32_t address = 0;
     for (int i = 0; i < 4; i++) {
-        const int octet = TakeOctet(text);
-        if (octet < 0) return 0;
-        address = address << 8 | static_cast<uint32_t>(octet);
+        const std::string_view part = text.substr(0, text.find('.'));
+        const std::optional<uint8_t> octet = ParseOctet(part);
+        if (!octet || part.size() > OctetDigits) return 0;
+        address = address << 8 | *octet;
+        text.remove_prefix(std::min(part.size() + 1, text.size()));
     }
     return address;
 }

@@ -2,23 +2,18 @@
 
 #include <algorithm>
 
+#include "base/dotted_address.h"
 #include "common/mTypes3.h"
 #include "platform/component.h"
 #include "platform/files.h"
-#include "platform/message_box.h"
+#include "platform/user_interface.h"
+#include "resources/texts.h"
 #include "selection/address_file.h"
-#include "selection/dialog_windows.h"
 
 namespace corvane {
 
-namespace {
-
-constexpr uint32_t ThisMachine = 0x7F000001;  // 127.0.0.1
-
-}  // namespace
-
-uint32_t SelectIP(DriverState& state) {
-    dlgIP dialog(state.Device.ADCName, platform::ComponentFolder());
+uint32_t SelectIP(const std::string& adcName) {
+    dlgIP dialog(adcName, platform::ComponentFolder());
     ShowModal(dialog);
     dialog.Unload();
     return dialog.SelectedIP();
@@ -34,10 +29,10 @@ dlgIP::dlgIP(const std::string& adcName, const std::string& folder)
 }
 
 void dlgIP::SetCaptions() {
-    Caption = ResourceText(150);
-    CancelCaption = ResourceText(21);
-    RemoveCaption = ResourceText(38);
-    ClearCaption = ResourceText(31);
+    Caption = ResourceText(SelectAddressText);
+    CancelCaption = ResourceText(CancelText);
+    RemoveCaption = ResourceText(RemoveText);
+    ClearCaption = ResourceText(ClearText);
 }
 
 void dlgIP::Select(int index) {
@@ -67,7 +62,7 @@ void dlgIP::AddIP(uint32_t address, int position, bool select) {
 bool dlgIP::PressOK() {
     const uint32_t chosen = Address.Value();
     if (chosen == 0) {
-        platform::ShowMessage(ADCName_, ResourceText(151));
+        platform::ShowMessage(ADCName_, ResourceText(NoAddressText));
         return false;
     }
     AddIP(chosen, 1, true);

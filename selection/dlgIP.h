@@ -5,13 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "driver/model/driver_state.h"
 #include "selection/ucIP.h"
 
 namespace corvane {
 
-// Address of the server that the user chose; 0 when none was chosen.
-uint32_t SelectIP(DriverState& state);
+// Address of the server that the user chose; 0 when none was chosen. adcName: title of the dialog's message.
+uint32_t SelectIP(const std::string& adcName);
 
 // The dialog without its window, which shows the public members and the answers below, and reports what the user did.
 // Entry 0 is always this machine, no address comes twice, and none is 0.
@@ -49,5 +48,8 @@ private:
     bool ListChanged_ = false;  // since it was loaded
     uint32_t SelectedIP_ = 0;
 };
+
+// Shows the dialog and returns when the user has closed it.
+void ShowModal(dlgIP& dialog);
 
 }  // namespace corvane

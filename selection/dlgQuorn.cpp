@@ -2,32 +2,31 @@
 
 #include <cstdlib>
 
-#include "selection/dialog_windows.h"
+#include "base/two_digits.h"
 #include "selection/name_pattern.h"
-#include "selection/slot_text.h"
 
 namespace corvane {
 
-int SelectDevice(DriverState& state) {
+int SelectDevice(const CrateSearch& search) {
     dlgQuorn dialog;
-    if (!dialog.FillTree(state)) return -1;
+    if (!dialog.FillTree(search)) return -1;
     ShowModal(dialog);
     return dialog.Selection;
 }
 
-bool dlgQuorn::FillTree(const DriverState& state) {
+bool dlgQuorn::FillTree(const CrateSearch& search) {
     Selection = -1;
-    if (state.CrateListCount < 1) return false;
-    Caption += " - IP: " + state.CrateList[0].Address;  // all crates are of the same server
+    if (search.CrateListCount < 1) return false;
+    Caption += " - IP: " + search.CrateList[0].Address;  // all crates are of the same server
     tvwLTR.clear();
-    for (size_t i = 0; i < static_cast<size_t>(state.CrateListCount); i++) {
-        const CrateListEntry& crate = state.CrateList[i];
+    for (size_t i = 0; i < static_cast<size_t>(search.CrateListCount); i++) {
+        const CrateListEntry& crate = search.CrateList[i];
         const std::string key = "C" + std::to_string(i);
         const auto parent = static_cast<int>(tvwLTR.size());
         tvwLTR.push_back({key, crate.TypeName + " SN:" + crate.Serial, platform::CratePicture, -1});
-        for (size_t j = 0; j < crate.Modules.size(); j++) {
-            const ModuleListEntry& module = crate.Modules[j];
-            tvwLTR.push_back({key + "M" + std::to_string(j), "Slot " + SlotText(module.Slot) + " - " + module.Name,
+        for (int32_t j = 0; j < crate.ModuleCount(); j++) {
+            const ModuleListEntry& module = crate.Modules[static_cast<size_t>(j)];
+            tvwLTR.push_back({key + "M" + std::to_string(j), "Slot " + TwoDigits(module.Slot) + " - " + module.Name,
                               platform::ModulePicture, parent});
         }
     }

@@ -5,20 +5,20 @@
 #include <string>
 #include <vector>
 
-#include "driver/model/driver_state.h"
 #include "platform/tree_node.h"
+#include "selection/crate_list.h"
 
 namespace corvane {
 
 // Index of the chosen entry of CrateList; -1 when none was chosen.
-int SelectDevice(DriverState& state);
+int SelectDevice(const CrateSearch& search);
 
 // The dialog without its window, which shows the public members and reports what the user did. OK and Enter just close
 // it.
 class dlgQuorn {
 public:
     // Shows the crates of the last search, the first one chosen. False when there are none.
-    bool FillTree(const DriverState& state);
+    bool FillTree(const CrateSearch& search);
     // Chooses the crate that the node with this key is, or belongs to; none when it names no crate.
     void ClickNode(const std::string& key);
     void PressCancel() { Selection = -1; }
@@ -31,5 +31,8 @@ public:
     std::vector<platform::TreeNode> tvwLTR;  // all expanded; the first one is selected at the start
     int16_t Selection = -1;                  // index in CrateList
 };
+
+// Shows the dialog and returns when the user has closed it.
+void ShowModal(dlgQuorn& dialog);
 
 }  // namespace corvane

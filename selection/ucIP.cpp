@@ -1,39 +1,23 @@
 #include "selection/ucIP.h"
 
 #include <algorithm>
-#include <string_view>
+#include <optional>
+
+#include "base/dotted_address.h"
 
 namespace corvane {
 
-namespace {
-
-constexpr size_t MaxDigits = 3;
-constexpr int NotAnOctet = -1;
-
-// Plain digits are the only numbers: what else a locale takes for one (signs, fractions, digits of other scripts) has
-// no place in an address.
-int OctetOf(std::string_view text) {
-    if (text.empty()) return NotAnOctet;
-    int value = 0;
-    for (const char character : text) {
-        if (character < '0' || character > '9') return NotAnOctet;
-        value = value * 10 + (character - '0');
-        if (value > 255) return NotAnOctet;
-    }
-    return value;
-}
-
-}  // namespace
+namespace {}  // namespace
 
 uint32_t ucIP::Value() {
     uint32_t value = 0;
     for (int i = 0; i <= Leftmost; i++) {
-        const int octet = OctetOf(Box(i).Text);
-        if (octet == NotAnOctet) {
+        const std::optional<uint8_t> octet = ParseOctet(Box(i).Text);
+        if (!octet) {
             Box(i) = {{}, 0, 0, {}};
             return 0;
         }
-        value |= static_cast<uint32_t>(octet) << 8 * i;
+        value |= uint32_t{*octet} << 8 * i;
     }
     return value;
 }
@@ -71,7 +55,7 @@ bool ucIP::Accepts(int box, char32_t character) const {
     const size_t start = std::min(into.SelStart, into.Text.size());
     std::string text = into.Text;
     text.replace(start, into.SelLength, 1, static_cast<char>(character));
-    if (text.size() > MaxDigits || OctetOf(text) == NotAnOctet) return false;
+    if (text.size() > OctetDigits || !ParseOctet(text)) return false;
     return character != U'0' || !text.starts_with("00");
 }
 
@@ -80,18 +64,18 @@ int ucIP::TextChanged(int box) {
     OctetBox& changed = Box(box);
     std::string text;
     if (!changed.Text.empty()) {
-        const int octet = OctetOf(changed.Text);
-        text = octet == NotAnOctet ? changed.Accepted : std::to_string(octet);
+        const std::optional<uint8_t> octet = ParseOctet(changed.Text);
+        text = octet ? std::to_string(*octet) : changed.Accepted;
     }
     if (text != changed.Text) {
         // The caret stays where it was, as far as the text reaches, but never behind a third digit: there it would take
         // the focus along.
-        changed.SelStart = std::min({changed.SelStart, text.size(), MaxDigits - 1});
+        changed.SelStart = std::min({changed.SelStart, text.size(), OctetDigits - 1});
         changed.SelLength = 0;
         changed.Text = text;
     }
     changed.Accepted = text;
-    return changed.SelStart == MaxDigits && box > 0 ? MoveTo(box - 1, false) : box;
+    return changed.SelStart == OctetDigits && box > 0 ? MoveTo(box - 1, false) : box;
 }
 
 void ucIP::DoubleClick(int box) {

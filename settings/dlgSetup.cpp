@@ -1,107 +1,104 @@
 #include "settings/dlgSetup.h"
 
+#include <corvane_version.h>
+
 #include <cstdlib>
 #include <exception>
 #include <stdexcept>
 
+#include "base/two_digits.h"
+#include "base/utf8.h"
 #include "common/mTypes3.h"
-#include "platform/component_version.h"
-#include "platform/message_box.h"
+#include "platform/user_interface.h"
+#include "resources/texts.h"
 #include "selection/name_pattern.h"
-#include "selection/slot_text.h"
-#include "settings/dlgSetup_window.h"
 
 namespace corvane {
 
 namespace {
 
 // The design-time text stays where there is no other.
-void Localize(std::string& caption, int32_t number) {
+void Localize(std::string& caption, TextNumber number) {
     const std::string text = ResourceText(number);
     if (!text.empty()) caption = text;
 }
 
 // Exactly `width` characters: cut, or filled up with spaces.
-std::string FixedWidth(const std::string& text, int width) {
-    std::string fixed;
-    for (const char byte : text) {
-        const bool beginsCharacter = (static_cast<uint8_t>(byte) & 0xC0) != 0x80;
-        if (beginsCharacter && width-- == 0) return fixed;
-        fixed += byte;
-    }
-    return fixed.append(static_cast<size_t>(width), ' ');
+std::string FixedWidth(const std::string& text, size_t width) {
+    const std::string cut = text.substr(0, LengthOfCharacters(text, width));
+    return cut + std::string(width - CharacterCount(cut), ' ');
 }
 
 std::string MezzanineLine(int32_t slot, const MezzanineInfo& mezzanine, const std::string& range) {
-    constexpr int SerialWidth = 8;
-    if (mezzanine.Name.empty()) return SlotText(slot) + "_Empty";
-    return SlotText(slot) + "_" + mezzanine.Name + "\tv" + mezzanine.Revision + "\t" +
+    constexpr size_t SerialWidth = 8;
+    if (mezzanine.Name.empty()) return TwoDigits(slot) + "_Empty";
+    return TwoDigits(slot) + "_" + mezzanine.Name + "\tv" + mezzanine.Revision + "\t" +
            FixedWidth(mezzanine.Serial, SerialWidth) + "\t" + range;
 }
 
 }  // namespace
 
-bool ShowSetting(DriverState& state) {
-    if (state.Engine.Busy) return false;
+bool ShowSetting(const DeviceInfo& device, const EngineState& engine, CrateInfo& crate, const std::string& helpFile) {
+    if (engine.Busy) return false;
     try {
-        dlgSetup dialog(state);
+        dlgSetup dialog(device, engine, crate, helpFile);
         ShowModal(dialog);
     } catch (const std::exception& failure) {
-        platform::ShowMessage(state.Device.ADCName, std::string("Error: ") + failure.what());
+        platform::ShowMessage(device.ADCName, std::string("Error: ") + failure.what());
     }
     return false;
 }
 
-dlgSetup::dlgSetup(DriverState& state) : State_(state) {
+dlgSetup::dlgSetup(const DeviceInfo& device, const EngineState& engine, CrateInfo& crate, const std::string& helpFile)
+    : Device_(device), Engine_(engine), Crate_(crate) {
     constexpr size_t ExtensionLength = 4;
     constexpr size_t NameLetters = 3;  // of LTR27: the rest is the topic's number
     LocalizeCaptions();
-    if (state.HelpFile.size() > ExtensionLength) {
-        const std::string& name = state.Device.ADCName;
-        HelpFile = state.HelpFile;
+    if (helpFile.size() > ExtensionLength) {
+        const std::string& name = device.ADCName;
+        HelpFile = helpFile;
         HelpTopic = name.size() > NameLetters ? std::atoi(name.c_str() + NameLetters) : 0;
     }
     FillContents();
 }
 
 void dlgSetup::LocalizeCaptions() {
-    Caption = ResourceText(50, State_.Device.DriverName) + " (v" + platform::ComponentVersion() + ")";
-    Localize(MezzaninesCaption, 2700);
-    Localize(SynchroCaption, 1110);
-    Localize(MarkSTARTCaption, 400);
-    Localize(CancelCaption, 21);
-    Localize(HelpCaption, 22);
+    Caption = ResourceText(SetupText, Device_.DriverName) + " (v" CORVANE_VERSION ")";
+    Localize(MezzaninesCaption, MezzaninesText);
+    Localize(SynchroCaption, SynchroText);
+    Localize(MarkSTARTCaption, MarkSTARTText);
+    Localize(CancelCaption, CancelText);
+    Localize(HelpCaption, HelpText);
 }
 
 void dlgSetup::FillContents() {
     FillModuleTree();
-    txtInfo = State_.Crate.Info;
+    txtInfo = Crate_.Info;
     size_t range = 0;
-    for (const ModuleRecord& module : State_.Engine.Opened()) {
+    for (const ModuleRecord& module : Engine_.Opened()) {
         for (const MezzanineInfo& mezzanine : module.Mezzanines) {
-            lstMezzanines.push_back(MezzanineLine(module.Slot, mezzanine, State_.Device.Ranges.at(range++)));
+            lstMezzanines.push_back(MezzanineLine(module.Slot, mezzanine, Device_.Ranges.at(range++)));
         }
     }
-    cboMarkSTART = State_.Crate.MarkSTARTMode & 15;
+    cboMarkSTART = Crate_.MarkSTARTMode & 15;
     if (cboMarkSTART >= static_cast<int>(MarkModes.size())) throw std::out_of_range("no such START mark mode");
 }
 
 void dlgSetup::FillModuleTree() {
-    tvwLTR = {{"C" + State_.Crate.Serial, State_.Crate.TypeName, platform::CratePicture, -1}};
-    for (const ModuleRecord& module : State_.Engine.Opened()) {
-        tvwLTR.push_back({"M" + std::to_string(tvwLTR.size() - 1), SlotText(module.Slot) + ". " + module.Name,
+    tvwLTR = {{"C" + Crate_.Serial, Crate_.TypeName, platform::CratePicture, -1}};
+    for (const ModuleRecord& module : Engine_.Opened()) {
+        tvwLTR.push_back({"M" + std::to_string(tvwLTR.size() - 1), TwoDigits(module.Slot) + ". " + module.Name,
                           platform::ModulePicture, 0});
     }
 }
 
 void dlgSetup::ClickNode(const std::string& key) {
     const bool isModule = MatchesPattern(key, "M#*");
-    txtInfo =
-        isModule ? State_.Engine.Modules.at(static_cast<size_t>(std::atoi(key.c_str() + 1))).Info : State_.Crate.Info;
+    txtInfo = isModule ? Engine_.Modules.at(static_cast<size_t>(std::atoi(key.c_str() + 1))).Info : Crate_.Info;
 }
 
 void dlgSetup::PressOK(int mark) {
-    if (mark >= 0 && mark < static_cast<int>(MarkModes.size())) State_.Crate.MarkSTARTMode = static_cast<int16_t>(mark);
+    if (mark >= 0 && mark < static_cast<int>(MarkModes.size())) Crate_.MarkSTARTMode = static_cast<int16_t>(mark);
 }
 
 }  // namespace corvane

@@ -6,14 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "driver/model/driver_state.h"
+#include "driver/model/channel_model.h"
+#include "driver/model/crate_info.h"
+#include "driver/model/engine_state.h"
 #include "platform/tree_node.h"
 
 namespace corvane {
 
 // Shows the dialog modally, unless a recording is under way. Always false: the host has nothing to do afterwards. The
 // user is told when the dialog can't be shown.
-bool ShowSetting(DriverState& state);
+bool ShowSetting(const DeviceInfo& device, const EngineState& engine, CrateInfo& crate, const std::string& helpFile);
 
 // The dialog without its window, which shows the public members and reports what the user did. Cancel just closes it.
 class dlgSetup {
@@ -25,7 +27,7 @@ public:
                                                              "Wait DIGIN2 Rise", "Wait DIGIN2 Fall"};
 
     // Throws when the driver's state doesn't hold together.
-    explicit dlgSetup(DriverState& state);
+    dlgSetup(const DeviceInfo& device, const EngineState& engine, CrateInfo& crate, const std::string& helpFile);
 
     void ClickNode(const std::string& key);
     void PressOK(int mark);  // selected entry of MarkModes; one that is none changes nothing
@@ -50,7 +52,12 @@ private:
     void FillContents();
     void FillModuleTree();
 
-    DriverState& State_;
+    const DeviceInfo& Device_;
+    const EngineState& Engine_;
+    CrateInfo& Crate_;
 };
+
+// Shows the dialog and returns when the user has closed it. Throws when that fails.
+void ShowModal(dlgSetup& dialog);
 
 }  // namespace corvane

@@ -1,6 +1,7 @@
 #include "simulator/code_page.h"
 
 #include <cstddef>
+#include "base/utf8.h"
 
 namespace ltrsim {
 
@@ -29,15 +30,7 @@ char Encode(char32_t character) {
 
 std::string ToCodePage1251(std::string_view utf8) {
     std::string bytes;
-    for (size_t at = 0; at < utf8.size();) {
-        const unsigned char lead = static_cast<unsigned char>(utf8[at++]);
-        const int following = lead < 0xC0 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
-        char32_t character = following == 0 ? lead : lead & (0x3Fu >> following);
-        for (int k = 0; k < following && at < utf8.size(); k++) {
-            character = character << 6 | (static_cast<unsigned char>(utf8[at++]) & 0x3Fu);
-        }
-        bytes += Encode(character);
-    }
+    while (!utf8.empty()) bytes += Encode(corvane::TakeCharacter(utf8));
     return bytes;
 }
 

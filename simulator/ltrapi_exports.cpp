@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/dotted_address.h"
 #include "hardware/vendor_imports.h"
 #include "simulator/vendor_call.h"
 
@@ -12,7 +13,6 @@ namespace {
 
 // LTR_Init leaves the server's port in the record's first reserved field, by which a prepared record is known.
 constexpr uint16_t ServerPort = corvane::ModulePort;
-constexpr uint32_t LocalServer = 0x7F000001;
 
 bool Prepared(const CrateConnection& record) {
     return std::memcmp(record.Reserved1, &ServerPort, sizeof(ServerPort)) == 0;
@@ -63,7 +63,7 @@ int32_t VENDOR_CALL LTR_Init(CrateConnection* connection) {
         const Verdict verdict = world.Judge("LTR_Init", {});
         if (verdict.Error != Success) return verdict.Error;
         *connection = {};
-        connection->ServerAddress = LocalServer;
+        connection->ServerAddress = corvane::ThisMachine;
         std::memcpy(connection->Reserved1, &ServerPort, sizeof(ServerPort));
         return Success;
     });

@@ -8,7 +8,7 @@
 
 #include "driver/com/automation.h"
 #include "driver/com/identifiers.h"
-#include "driver/com/library.h"
+#include "driver/com/library_use.h"
 #include "driver/com/script_members.h"
 #include "driver/driver_object.h"
 

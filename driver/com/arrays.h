@@ -12,14 +12,11 @@
 #include <string>
 #include <vector>
 
+#include "driver/com/failure.h"
+
 namespace corvane {
 
 class DriverObject;
-
-// A failure that the host is told as it is.
-struct Failure {
-    HRESULT Code;
-};
 
 struct DestroyArray {
     void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }

@@ -1,6 +1,6 @@
 #include "driver/com/automation.h"
 
-#include "driver/com/library.h"
+#include "platform/win32/component_module.h"
 
 namespace corvane {
 
@@ -11,7 +11,7 @@ TypeDescription::~TypeDescription() {
 ITypeInfo* TypeDescription::Get() {
     if (Info_ == nullptr) {
         // LoadTypeLibEx takes the number of the resource as a last component of the path.
-        const std::wstring path = ModulePath() + L'\\' + std::to_wstring(Resource_);
+        const std::wstring path = platform::ComponentPath() + L'\\' + std::to_wstring(Resource_);
         ITypeLib* library = nullptr;
         Check(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library));
         const HRESULT result = library->GetTypeInfoOfGuid(Identifier_, &Info_);
@@ -19,10 +19,6 @@ ITypeInfo* TypeDescription::Get() {
         Check(result);
     }
     return Info_;
-}
-
-void Check(HRESULT result) {
-    if (FAILED(result)) throw Failure{result};
 }
 
 }  // namespace corvane

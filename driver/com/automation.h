@@ -28,9 +28,6 @@ private:
     ITypeInfo* Info_ = nullptr;
 };
 
-// Throws the failure that `result` stands for, if it does.
-void Check(HRESULT result);
-
 // IDispatch passes IID_NULL wherever an interface identifier is reserved.
 inline void CheckReserved(REFIID reserved) {
     Check(reserved == IID_NULL ? S_OK : DISP_E_UNKNOWNINTERFACE);

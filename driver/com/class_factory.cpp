@@ -2,7 +2,7 @@
 
 #include "driver/com/Corvane.h"
 #include "driver/com/guard.h"
-#include "driver/com/library.h"
+#include "driver/com/library_use.h"
 
 namespace corvane {
 

@@ -5,11 +5,11 @@
 #include <shlwapi.h>
 
 #include "driver/com/guard.h"
-#include "driver/com/library.h"
 #include "driver/com/registry_entries.h"
 #include "driver/com/registry_journal.h"
 #include "driver/com/registry_owners.h"
 #include "driver/com/registry_values.h"
+#include "platform/win32/component_module.h"
 
 namespace corvane {
 
@@ -19,7 +19,7 @@ const HKEY AllUsers = HKEY_LOCAL_MACHINE;
 const HKEY ThisUser = HKEY_CURRENT_USER;
 
 void RegisterIn(HKEY root) {
-    const std::wstring path = ModulePath();
+    const std::wstring path = platform::ComponentPath();
     RegistryJournal journal(root);
     const auto write = [&](const std::vector<RegistryEntry>& entries) {
         for (const RegistryEntry& entry : entries) journal.Write(Classes + entry.Key, entry.Name, entry.Text);
@@ -35,7 +35,7 @@ void RegisterIn(HKEY root) {
         write(VersionEntries(library, path));
         write(InterfaceEntries(library));
     }
-    journal.Keep();
+    journal.Accept();
 }
 
 // The first failure, or ERROR_SUCCESS; removes what it can.

@@ -2,7 +2,7 @@
 
 #include <shlwapi.h>
 
-#include "driver/com/guard.h"
+#include "driver/com/failure.h"
 
 namespace corvane {
 

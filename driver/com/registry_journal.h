@@ -22,7 +22,7 @@ public:
     // Stores a text, making the keys on the way there; `name` null: the key's default value. Throws Failure.
     void Write(const std::wstring& key, const wchar_t* name, const std::wstring& text);
 
-    void Keep() { Steps_.clear(); }
+    void Accept() { Steps_.clear(); }
 
 private:
     // Either a key that was made, or a value that was written over; `Earlier` is empty when there was none.

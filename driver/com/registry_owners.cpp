@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "driver/com/library.h"
 #include "driver/com/registry_values.h"
+#include "platform/win32/component_module.h"
 
 namespace corvane {
 
@@ -21,7 +21,7 @@ bool SameText(const std::wstring& one, const std::wstring& other) {
 bool IsOurFile(std::wstring file) {
     const size_t beforeNumber = file.find_last_not_of(L"0123456789");
     if (beforeNumber != std::wstring::npos && file[beforeNumber] == L'\\') file.resize(beforeNumber);
-    const std::wstring path = ModulePath(), name = path.substr(path.rfind(L'\\'));
+    const std::wstring path = platform::ComponentPath(), name = path.substr(path.rfind(L'\\'));
     return file.size() >= name.size() && SameText(file.substr(file.size() - name.size()), name);
 }
 
@@ -80,7 +80,7 @@ bool IsOurs(HKEY root, const RegistryEntry& fileEntry) {
 
 LSTATUS RemoveLibrary(HKEY root, const TypeLibraryRow& library) {
     const bool ofOthers = IsOfOthers(root, library);
-    const std::wstring path = ModulePath();
+    const std::wstring path = platform::ComponentPath();
     Removal removal(root);
     bool wasOurs = false;
     for (const RegistryEntry& file : FileEntries(library, path)) {

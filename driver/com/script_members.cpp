@@ -34,7 +34,7 @@ void GetDataIntoVariable(IADC3& driver, const DISPPARAMS& parameters, VARIANT* r
     count = std::min(count, unread);
     std::vector<short> samples(static_cast<size_t>(std::max(count, 1L)));
     Check(driver.GetData(samples.data(), &count, &remaining, &kadrs));
-    Value data;
+    OwnedVariant data;
     data.parray = ToArray(std::span(samples).first(static_cast<size_t>(std::max(count, 0L))));
     data.vt = VT_ARRAY | VT_I2;
     MakeReadable(data);
@@ -72,7 +72,7 @@ bool IsLateTable(IADC3& driver, DISPID id, WORD flags, const DISPPARAMS& paramet
 // member wants.
 void InvokeWithValues(IADC3& driver, DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
                       EXCEPINFO* exception, UINT* argument) {
-    std::vector<Value> values(parameters.cArgs);
+    std::vector<OwnedVariant> values(parameters.cArgs);
     ArrayOwner table;
     SAFEARRAY* tablePointer = nullptr;
     DISPPARAMS plain = parameters;

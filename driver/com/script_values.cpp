@@ -4,7 +4,7 @@
 #include <string>
 
 #include "driver/com/arrays.h"
-#include "driver/com/automation.h"
+#include "driver/com/failure.h"
 
 namespace corvane {
 
@@ -30,7 +30,7 @@ std::vector<int16_t> ReadArray(SAFEARRAY* array) {
     std::vector<int16_t> numbers;
     LONG position = array->rgsabound[0].lLbound;
     for (ULONG i = 0; i < array->rgsabound[0].cElements; i++, position++) {
-        Value element;
+        OwnedVariant element;
         if (type == VT_VARIANT) {
             Check(SafeArrayGetElement(array, &position, static_cast<VARIANT*>(&element)));
         } else {
@@ -42,7 +42,7 @@ std::vector<int16_t> ReadArray(SAFEARRAY* array) {
     return numbers;
 }
 
-void GetProperty(IDispatch* object, std::wstring name, Value& result) {
+void GetProperty(IDispatch* object, std::wstring name, OwnedVariant& result) {
     LPOLESTR names = name.data();
     DISPID id = DISPID_UNKNOWN;
     DISPPARAMS none = {};
@@ -55,13 +55,13 @@ void GetProperty(IDispatch* object, std::wstring name, Value& result) {
 
 std::vector<int16_t> ReadObject(IDispatch* object) {
     if (object == nullptr) throw Failure{DISP_E_TYPEMISMATCH};
-    Value length;
+    OwnedVariant length;
     GetProperty(object, L"length", length);
     const int32_t count = ReadLong(length);
     if (count < 0 || count > LongestList) throw Failure{DISP_E_OVERFLOW};
     std::vector<int16_t> numbers;
     for (int32_t i = 0; i < count; i++) {
-        Value element;
+        OwnedVariant element;
         GetProperty(object, std::to_wstring(i), element);
         numbers.push_back(ReadShort(element));
     }
@@ -88,14 +88,14 @@ void CopyElements(SAFEARRAY* source, VARTYPE type, VARIANT* destination, size_t 
 }  // namespace
 
 int32_t ReadLong(const VARIANT& argument) {
-    Value plain;
+    OwnedVariant plain;
     Check(VariantCopyInd(&plain, const_cast<VARIANT*>(&argument)));
     Check(VariantChangeType(&plain, &plain, 0, VT_I4));
     return plain.lVal;
 }
 
 std::vector<int16_t> ReadShorts(const VARIANT& argument) {
-    Value plain;
+    OwnedVariant plain;
     Check(VariantCopyInd(&plain, const_cast<VARIANT*>(&argument)));
     if (plain.vt == VT_DISPATCH) return ReadObject(plain.pdispVal);
     if ((plain.vt & VT_ARRAY) == 0) throw Failure{DISP_E_TYPEMISMATCH};

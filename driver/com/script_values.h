@@ -11,13 +11,13 @@
 namespace corvane {
 
 // A VARIANT that clears itself. Nothing but the VARIANT, so that some in a row are an argument list.
-struct Value : VARIANT {
-    Value() { VariantInit(this); }
-    ~Value() { VariantClear(this); }
-    Value(const Value&) = delete;
-    Value& operator=(const Value&) = delete;
+struct OwnedVariant : VARIANT {
+    OwnedVariant() { VariantInit(this); }
+    ~OwnedVariant() { VariantClear(this); }
+    OwnedVariant(const OwnedVariant&) = delete;
+    OwnedVariant& operator=(const OwnedVariant&) = delete;
 };
-static_assert(sizeof(Value) == sizeof(VARIANT));
+static_assert(sizeof(OwnedVariant) == sizeof(VARIANT));
 
 // The functions throw Failure: DISP_E_TYPEMISMATCH for what is no number, or no list of numbers, DISP_E_OVERFLOW for a
 // number that doesn't fit.

@@ -10,9 +10,6 @@
 
 namespace corvane {
 
-// Bytes that are no UTF-8 become the replacement character.
-std::wstring ToUtf16(std::string_view utf8);
-
 // The caller owns the result. Throws std::bad_alloc.
 BSTR ToBstr(std::string_view utf8);
 

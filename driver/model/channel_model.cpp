@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "base/two_digits.h"
 #include "platform/ansi_text.h"
 
 namespace corvane {
@@ -10,10 +11,6 @@ namespace corvane {
 namespace {
 
 constexpr float DefaultUnitScale = 32768.0f / 20;  // samples per unit of a ±10 range
-
-std::string TwoDigits(int32_t number) {
-    return (number < 10 ? "0" : "") + std::to_string(number);
-}
 
 void Resize(DeviceInfo& device, size_t ranges) {
     device.RangesCount = static_cast<int16_t>(ranges);
@@ -74,7 +71,7 @@ void DescribeRange(DeviceInfo& device, size_t range, const MezzanineInfo& mezzan
 
 }  // namespace
 
-void SetDefaultModel(DeviceInfo& device) {
+void InitDefaults(DeviceInfo& device) {
     Resize(device, MezzaninePositions);
     for (size_t position = 0; position < MezzaninePositions; position++) {
         const std::string name = "M" + std::to_string(position + 1);

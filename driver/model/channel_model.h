@@ -31,7 +31,7 @@ struct DeviceInfo {
 };
 
 // The model before any module is open: 16 channels M1-1 to M8-2 with eight nameless ranges of ±10 units.
-void SetDefaultModel(DeviceInfo& device);
+void InitDefaults(DeviceInfo& device);
 
 // The model of one or two opened modules.
 void BuildChannelModel(DeviceInfo& device, std::span<const ModuleRecord> modules);

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-bool DataRing::Reset(int32_t channels, int32_t kadrs) {
+bool DataRing::ResetInputBuffer(int32_t channels, int32_t kadrs) {
     if (channels < 1 || kadrs < 1) return false;
     // The host counts samples in signed 32-bit numbers.
     if (int64_t{channels} * kadrs > std::numeric_limits<int32_t>::max()) return false;
@@ -15,7 +15,7 @@ bool DataRing::Reset(int32_t channels, int32_t kadrs) {
         std::memset(Samples_.get(), 0, samples * sizeof(int16_t));
     } else {
         auto* memory = static_cast<int16_t*>(std::calloc(samples, sizeof(int16_t)));
-        if (memory == nullptr && Unread() == 0) {
+        if (memory == nullptr && CountUnreadKadrs() == 0) {
             // Nothing is lost without the old ring, and a 32-bit process may have no room for both.
             Samples_.reset();
             Channels_ = Length_ = 0;
@@ -39,7 +39,7 @@ void DataRing::Commit(int32_t kadrs) {
 }
 
 int32_t DataRing::Read(int16_t* destination, int32_t kadrs) {
-    const int32_t wanted = std::min(kadrs, Unread());
+    const int32_t wanted = std::min(kadrs, CountUnreadKadrs());
     if (wanted < 1) return 0;
     const size_t kadrBytes = static_cast<size_t>(Channels_) * sizeof(int16_t);
     const int32_t first = std::min(wanted, Length_ - ReadIndex_);

@@ -1,9 +1,11 @@
 // The ring of kadrs between the recording thread and the host: one writer, one reader, no lock, nothing lost.
 //
-// - Memory is allocated once by Reset, while no writer runs; the ring keeps these dimensions until the next Reset.
-// - The writer adds whole blocks (Room, WritePlace, Commit); it never writes over an unread kadr. The length must be a
+// - Memory is allocated once by ResetInputBuffer, while no writer runs; the ring keeps these dimensions until the next
+// ResetInputBuffer.
+// - The writer adds whole blocks (Room, BlockToWrite, Commit); it never writes over an unread kadr. The length must be
+// a
 //   whole multiple of the block, so that no block wraps.
-// - The reader takes any number of kadrs (Unread, Read).
+// - The reader takes any number of kadrs (CountUnreadKadrs, Read).
 // - Full and empty differ because the counters run on: they count kadrs modulo 2^32, and a ring is far shorter.
 #pragma once
 
@@ -18,19 +20,19 @@ class DataRing {
 public:
     // Clears the ring and gives it these dimensions. Neither side may be active. False when the memory can't be had;
     // the ring, its unread kadrs included, is as before then.
-    bool Reset(int32_t channels, int32_t kadrs);
+    bool ResetInputBuffer(int32_t channels, int32_t kadrs);
 
-    int32_t Channels() const { return Channels_; }  // samples of one kadr; 0 before the first Reset
+    int32_t Channels() const { return Channels_; }  // samples of one kadr; 0 before the first ResetInputBuffer
     int32_t Length() const { return Length_; }      // kadrs
 
     // Writer's side.
-    bool Room(int32_t kadrs) const { return Length_ - Unread() >= kadrs; }
-    int16_t* WritePlace() { return Samples_.get() + Offset(WriteIndex_); }  // valid for one block, once there is Room
-    void Commit(int32_t kadrs);                                             // makes the block visible to the reader
+    bool Room(int32_t kadrs) const { return Length_ - CountUnreadKadrs() >= kadrs; }
+    int16_t* BlockToWrite() { return Samples_.get() + Offset(WriteIndex_); }  // valid for one block, once there is Room
+    void Commit(int32_t kadrs);                                               // makes the block visible to the reader
 
     // Reader's side. Read copies up to `kadrs` unread kadrs in at most two moves and returns how many; nothing for a
     // count below 1.
-    int32_t Unread() const {
+    int32_t CountUnreadKadrs() const {
         return static_cast<int32_t>(Written_.load(std::memory_order_acquire) - Read_.load(std::memory_order_acquire));
     }
     int32_t Read(int16_t* destination, int32_t kadrs);

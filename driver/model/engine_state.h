@@ -8,15 +8,22 @@
 #include <vector>
 
 #include "driver/model/module_record.h"
+#include "hardware/TLTR27API.h"
+#include "hardware/TLTRAPI.h"
 #include "platform/threads.h"
 
 namespace corvane {
+
+struct InputState;
 
 constexpr int MaxModules = 2;                   // modules of one crate that are opened
 constexpr uint32_t StartMarkBits = 0xFFFF0000;  // the part of a time mark that counts START marks
 constexpr int32_t NoMark = -1;                  // MarkRef when no START mark was made
 
 struct EngineState {
+    TLTR27API ModuleApi;
+    TLTRAPI CrateApi;
+
     std::atomic<bool> Busy = false;  // a request: the host clears it to stop, the thread when it ends
     platform::Thread Thread;         // a fact: the recording thread has ended when this says so
     bool Started = false;            // set before the thread is let run: its modules convert, and it has to stop them
@@ -26,11 +33,12 @@ struct EngineState {
 
     int16_t FirstUsed = 0;  // lowest and highest index of a used module
     int16_t LastUsed = -1;
-    int32_t BlockKadrs = 0;    // kadrs a block, a power of two from 1 to 64
-    int32_t BlockWords = 0;    // words per module and block
-    int32_t RecvTimeout = 0;   // ms
-    float BlockRate = 0;       // Hz, effective rate of the recording
-    int32_t MarkRef = NoMark;  // upper half: the crate's count of START marks before the recording; lower half 0
+    int32_t BlockKadrs = 0;        // kadrs a block, a power of two from 1 to 64
+    int32_t BlockWords = 0;        // words per module and block
+    int32_t RecvTimeout = 0;       // ms
+    float BlockRate = 0;           // Hz, effective rate of the recording
+    int32_t MarkRef = NoMark;      // upper half: the crate's count of START marks before the recording; lower half 0
+    InputState* Target = nullptr;  // where the recording thread stores
     std::vector<uint32_t> ReceiveBuffer;  // raw words of one module
     std::vector<uint32_t> MarkBuffer;     // their time marks
 

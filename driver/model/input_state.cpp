@@ -4,7 +4,7 @@
 #include <bit>
 #include <limits>
 
-#include "common/rounding.h"
+#include "base/rounding.h"
 
 namespace corvane {
 
@@ -41,7 +41,7 @@ bool PrepareInputBuffer(InputState& input, int32_t blockKadrs) {
     const int64_t wanted = SetInputSize(input, false, 0);
     TellSize(input, (wanted + blockKadrs - 1) / blockKadrs * blockKadrs);
     std::vector<int16_t> table = input.ChTable;
-    if (!input.Ring.Reset(input.InputCountChannels(), input.InputSizeKadrs)) return false;
+    if (!input.Ring.ResetInputBuffer(input.InputCountChannels(), input.InputSizeKadrs)) return false;
     input.RecordedTable = std::move(table);
     return true;
 }
@@ -55,7 +55,7 @@ int32_t GetData(InputState& input, int16_t* data, int32_t& count, int32_t& remai
 }
 
 int32_t CountUnreadData(const InputState& input) {
-    return input.Ring.Unread() * input.Ring.Channels();
+    return input.Ring.CountUnreadKadrs() * input.Ring.Channels();
 }
 
 }  // namespace corvane

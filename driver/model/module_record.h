@@ -1,4 +1,4 @@
-// One opened LTR27 module and the crate it sits in. Owned by the engine from opening to closing. While a recording
+// One opened LTR27 module. Owned by the engine from opening to closing. While a recording
 // thread runs, the fields under "recording" and Handle are that thread's alone.
 #pragma once
 
@@ -46,15 +46,5 @@ struct ModuleRecord {
 inline bool ChannelFitted(const ModuleRecord& module, int channel) {
     return !module.Mezzanines[static_cast<size_t>(channel / 2)].Name.empty();
 }
-
-struct CrateInfo {
-    std::string Address;   // dotted address of the LTR server
-    uint32_t NetAddr = 0;  // the same as a number
-    std::string TypeName;
-    std::string Serial;
-    std::string Interface;
-    std::string Info;           // description shown to the user
-    int16_t MarkSTARTMode = 0;  // 0 to 7: the entries of the setup dialog's list
-};
 
 }  // namespace corvane

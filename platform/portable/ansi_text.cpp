@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 
+#include "base/utf8.h"
+
 namespace corvane::platform {
 
 namespace {
@@ -51,14 +53,7 @@ std::string FromAnsi(std::string_view ansi) {
 
 std::string ToAnsi(std::string_view utf8) {
     std::string text;
-    for (size_t i = 0; i < utf8.size();) {
-        const auto lead = static_cast<uint8_t>(utf8[i++]);
-        const int following = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
-        uint32_t point = following == 0 ? lead : lead & (0x3Fu >> following);
-        for (int k = 0; k < following && i < utf8.size(); k++)
-            point = point << 6 | (static_cast<uint8_t>(utf8[i++]) & 0x3Fu);
-        text += AnsiByte(point);
-    }
+    while (!utf8.empty()) text += AnsiByte(TakeCharacter(utf8));
     return text;
 }
 

@@ -6,6 +6,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 namespace corvane::platform {
 
@@ -72,6 +74,18 @@ bool ReplaceContent(const std::string& path, std::string_view bytes) {
     }
     close(file);
     return outcome == Outcome::Done;
+}
+
+std::string FirstFile(const std::string& folder, const std::string& prefix, const std::string& suffix) {
+    std::error_code failure;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, failure)) {
+        const std::string name = entry.path().filename().string();
+        if (name.size() >= prefix.size() + suffix.size() && name.starts_with(prefix) && name.ends_with(suffix) &&
+            entry.is_regular_file(failure)) {
+            return name;
+        }
+    }
+    return {};
 }
 
 }  // namespace corvane::platform

@@ -1,4 +1,4 @@
-// The component's own module, for its resources.
+// The component's own module: its resources, and where it lies.
 #pragma once
 
 #include <windows.h>
@@ -8,5 +8,8 @@
 namespace corvane::platform {
 
 HMODULE ComponentModule();
+
+// Full path of the component's file. Throws std::runtime_error.
+std::wstring ComponentPath();
 
 }  // namespace corvane::platform

@@ -138,7 +138,7 @@ bool DialogWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             Help();
             return true;
         case MonitorDpiChanged: {
-            Place(HIWORD(wParam));
+            ApplyDpi(HIWORD(wParam));
             const RECT& suggested = *reinterpret_cast<const RECT*>(lParam);
             SetWindowPos(Window_, nullptr, suggested.left, suggested.top, 0, 0,
                          SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -154,7 +154,7 @@ void DialogWindow::Load() {
     SetWindowTextW(Window_, Wide(Caption_).c_str());
     Layout_.Create(Window_, Controls);
     Center();  // on its monitor first, whose resolution sets the size
-    Place(WindowDpi(Window_));
+    ApplyDpi(WindowDpi(Window_));
     Center();
     Loaded();
     // As the Tab key gives it: the text of a box is selected.
@@ -162,7 +162,7 @@ void DialogWindow::Load() {
     SendMessageW(Window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
 }
 
-void DialogWindow::Place(UINT dpi) {
+void DialogWindow::ApplyDpi(UINT dpi) {
     Layout_.Apply(Window_, Controls, dpi);
     RECT outer = {}, inner = {};
     GetWindowRect(Window_, &outer);

@@ -53,11 +53,11 @@ private:
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     bool Handle(UINT message, WPARAM wParam, LPARAM lParam);
     void Load();
-    void Place(UINT dpi);
+    void ApplyDpi(UINT dpi);
     void Center();
 
     std::string Caption_;
-    Twips Client_;
+    TwipsRect Client_;
     HWND Window_ = nullptr;
     WindowLayout Layout_;
     std::exception_ptr Failure_;

@@ -9,6 +9,15 @@ namespace corvane::platform {
 
 namespace {
 
+constexpr DWORD NotOrdinary = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+
+// A search for files also finds them by their short names, in which longer extensions are cut.
+bool Encloses(const std::wstring& name, const std::wstring& prefix, const std::wstring& suffix) {
+    return name.size() >= prefix.size() + suffix.size() &&
+           lstrcmpiW(name.substr(0, prefix.size()).c_str(), prefix.c_str()) == 0 &&
+           lstrcmpiW(name.substr(name.size() - suffix.size()).c_str(), suffix.c_str()) == 0;
+}
+
 constexpr size_t ChunkBytes = 65536;
 
 bool WriteWhole(HANDLE file, std::string_view bytes) {
@@ -104,6 +113,19 @@ bool ReplaceContent(const std::string& path, std::string_view bytes) {
     const bool written = WriteWhole(file, bytes) && SetEndOfFile(file);
     CloseHandle(file);
     return written;
+}
+
+std::string FirstFile(const std::string& folder, const std::string& prefix, const std::string& suffix) {
+    WIN32_FIND_DATAW found = {};
+    const HANDLE search = FindFirstFileW(Wide(folder + "\\" + prefix + "*" + suffix).c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return {};
+    std::string name;
+    do {
+        const bool ordinary = (found.dwFileAttributes & NotOrdinary) == 0;
+        if (ordinary && Encloses(found.cFileName, Wide(prefix), Wide(suffix))) name = Utf8(found.cFileName);
+    } while (name.empty() && FindNextFileW(search, &found));
+    FindClose(search);
+    return name;
 }
 
 }  // namespace corvane::platform

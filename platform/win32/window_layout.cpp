@@ -73,7 +73,7 @@ void WindowLayout::Apply(HWND window, const std::vector<ControlDesign>& controls
     PixelsPerTwip_ = double{1} * dpi / TwipsPerInch;
     HWND child = GetWindow(window, GW_CHILD);
     for (const ControlDesign& control : controls) {
-        const Twips& place = control.Place;
+        const TwipsRect& place = control.Place;
         const int left = Pixels(place.Left), top = Pixels(place.Top);
         // Edges are rounded, not sizes, so that what touches in the design touches on the screen.
         const int width = Pixels(place.Left + place.Width) - left;

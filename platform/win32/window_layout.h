@@ -11,12 +11,12 @@ namespace corvane::platform {
 constexpr int TwipsPerInch = 1440;
 
 // Twentieths of a point: 15 to a pixel at 96 dots per inch.
-struct Twips {
+struct TwipsRect {
     int Left, Top, Width, Height;
 };
 
 // A place given relative to a frame's.
-constexpr Twips Inside(const Twips& frame, const Twips& place) {
+constexpr TwipsRect Inside(const TwipsRect& frame, const TwipsRect& place) {
     return {frame.Left + place.Left, frame.Top + place.Top, place.Width, place.Height};
 }
 
@@ -24,7 +24,7 @@ struct ControlDesign {
     int Id;
     const wchar_t* Class;
     DWORD Style;  // besides WS_CHILD
-    Twips Place;
+    TwipsRect Place;
     std::string Caption;
     DWORD ExtendedStyle = 0;
 };

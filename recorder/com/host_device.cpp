@@ -9,18 +9,14 @@
 #include <objbase.h>
 #include <oleauto.h>
 
+#include "platform/win32/wide_text.h"
 #include "recorder/failure.h"
 
 namespace corvane::recorder {
 namespace {
 
 std::string Utf8(BSTR text) {
-    const int length = static_cast<int>(SysStringLen(text));
-    std::string utf8(static_cast<size_t>(length) * 3, '\0');  // a UTF-16 unit makes three bytes at most
-    const int bytes =
-        WideCharToMultiByte(CP_UTF8, 0, text, length, utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr);
-    utf8.resize(static_cast<size_t>(bytes));
-    return utf8;
+    return platform::Utf8(std::wstring_view(text, SysStringLen(text)));
 }
 
 uint32_t Code(HRESULT result) {

@@ -6,10 +6,10 @@
 namespace corvane::recorder {
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+volatile std::sig_atomic_t Interrupted = 0;
 
 void OnSignal(int) {
-    interrupted = 1;
+    Interrupted = 1;
 }
 
 }  // namespace
@@ -36,7 +36,7 @@ void WatchInterrupt() {
 }
 
 bool InterruptRequested() {
-    return interrupted != 0;
+    return Interrupted != 0;
 }
 
 std::FILE* OpenForWriting(const std::string& path) {

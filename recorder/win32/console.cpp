@@ -7,33 +7,19 @@
 #include <io.h>
 #include <atomic>
 
+#include "platform/win32/wide_text.h"
+
 namespace corvane::recorder {
 namespace {
 
-std::atomic<bool> interrupted = false;  // set by the system's console thread
-
-std::string Utf8(const wchar_t* text) {
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    std::string utf8(static_cast<size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
-    utf8.resize(static_cast<size_t>(size - 1));  // without the closing zero
-    return utf8;
-}
-
-std::wstring Utf16(std::string_view text) {
-    std::wstring utf16(text.size(), L'\0');  // never more units than bytes
-    const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), utf16.data(),
-                                           static_cast<int>(utf16.size()));
-    utf16.resize(static_cast<size_t>(length));
-    return utf16;
-}
+std::atomic<bool> Interrupted = false;  // set by the system's console thread
 
 HANDLE ConsoleOf(std::FILE* stream) {
     return GetStdHandle(stream == stdout ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
 }
 
 BOOL WINAPI OnConsoleEvent(DWORD event) {
-    if (interrupted.exchange(true)) return FALSE;
+    if (Interrupted.exchange(true)) return FALSE;
     // The system ends the process as soon as this returns from a closing event, and after 5 s anyway: the time between
     // is for the recording to end in order.
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(4500);
@@ -46,7 +32,7 @@ std::vector<std::string> CommandLineArguments(int, const char* const*) {
     int count = 0;
     wchar_t** values = CommandLineToArgvW(GetCommandLineW(), &count);
     std::vector<std::string> arguments;
-    for (int i = 1; i < count; i++) arguments.push_back(Utf8(values[i]));
+    for (int i = 1; i < count; i++) arguments.push_back(platform::Utf8(values[i]));
     LocalFree(values);
     return arguments;
 }
@@ -54,7 +40,7 @@ std::vector<std::string> CommandLineArguments(int, const char* const*) {
 // A console takes UTF-16, whatever its code page and font can do; a pipe or file gets the UTF-8 as it is.
 void WriteText(std::FILE* stream, std::string_view text) {
     if (IsTerminal(stream)) {
-        const std::wstring utf16 = Utf16(text);
+        const std::wstring utf16 = platform::Wide(text);
         constexpr size_t Piece = 8192;  // units; old consoles refuse more than 64 KB at once
         for (size_t start = 0; start < utf16.size(); start += Piece) {
             const auto length = static_cast<DWORD>(std::min(Piece, utf16.size() - start));
@@ -77,11 +63,11 @@ void WatchInterrupt() {
 }
 
 bool InterruptRequested() {
-    return interrupted;
+    return Interrupted;
 }
 
 std::FILE* OpenForWriting(const std::string& path) {
-    std::FILE* file = _wfopen(Utf16(path).c_str(), L"wb");
+    std::FILE* file = _wfopen(platform::Wide(path).c_str(), L"wb");
     if (file != nullptr) std::setvbuf(file, nullptr, _IONBF, 0);
     return file;
 }

@@ -3,10 +3,9 @@
 
 #include <commctrl.h>
 
-#include "hardware/vendor_text.h"
+#include "base/dotted_address.h"
 #include "platform/win32/dialog_window.h"
 #include "platform/win32/wide_text.h"
-#include "selection/dialog_windows.h"
 #include "selection/dlgIP.h"
 #include "selection/win32/ucIP_window.h"
 

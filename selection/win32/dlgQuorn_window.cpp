@@ -2,14 +2,13 @@
 #include "platform/win32/component_module.h"
 #include "platform/win32/dialog_window.h"
 #include "platform/win32/tree_window.h"
-#include "selection/dialog_windows.h"
 #include "selection/dlgQuorn.h"
 
 namespace corvane {
 
 namespace {
 
-using platform::Twips;
+using platform::TwipsRect;
 
 constexpr int ClientWidth = 3210, ClientHeight = 3375;
 constexpr int PictureSize = 240;  // twips: 16 pixels at 96 dots per inch

@@ -11,13 +11,13 @@ namespace corvane {
 namespace {
 
 using platform::Inside;
-using platform::Twips;
+using platform::TwipsRect;
 
 constexpr int Boxes = 4, MaxDigits = 3;
 // Identifiers after the first: the frame, the boxes by index, their names, the dots.
 constexpr int FrameId = 0, BoxId = 1, NameId = BoxId + Boxes, DotId = NameId + Boxes;
-constexpr Twips DotPlaces[] = {{450, 30, 45, 195}, {870, 30, 45, 195}, {1320, 30, 45, 195}};
-constexpr Twips BoxPlaces[] = {{1365, 30, 375, 195}, {930, 30, 375, 195}, {495, 30, 375, 195}, {60, 30, 375, 195}};
+constexpr TwipsRect DotPlaces[] = {{450, 30, 45, 195}, {870, 30, 45, 195}, {1320, 30, 45, 195}};
+constexpr TwipsRect BoxPlaces[] = {{1365, 30, 375, 195}, {930, 30, 375, 195}, {495, 30, 375, 195}, {60, 30, 375, 195}};
 
 std::optional<CaretKey> CaretKeyOf(WPARAM key) {
     switch (key) {
@@ -40,7 +40,7 @@ std::optional<CaretKey> CaretKeyOf(WPARAM key) {
 
 }  // namespace
 
-void ucIPWindow::AddControls(std::vector<platform::ControlDesign>& controls, const Twips& place,
+void ucIPWindow::AddControls(std::vector<platform::ControlDesign>& controls, const TwipsRect& place,
                              const std::string& name) const {
     constexpr DWORD edit = WS_VISIBLE | WS_TABSTOP | ES_CENTER | ES_AUTOHSCROLL;
     for (int i = ucIP::Leftmost; i >= 0; i--) {

@@ -24,7 +24,7 @@ public:
 
     // The controls in the order of the Tab key, at that place of the dialog. name: what screen readers call the
     // address.
-    void AddControls(std::vector<platform::ControlDesign>& controls, const platform::Twips& place,
+    void AddControls(std::vector<platform::ControlDesign>& controls, const platform::TwipsRect& place,
                      const std::string& name) const;
 
     void Attach(HWND dialog);  // once they are made

@@ -6,24 +6,24 @@
 #include <algorithm>
 
 #include "common/mTypes3.h"
-#include "platform/message_box.h"
+#include "platform/user_interface.h"
 #include "platform/win32/dialog_window.h"
 #include "platform/win32/help.h"
 #include "platform/win32/tree_window.h"
 #include "platform/win32/wide_text.h"
+#include "resources/texts.h"
 #include "settings/dlgSetup.h"
-#include "settings/dlgSetup_window.h"
 
 namespace corvane {
 
 namespace {
 
 using platform::Inside;
-using platform::Twips;
+using platform::TwipsRect;
 
 constexpr int ClientWidth = 4710, ClientHeight = 4470;
 constexpr int PictureSize = 240;  // twips: 16 pixels at 96 dots per inch
-constexpr Twips frMezzaninesPlace = {120, 1020, 4455, 2055}, frSynchroPlace = {120, 3180, 4455, 705};
+constexpr TwipsRect frMezzaninesPlace = {120, 1020, 4455, 2055}, frSynchroPlace = {120, 3180, 4455, 705};
 enum Id {
     cmdOK = IDOK,
     cmdCancel = IDCANCEL,
@@ -129,7 +129,7 @@ private:
 
     void Help() override {
         if (!Dialog_.HelpEnabled() || platform::ShowHelp(Window(), Dialog_.HelpFile, Dialog_.HelpTopic)) return;
-        platform::ShowMessage(Dialog_.Caption, ResourceText(200, Dialog_.HelpFile));
+        platform::ShowMessage(Dialog_.Caption, ResourceText(HelpFailedText, Dialog_.HelpFile));
     }
 
     void AddLine(int id, UINT message, const std::string& line) {

@@ -10,7 +10,7 @@ namespace {
 
 TEST(ChannelModel, DefaultsNameSixteenChannelsOnEightRanges) {
     DeviceInfo device;
-    SetDefaultModel(device);
+    InitDefaults(device);
     EXPECT_EQ(device.ChannelsCount, 16);
     EXPECT_EQ(device.RangesCount, 8);
     EXPECT_EQ(device.ChannelNames.front(), "M1-1");

@@ -1,9 +1,7 @@
 // The dialogs that show crates and modules: Select Device and the setup dialog.
-#include "platform/portable/shown_messages.h"
+#include "standins/user.h"
 #include "selection/dlgQuorn.h"
-#include "selection/portable/dialog_users.h"
 #include "settings/dlgSetup.h"
-#include "settings/portable/dlgSetup_user.h"
 #include "tests/native/driver_fixture.h"
 
 namespace corvane {
@@ -20,20 +18,20 @@ std::string Shown(const std::vector<TreeNode>& nodes) {
     return text;
 }
 
-DriverState& WithCrates(DriverState& state, int count) {
+CrateSearch& WithCrates(CrateSearch& search, int count) {
     for (int i = 0; i < count; i++) {
         const std::string number = std::to_string(i);
-        state.CrateList.push_back({0, "10.0.0." + number, "LTR030", "SN" + number, "USB", {{"LTR27", 3}, {"X", 12}}});
+        search.CrateList.push_back({0, "10.0.0." + number, "LTR030", "SN" + number, "USB", {{"LTR27", 3}, {"X", 12}}});
     }
-    state.CrateListCount = static_cast<int16_t>(count);
-    return state;
+    search.CrateListCount = static_cast<int16_t>(count);
+    return search;
 }
 
 TEST(SelectDeviceDialog, ShowsCratesWithTheirModulesAndAClickChoosesOne) {
-    DriverState state;
-    WithCrates(state, 14).CrateListCount = 12;
+    CrateSearch search;
+    WithCrates(search, 14).CrateListCount = 12;
     dlgQuorn dialog;
-    ASSERT_TRUE(dialog.FillTree(state));
+    ASSERT_TRUE(dialog.FillTree(search));
     EXPECT_EQ(dialog.Caption, "Select Device - IP: 10.0.0.0");
     const std::string tree = Shown(dialog.tvwLTR);
     EXPECT_TRUE(tree.starts_with("C0=LTR030 SN:SN0(1)\nC0/C0M0=Slot 03 - LTR27(2)\nC0/C0M1=Slot 12 - X(2)\nC1="))
@@ -52,15 +50,15 @@ TEST(SelectDeviceDialog, ShowsCratesWithTheirModulesAndAClickChoosesOne) {
 }
 
 TEST(SelectDeviceDialog, GivesTheChosenCrateOrNone) {
-    DriverState state;
+    CrateSearch search;
     UserOfDevice = [&](dlgQuorn&) { ADD_FAILURE() << "nothing to choose"; };
-    EXPECT_EQ(SelectDevice(state), -1);
+    EXPECT_EQ(SelectDevice(search), -1);
     UserOfDevice = nullptr;
-    EXPECT_EQ(SelectDevice(WithCrates(state, 3)), 0);
+    EXPECT_EQ(SelectDevice(WithCrates(search, 3)), 0);
     UserOfDevice = [&](dlgQuorn& dialog) { dialog.ClickNode("C2M1"); };
-    EXPECT_EQ(SelectDevice(state), 2);
+    EXPECT_EQ(SelectDevice(search), 2);
     UserOfDevice = [&](dlgQuorn& dialog) { dialog.PressCancel(); };
-    EXPECT_EQ(SelectDevice(state), -1);
+    EXPECT_EQ(SelectDevice(search), -1);
     UserOfDevice = nullptr;
 }
 
@@ -72,7 +70,7 @@ protected:
         State.Crate.Serial = "3T12";
         State.Crate.TypeName = "LTR030";
         State.Crate.Info = "the crate";
-        platform::ShownMessages.clear();
+        ShownMessages.clear();
     }
     void TearDown() override { UserOfSetup = nullptr; }
 
@@ -89,18 +87,20 @@ protected:
         }
         BuildChannelModel(State.Device, State.Engine.Opened());
     }
+    dlgSetup NewDialog() { return {State.Device, State.Engine, State.Crate, State.HelpFile}; }
+    bool ShowSetting() { return corvane::ShowSetting(State.Device, State.Engine, State.Crate, State.HelpFile); }
 
     DriverState State;
 };
 
 TEST_F(SetupDialog, ShowsTheCrateAndItsModules) {
-    EXPECT_TRUE(dlgSetup(State).lstMezzanines.empty());
+    EXPECT_TRUE(NewDialog().lstMezzanines.empty());
     State.HelpFile = ".chm";
-    EXPECT_FALSE(dlgSetup(State).HelpEnabled());
+    EXPECT_FALSE(NewDialog().HelpEnabled());
     State.HelpFile = "C:\\LCard.chm";
     OpenModules(2);
     State.Crate.MarkSTARTMode = 5;
-    dlgSetup dialog(State);
+    dlgSetup dialog = NewDialog();
     EXPECT_EQ(dialog.Caption, "Driver Setup (v3.2.1)");
     EXPECT_EQ(dialog.SynchroCaption, "Sync&hronization:");
     EXPECT_EQ(Shown(dialog.tvwLTR), "C3T12=LTR030(1)\nC3T12/M0=03. LTR27(2)\nC3T12/M1=11. LTR27(2)\n");
@@ -121,30 +121,30 @@ TEST_F(SetupDialog, ShowsTheCrateAndItsModules) {
 }
 
 TEST_F(SetupDialog, OnlyOkKeepsTheMode) {
-    EXPECT_FALSE(ShowSetting(State));
+    EXPECT_FALSE(ShowSetting());
     EXPECT_EQ(State.Crate.MarkSTARTMode, 0);
     UserOfSetup = [](dlgSetup& dialog) {
         for (const int selected : {5, -1, 8}) dialog.PressOK(selected);
     };
-    EXPECT_FALSE(ShowSetting(State));
+    EXPECT_FALSE(ShowSetting());
     EXPECT_EQ(State.Crate.MarkSTARTMode, 5);
     State.Engine.Busy = true;
     UserOfSetup = [](dlgSetup&) { ADD_FAILURE() << "shown during a recording"; };
-    EXPECT_FALSE(ShowSetting(State));
+    EXPECT_FALSE(ShowSetting());
 }
 
 TEST_F(SetupDialog, FailureIsShownToTheUser) {
     UserOfSetup = [](dlgSetup&) { throw std::runtime_error("no window"); };
-    EXPECT_FALSE(ShowSetting(State));
-    EXPECT_EQ(platform::ShownMessages.back(), "LTR27|Error: no window");
+    EXPECT_FALSE(ShowSetting());
+    EXPECT_EQ(ShownMessages.back(), "LTR27|Error: no window");
     UserOfSetup = [](dlgSetup&) { ADD_FAILURE() << "shown all the same"; };
     State.Crate.MarkSTARTMode = 8;  // none of the list
-    EXPECT_FALSE(ShowSetting(State));
+    EXPECT_FALSE(ShowSetting());
     State.Crate.MarkSTARTMode = 0;
     OpenModules(2);
     State.Device.Ranges.resize(9);
-    EXPECT_FALSE(ShowSetting(State));
-    EXPECT_EQ(platform::ShownMessages.size(), 3u);
+    EXPECT_FALSE(ShowSetting());
+    EXPECT_EQ(ShownMessages.size(), 3u);
 }
 
 using DialogsOfADriver = DriverFixture;

@@ -12,12 +12,11 @@
 #include <iterator>
 #include <sstream>
 
-#include "hardware/vendor_text.h"
+#include "base/dotted_address.h"
 #include "platform/component.h"
 #include "platform/files.h"
-#include "platform/portable/shown_messages.h"
 #include "selection/address_file.h"
-#include "selection/portable/dialog_users.h"
+#include "standins/user.h"
 
 namespace corvane {
 namespace {
@@ -95,14 +94,14 @@ TEST_F(AddressList, KeepsWhatTheUserMadeOfIt) {
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.File + ": " + each.Actions);
-        platform::ShownMessages.clear();
+        ShownMessages.clear();
         fs::remove(File);
         if (each.File != no) Write(each.File);
         dlgIP dialog = Open();
         Do(dialog, each.Actions);
         dialog.Unload();
         std::string shown = Shown(dialog);
-        for (const std::string& message : platform::ShownMessages) shown += " " + message;
+        for (const std::string& message : ShownMessages) shown += " " + message;
         EXPECT_EQ(shown, "127.0.0.1 " + each.Shown);
         EXPECT_EQ(DottedText(dialog.Address.Value()), each.Typed);
         EXPECT_EQ(dialog.RemoveEnabled(), dialog.ListIndex() > 0);
@@ -200,13 +199,12 @@ TEST_F(AddressList, AFileKeepsItsOwnerAndProtection) {
 
 TEST_F(AddressList, SelectIpGivesWhatTheUserConfirmed) {
     fs::remove(platform::PathIn(platform::ComponentFolder(), "iplist.txt"));
-    DriverState state;
-    EXPECT_EQ(SelectIP(state), 0u);
+    EXPECT_EQ(SelectIP("LTR27"), 0u);
     UserOfIP = [](dlgIP& dialog) {
         EXPECT_EQ(dialog.Caption, "Select IP Address");
         dialog.PressOK();
     };
-    EXPECT_EQ(SelectIP(state), 0x7F000001u);
+    EXPECT_EQ(SelectIP("LTR27"), 0x7F000001u);
     UserOfIP = nullptr;
 }
 

@@ -12,7 +12,7 @@
 
 #include "driver/driver_object.h"
 #include "driver/lifecycle.h"
-#include "platform/portable/registry_hooks.h"
+#include "standins/registry_hooks.h"
 #include "platform/portable/test_hooks.h"
 #include "simulator/control.h"
 #include "tests/sequence.h"

@@ -16,15 +16,16 @@ TEST(Rate, AnyNumberBecomesAReachableRate) {
     const std::tuple<float, float, int> cases[] = {{400, 1000.0f / 3, 2}, {300, 1000.0f / 3, 2},  {3, 4, 249},
                                                    {10, 10, 99},          {999, 1000, 0},         {-1, 4, 249},
                                                    {infinity, 1000, 0},   {std::nanf(""), 4, 249}};
-    DriverState state;
-    state.Engine.Modules.resize(1);
-    state.Engine.OpenedCount = 1;
+    InputState input;
+    EngineState engine;
+    engine.Modules.resize(1);
+    engine.OpenedCount = 1;
     for (const auto& [asked, effective, divisor] : cases) {
         float rate = asked;
-        EXPECT_FLOAT_EQ(ApplyRate(state, rate), effective) << asked;
-        EXPECT_EQ(state.Input.Rate, EffectiveRate(state.Input, asked));
-        EXPECT_EQ(state.Engine.Modules[0].Handle.FrequencyDivisor, divisor);
-        EXPECT_EQ(ApplyRate(state, state.Input.Rate), EffectiveRate(state.Input, asked));  // stays where it is
+        EXPECT_FLOAT_EQ(ApplyRate(input, engine, rate), effective) << asked;
+        EXPECT_EQ(input.Rate, EffectiveRate(input, asked));
+        EXPECT_EQ(engine.Modules[0].Handle.FrequencyDivisor, divisor);
+        EXPECT_EQ(ApplyRate(input, engine, input.Rate), EffectiveRate(input, asked));  // stays where it is
     }
 }
 

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "platform/portable/registry_hooks.h"
+#include "standins/registry_hooks.h"
 #include "recorder/command_line.h"
 #include "recorder/console.h"
 #include "recorder/csv_writer.h"

@@ -1,5 +1,5 @@
 // cRegistry on a registry that fails, lies and changes between two calls.
-#include "platform/portable/registry_hooks.h"
+#include "standins/registry_hooks.h"
 #include "tests/registry/registry_operations.h"
 
 namespace corvane::test {

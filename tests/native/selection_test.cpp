@@ -26,24 +26,25 @@ TEST(Enumeration, ListsCratesWithMatchingModulesOnly) {
     const std::string crates =
         Server("127.0.0.1") + Crate("NONE", {}) + other + Crate("BOTH", {2, 5}) + other + Server("10.0.0.1");
     ASSERT_EQ(LtrSim_Configure(crates.c_str()), 0) << LtrSim_Message();
-    DriverState state;
-    EXPECT_EQ(FindCrates(state, "LTR27"), 1);
-    ASSERT_EQ(state.CrateList.size(), 1u);
-    EXPECT_EQ(state.CrateList[0].Serial, "BOTH");
-    EXPECT_EQ(state.CrateList[0].Address, "127.0.0.1");
-    ASSERT_EQ(state.CrateList[0].Modules.size(), 2u);
-    EXPECT_EQ(state.CrateList[0].Modules[0].Slot, 2);
-    EXPECT_EQ(state.CrateList[0].Modules[1].Slot, 5);
-    EXPECT_EQ(EnumerateCrates(state, 0x7F000001, ""), 2);
-    EXPECT_EQ(state.CrateList[1].Modules.size(), 3u);
+    CrateSearch search;
+    std::string lastError;
+    EXPECT_EQ(FindCrates(search, "LTR27", "LTR27", lastError), 1);
+    ASSERT_EQ(search.CrateList.size(), 1u);
+    EXPECT_EQ(search.CrateList[0].Serial, "BOTH");
+    EXPECT_EQ(search.CrateList[0].Address, "127.0.0.1");
+    ASSERT_EQ(search.CrateList[0].Modules.size(), 2u);
+    EXPECT_EQ(search.CrateList[0].Modules[0].Slot, 2);
+    EXPECT_EQ(search.CrateList[0].Modules[1].Slot, 5);
+    EXPECT_EQ(EnumerateCrates(search, 0x7F000001, ""), 2);
+    EXPECT_EQ(search.CrateList[1].Modules.size(), 3u);
     // A positive code is no count of crates, and no failed query either.
     ASSERT_EQ(LtrSim_AddFault("call = \"LTR_GetCrates\"\nerror = 2147483647"), 0) << LtrSim_Message();
-    EXPECT_EQ(FindCrates(state, "LTR27"), 0);
-    EXPECT_EQ(state.CrateList.size(), 0u);
+    EXPECT_EQ(FindCrates(search, "LTR27", "LTR27", lastError), 0);
+    EXPECT_EQ(search.CrateList.size(), 0u);
     LtrSim_ClearFaults();
-    EXPECT_EQ(EnumerateCrates(state, 0x0A000001, ""), 0);
-    EXPECT_EQ(EnumerateCrates(state, 0x0A000002, ""), -1);
-    EXPECT_EQ(state.Device.LastError, "");
+    EXPECT_EQ(EnumerateCrates(search, 0x0A000001, ""), 0);
+    EXPECT_EQ(EnumerateCrates(search, 0x0A000002, ""), -1);
+    EXPECT_EQ(lastError, "");
 }
 
 }  // namespace

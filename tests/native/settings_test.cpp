@@ -4,7 +4,7 @@
 
 #include "driver/driver_object.h"
 #include "driver/lifecycle.h"
-#include "platform/portable/registry_hooks.h"
+#include "standins/registry_hooks.h"
 #include "tests/registry/registry_operations.h"
 
 namespace corvane::test {

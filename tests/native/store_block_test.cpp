@@ -8,7 +8,7 @@
 #include <limits>
 #include <random>
 
-#include "common/rounding.h"
+#include "base/rounding.h"
 #include "tests/sequence.h"
 
 namespace corvane {

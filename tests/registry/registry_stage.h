@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "platform/registry.h"
-#include "settings/cRegistry.h"
+#include "settings/registry/cRegistry.h"
 
 namespace corvane::test {
 

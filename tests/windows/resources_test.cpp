@@ -52,7 +52,7 @@ TEST_F(Resources, VersionRecordDescribesTheFile) {
 TEST_F(Resources, TextsFollowTheUsersLanguage) {
     const std::tuple<UINT, std::wstring_view, std::wstring_view> texts[] = {
         {150, L"Select IP Address", L"Выбор IP адреса"},
-#define CORVANE_TEXT(number, english, russian) {number, L##english, L##russian},
+#define CORVANE_TEXT(name, number, english, russian) {number, L##english, L##russian},
 #include "resources/string_table.inc"
 #undef CORVANE_TEXT
     };

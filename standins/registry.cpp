@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/portable/registry_hooks.h"
+#include "standins/registry_hooks.h"
 
 namespace corvane::platform {
 

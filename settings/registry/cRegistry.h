@@ -105,7 +105,7 @@ private:
         platform::RegistryKey Handle = 0;
         bool Opened = false;
     };
-    struct Place {
+    struct ValueLocation {
         uint32_t Root;
         const std::string& Path;
         const std::string& Name;
@@ -117,25 +117,25 @@ private:
     };
     using EnumerateName = int32_t (*)(platform::RegistryKey key, uint32_t index, char* name, uint32_t& length);
 
-    bool Record(int32_t result);
+    bool SetLastError(int32_t result);
     bool Open(HeldKey& key, uint32_t root, const std::string& path, uint32_t rights);
     bool OpenForListing(HeldKey& key, uint32_t root, const std::string& path);
-    Place Here(const std::string& name) const {
+    ValueLocation Here(const std::string& name) const {
         return {RootKey_, KeyPath_, name};
     }
 
-    bool ReadAt(const Place& place, std::string& text);
-    bool ReadAt(const Place& place, int32_t& number);
-    bool ReadAt(const Place& place, RegistryBytes& bytes);
+    bool ReadAt(const ValueLocation& at, std::string& text);
+    bool ReadAt(const ValueLocation& at, int32_t& number);
+    bool ReadAt(const ValueLocation& at, RegistryBytes& bytes);
     template <class Value>
-    bool ReadAt(const Place& place, Value& value);
+    bool ReadAt(const ValueLocation& at, Value& value);
     template <class Value>
-    bool ReadOr(const Place& place, Value& value, const Value& fallback);
-    bool Store(const Place& place, uint32_t rights, uint32_t type, const void* data, size_t size);
-    bool WriteAt(const Place& place, const std::string& text);
-    bool WriteAt(const Place& place, const RegistryBytes& bytes);
+    bool ReadOr(const ValueLocation& at, Value& value, const Value& fallback);
+    bool Store(const ValueLocation& at, uint32_t rights, uint32_t type, const void* data, size_t size);
+    bool WriteAt(const ValueLocation& at, const std::string& text);
+    bool WriteAt(const ValueLocation& at, const RegistryBytes& bytes);
     template <class Value>
-    bool WriteAt(const Place& place, const Value& value);
+    bool WriteAt(const ValueLocation& at, const Value& value);
 
     bool EnumValueEntry(platform::RegistryKey key, uint32_t index, uint32_t longestName, ValueEntry& entry);
     void EnumValueData(platform::RegistryKey key, uint32_t index, uint32_t longestName, std::span<uint8_t> data);

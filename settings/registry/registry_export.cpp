@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "platform/ansi_text.h"
-#include "settings/cRegistry.h"
+#include "settings/registry/cRegistry.h"
 
 namespace corvane {
 
@@ -66,7 +66,8 @@ void CutToLength(std::string& buffer, uint32_t length) {
 bool cRegistry::EnumValueEntry(RegistryKey key, uint32_t index, uint32_t longestName, ValueEntry& entry) {
     entry = {std::string(size_t{longestName} + 1, ' '), 0, 0};
     uint32_t length = longestName + 1;
-    const bool found = Record(EnumKeyValue(key, index, entry.Name.data(), length, &entry.Type, nullptr, entry.Size));
+    const bool found =
+        SetLastError(EnumKeyValue(key, index, entry.Name.data(), length, &entry.Type, nullptr, entry.Size));
     CutToLength(entry.Name, length);
     return found;
 }
@@ -75,7 +76,7 @@ void cRegistry::EnumValueData(RegistryKey key, uint32_t index, uint32_t longestN
     std::string name(size_t{longestName} + 1, ' ');
     uint32_t length = longestName + 1;
     auto size = static_cast<uint32_t>(data.size());
-    Record(EnumKeyValue(key, index, name.data(), length, nullptr, data.data(), size));
+    SetLastError(EnumKeyValue(key, index, name.data(), length, nullptr, data.data(), size));
 }
 
 int32_t cRegistry::EnumValueNumber(RegistryKey key, uint32_t index, uint32_t longestName) {
@@ -90,7 +91,7 @@ uint32_t cRegistry::QueryValue(uint32_t root, const std::string& path, const std
     HeldKey key;
     if (!OpenForListing(key, root, path)) return 0;
     KeyInfo info;
-    Record(QueryKeyInfo(key.Handle, info));
+    SetLastError(QueryKeyInfo(key.Handle, info));
     const std::string wanted = ToAnsi(name);
     for (uint32_t index = 0; index < info.Values; index++) {
         ValueEntry entry;
@@ -131,11 +132,11 @@ int32_t cRegistry::EnumNames(uint32_t root, const std::string& path, std::vector
     HeldKey key;
     if (!OpenForListing(key, root, names[0])) return 0;
     KeyInfo info;
-    Record(QueryKeyInfo(key.Handle, info));
+    SetLastError(QueryKeyInfo(key.Handle, info));
     for (uint32_t index = 0; index < info.*count; index++) {
         uint32_t length = info.*longest + 1;
         std::string name(length, ' ');
-        Record(next(key.Handle, index, name.data(), length));
+        SetLastError(next(key.Handle, index, name.data(), length));
         CutToLength(name, length);
         names.push_back(FromAnsi(name));
     }
@@ -161,7 +162,7 @@ std::string cRegistry::ExportLevel(uint32_t root, const std::string& path, bool 
         if (!OpenForListing(key, root, path)) return {};
         text = "\r\n[" + RootKeyName(root) + (path.empty() ? "" : "\\") + path + "]\r\n";
         KeyInfo info;
-        Record(QueryKeyInfo(key.Handle, info));
+        SetLastError(QueryKeyInfo(key.Handle, info));
         for (uint32_t index = 0; index < info.Values; index++) {
             ValueEntry entry;
             if (!EnumValueEntry(key.Handle, index, info.LongestValueName, entry)) continue;

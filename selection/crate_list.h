@@ -19,6 +19,13 @@ struct CrateListEntry {
     std::string Serial;
     std::string Interface;
     std::vector<ModuleListEntry> Modules;  // the matching modules in slot order, never empty
+
+    int32_t ModuleCount() const { return static_cast<int32_t>(Modules.size()); }
+};
+
+struct CrateSearch {
+    std::vector<CrateListEntry> CrateList;
+    int16_t CrateListCount = 0;  // valid entries; -1: the last search could not ask its server
 };
 
 }  // namespace corvane

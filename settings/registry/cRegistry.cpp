@@ -1,5 +1,5 @@
 // Location, keys and typed values; listings and export are in registry_export.cpp.
-#include "settings/cRegistry.h"
+#include "settings/registry/cRegistry.h"
 
 #include <algorithm>
 #include <bit>
@@ -7,6 +7,7 @@
 #include <iterator>
 #include <type_traits>
 
+#include "base/utf8.h"
 #include "platform/ansi_text.h"
 #include "platform/message_text.h"
 
@@ -29,14 +30,8 @@ std::string StripAtNull(const std::string& text) {
 // Where the last character of a UTF-8 text begins.
 size_t LastCharacter(const std::string& text) {
     size_t start = text.size();
-    while (start > 0 && (static_cast<uint8_t>(text[--start]) & 0xC0) == 0x80) continue;
+    while (start > 0 && !StartsCharacter(text[--start])) continue;
     return start;
-}
-
-// Whether a UTF-8 text has more than so many characters.
-bool IsLonger(const std::string& text, size_t characters) {
-    return static_cast<size_t>(std::ranges::count_if(
-               text, [](char byte) { return (static_cast<uint8_t>(byte) & 0xC0) != 0x80; })) > characters;
 }
 
 }  // namespace
@@ -45,13 +40,13 @@ cRegistry::HeldKey::~HeldKey() {
     if (Opened) CloseKey(Handle);
 }
 
-bool cRegistry::Record(int32_t result) {
+bool cRegistry::SetLastError(int32_t result) {
     LastError_ = result;
     return result == 0;
 }
 
 bool cRegistry::Open(HeldKey& key, uint32_t root, const std::string& path, uint32_t rights) {
-    key.Opened = Record(OpenKey(root, ToAnsi(path), rights, key.Handle));
+    key.Opened = SetLastError(OpenKey(root, ToAnsi(path), rights, key.Handle));
     return key.Opened;
 }
 
@@ -80,7 +75,7 @@ std::string cRegistry::SystemErrorText(int32_t code, bool cutAtPeriod) {
 
 std::string cRegistry::LastErrorText() const {
     std::string text = SystemErrorText(LastError_, false);
-    if (IsLonger(text, 4)) text.resize(LastCharacter(text));
+    if (CharacterCount(text) > 4) text.resize(LastCharacter(text));
     return text;
 }
 
@@ -100,7 +95,7 @@ bool cRegistry::KeyExists(uint32_t root, const std::string& path) {
 bool cRegistry::CreateKey(uint32_t root, const std::string& path, const std::string& defaultText) {
     {
         HeldKey key;
-        key.Opened = Record(platform::CreateKey(root, ToAnsi(path), CreateSubKeyRight, key.Handle));
+        key.Opened = SetLastError(platform::CreateKey(root, ToAnsi(path), CreateSubKeyRight, key.Handle));
         if (!key.Opened) return false;
     }
     if (!defaultText.empty()) WriteStringAt(root, path, "", defaultText);
@@ -109,59 +104,59 @@ bool cRegistry::CreateKey(uint32_t root, const std::string& path, const std::str
 
 bool cRegistry::DeleteKey(uint32_t root, const std::string& path) {
     HeldKey key;
-    return Open(key, root, path, ChangeRights) && Record(platform::DeleteKey(root, ToAnsi(path)));
+    return Open(key, root, path, ChangeRights) && SetLastError(platform::DeleteKey(root, ToAnsi(path)));
 }
 
 bool cRegistry::DeleteValue(uint32_t root, const std::string& path, const std::string& name) {
     HeldKey key;
-    return Open(key, root, path, ChangeRights) && Record(DeleteKeyValue(key.Handle, ToAnsi(name)));
+    return Open(key, root, path, ChangeRights) && SetLastError(DeleteKeyValue(key.Handle, ToAnsi(name)));
 }
 
 // Once the length is known the text counts as read. A value that grew meanwhile gives what the platform left in the
 // buffer, which is an empty text.
-bool cRegistry::ReadAt(const Place& place, std::string& text) {
+bool cRegistry::ReadAt(const ValueLocation& at, std::string& text) {
     HeldKey key;
-    if (!Open(key, place.Root, place.Path, QueryValueRight)) return false;
-    const std::string name = ToAnsi(place.Name);
+    if (!Open(key, at.Root, at.Path, QueryValueRight)) return false;
+    const std::string name = ToAnsi(at.Name);
     uint32_t size = 0;
-    if (!Record(QueryKeyValue(key.Handle, name, nullptr, nullptr, size))) return false;
+    if (!SetLastError(QueryKeyValue(key.Handle, name, nullptr, nullptr, size))) return false;
     std::string buffer(size_t{size} + 1, '\0');
-    if (size > 0) Record(QueryKeyValue(key.Handle, name, nullptr, buffer.data(), size));
+    if (size > 0) SetLastError(QueryKeyValue(key.Handle, name, nullptr, buffer.data(), size));
     text = FromAnsi(StripAtNull(buffer));
     return true;
 }
 
-bool cRegistry::ReadAt(const Place& place, int32_t& number) {
+bool cRegistry::ReadAt(const ValueLocation& at, int32_t& number) {
     HeldKey key;
-    if (!Open(key, place.Root, place.Path, QueryValueRight)) return false;
+    if (!Open(key, at.Root, at.Path, QueryValueRight)) return false;
     int32_t stored = number;
     uint32_t size = sizeof stored;
-    if (!Record(QueryKeyValue(key.Handle, ToAnsi(place.Name), nullptr, &stored, size))) return false;
+    if (!SetLastError(QueryKeyValue(key.Handle, ToAnsi(at.Name), nullptr, &stored, size))) return false;
     number = stored;
     return true;
 }
 
-bool cRegistry::ReadAt(const Place& place, RegistryBytes& bytes) {
+bool cRegistry::ReadAt(const ValueLocation& at, RegistryBytes& bytes) {
     HeldKey key;
-    if (!Open(key, place.Root, place.Path, QueryValueRight)) return false;
-    const std::string name = ToAnsi(place.Name);
+    if (!Open(key, at.Root, at.Path, QueryValueRight)) return false;
+    const std::string name = ToAnsi(at.Name);
     uint32_t size = 0;
-    if (!Record(QueryKeyValue(key.Handle, name, nullptr, nullptr, size)) || size == 0) return false;
+    if (!SetLastError(QueryKeyValue(key.Handle, name, nullptr, nullptr, size)) || size == 0) return false;
     RegistryBytes stored(size);  // keeps this length when the value shrinks now
-    if (!Record(QueryKeyValue(key.Handle, name, nullptr, stored.data(), size))) return false;
+    if (!SetLastError(QueryKeyValue(key.Handle, name, nullptr, stored.data(), size))) return false;
     bytes = std::move(stored);
     return true;
 }
 
 template <class Value>
-bool cRegistry::ReadAt(const Place& place, Value& value) {
+bool cRegistry::ReadAt(const ValueLocation& at, Value& value) {
     if constexpr (sizeof value == sizeof(int64_t)) {
         RegistryBytes bytes;
-        if (!ReadAt(place, bytes) || bytes.size() != sizeof value) return false;
+        if (!ReadAt(at, bytes) || bytes.size() != sizeof value) return false;
         std::memcpy(&value, bytes.data(), sizeof value);
     } else {
         int32_t number = 0;
-        if (!ReadAt(place, number)) return false;
+        if (!ReadAt(at, number)) return false;
         if constexpr (std::is_same_v<Value, bool>) {
             value = number != 0;
         } else {
@@ -172,8 +167,8 @@ bool cRegistry::ReadAt(const Place& place, Value& value) {
 }
 
 template <class Value>
-bool cRegistry::ReadOr(const Place& place, Value& value, const Value& fallback) {
-    if (ReadAt(place, value)) return true;
+bool cRegistry::ReadOr(const ValueLocation& at, Value& value, const Value& fallback) {
+    if (ReadAt(at, value)) return true;
     if constexpr (std::is_same_v<Value, std::string>) {
         if (fallback.empty()) return false;
     }
@@ -181,30 +176,30 @@ bool cRegistry::ReadOr(const Place& place, Value& value, const Value& fallback) 
     return false;
 }
 
-bool cRegistry::Store(const Place& place, uint32_t rights, uint32_t type, const void* data, size_t size) {
+bool cRegistry::Store(const ValueLocation& at, uint32_t rights, uint32_t type, const void* data, size_t size) {
     HeldKey key;
-    return Open(key, place.Root, place.Path, rights) &&
-           Record(SetKeyValue(key.Handle, ToAnsi(place.Name), type, data, static_cast<uint32_t>(size)));
+    return Open(key, at.Root, at.Path, rights) &&
+           SetLastError(SetKeyValue(key.Handle, ToAnsi(at.Name), type, data, static_cast<uint32_t>(size)));
 }
 
 // The terminator is not counted; the platform finds it behind the text and adds it.
-bool cRegistry::WriteAt(const Place& place, const std::string& text) {
+bool cRegistry::WriteAt(const ValueLocation& at, const std::string& text) {
     const std::string ansi = ToAnsi(text);
-    return Store(place, SetValueRight, TextType, ansi.c_str(), ansi.size());
+    return Store(at, SetValueRight, TextType, ansi.c_str(), ansi.size());
 }
 
-bool cRegistry::WriteAt(const Place& place, const RegistryBytes& bytes) {
-    return !bytes.empty() && Store(place, SetValueRight, BinaryType, bytes.data(), bytes.size());
+bool cRegistry::WriteAt(const ValueLocation& at, const RegistryBytes& bytes) {
+    return !bytes.empty() && Store(at, SetValueRight, BinaryType, bytes.data(), bytes.size());
 }
 
 template <class Value>
-bool cRegistry::WriteAt(const Place& place, const Value& value) {
+bool cRegistry::WriteAt(const ValueLocation& at, const Value& value) {
     if constexpr (sizeof value == sizeof(int64_t)) {
-        return Store(place, SetValueRight, BinaryType, &value, sizeof value);
+        return Store(at, SetValueRight, BinaryType, &value, sizeof value);
     } else {
         uint32_t number = 0;
         std::memcpy(&number, &value, sizeof value);
-        return Store(place, ChangeRights, DWordType, &number, sizeof number);
+        return Store(at, ChangeRights, DWordType, &number, sizeof number);
     }
 }
 

@@ -1,15 +1,12 @@
-// The component's file as a loaded library: who keeps it loaded, and where it lies.
+// Who keeps the component loaded: objects, references to the class factory, and its locks.
 #pragma once
-
-#include <windows.h>
-
-#include <string>
 
 namespace corvane {
 
-// Objects, references to the class factory and its locks each keep the library. Any thread.
+// Any thread.
 void KeepLibrary();
 void LetLibraryGo();
+bool LibraryInUse();
 
 // Keeps the library for as long as it lives. As the first base of a class it goes last.
 class LibraryUse {
@@ -21,8 +18,5 @@ protected:
     LibraryUse() { KeepLibrary(); }
     ~LibraryUse() { LetLibraryGo(); }
 };
-
-// Full path of the component's file. Throws Failure.
-std::wstring ModulePath();
 
 }  // namespace corvane

@@ -1,0 +1,31 @@
+// The component's exported functions.
+#include <windows.h>
+
+#include <olectl.h>
+
+#include "driver/com/class_factory.h"
+#include "driver/com/guard.h"
+#include "driver/com/identifiers.h"
+#include "driver/com/library_use.h"
+#include "driver/com/registration.h"
+
+using namespace corvane;
+
+STDAPI DllCanUnloadNow() {
+    return LibraryInUse() ? S_FALSE : S_OK;
+}
+
+STDAPI DllGetClassObject(REFCLSID classIdentifier, REFIID identifier, void** object) {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    if (classIdentifier != __uuidof(::Corvane)) return CLASS_E_CLASSNOTAVAILABLE;
+    return GetClassFactory(identifier, object);
+}
+
+STDAPI DllRegisterServer() {
+    return Guard([] { Register(); });
+}
+
+STDAPI DllUnregisterServer() {
+    return Guard([] { Unregister(); });
+}
