@@ -13,8 +13,8 @@ std::wstring ComponentPath() {
     return folder + L"\\Corvane.adc";
 }
 
-LoadedComponent::LoadedComponent()
-    : Module_(LoadLibraryExW(ComponentPath().c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
+LoadedComponent::LoadedComponent(const std::wstring& path)
+    : Module_(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
     EXPECT_NE(nullptr, Module_) << "the component can't be loaded: " << GetLastError();
 }
 

@@ -31,7 +31,7 @@ std::wstring ComponentPath();
 // The component's file, loaded without COM's knowledge.
 class LoadedComponent {
 public:
-    LoadedComponent();
+    explicit LoadedComponent(const std::wstring& path = ComponentPath());
     ~LoadedComponent();
     LoadedComponent(const LoadedComponent&) = delete;
 
@@ -45,11 +45,6 @@ private:
     }
     HMODULE Module_;
 };
-
-// The component's file is in memory.
-inline bool Loaded() {
-    return GetModuleHandleW(L"Corvane.adc") != nullptr;
-}
 
 // Grows with each handle that this process leaves open, whatever it counts from.
 DWORD OpenHandles();

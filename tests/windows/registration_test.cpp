@@ -95,6 +95,10 @@ TEST_F(Component, RefusesWhatItsFactoryCantMake) {
     EXPECT_EQ(nullptr, object);
 }
 
+bool Loaded() {
+    return GetModuleHandleW(L"Corvane.adc") != nullptr;
+}
+
 // Thread-local slots that the process has left.
 size_t FreeSlots() {
     std::vector<DWORD> slots;
