@@ -125,7 +125,7 @@ Comparison TwoCoreComparison() {
     const auto queues = std::make_shared<Passages<Queue>>();
     for (int place = 0; place < Places; place++) {
         rings->push_back(std::make_unique<DataRing>());
-        rings->back()->Reset(ModuleChannels, RingKadrs);
+        rings->back()->ResetInputBuffer(ModuleChannels, RingKadrs);
         queues->push_back(std::make_unique<Queue>());
     }
     return {"StoreBlock to the host on two cores", "boost spsc_queue in bulk",     Goal::CostAtMost, 1,

@@ -50,14 +50,14 @@ void GetDataIntoVariable(IADC3& driver, const DISPPARAMS& parameters, VARIANT* r
 // Who passes a short by reference is no script and means the first element of a buffer of `Count`: that goes on as it
 // is. Anything else but a script's variable would be written behind its end.
 bool IsScriptsGetData(DISPID id, WORD flags, const DISPPARAMS& parameters, UINT* argument) {
-    constexpr UINT data = 2;
+    constexpr UINT Data = 2;
     if (id != GetDataMember || (flags & DISPATCH_METHOD) == 0) return false;
     if (parameters.cNamedArgs != 0) throw Failure{DISP_E_NONAMEDARGS};
     if (parameters.cArgs != 3) throw Failure{DISP_E_BADPARAMCOUNT};
-    const VARTYPE type = parameters.rgvarg[data].vt;
+    const VARTYPE type = parameters.rgvarg[Data].vt;
     if (type == (VT_BYREF | VT_VARIANT)) return true;
     if (type == (VT_BYREF | VT_I2)) return false;
-    if (argument != nullptr) *argument = data;
+    if (argument != nullptr) *argument = Data;
     throw Failure{DISP_E_TYPEMISMATCH};
 }
 
@@ -115,8 +115,8 @@ HRESULT ScriptMembers::Invoke(DISPID id, REFIID reserved, LCID locale, WORD flag
         [&] {
             CheckReserved(reserved);
             // Some engines can't tell a value from a reference when they assign, and ask for both.
-            constexpr WORD puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
-            const WORD asked = (flags & puts) != 0 ? WORD{DISPATCH_PROPERTYPUT} : flags;
+            constexpr WORD Puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
+            const WORD asked = (flags & Puts) != 0 ? WORD{DISPATCH_PROPERTYPUT} : flags;
             if (IsLateTable(Driver_, id, asked, *parameters)) return;
             if (IsScriptsGetData(id, asked, *parameters, argument)) {
                 GetDataIntoVariable(Driver_, *parameters, result);

@@ -34,7 +34,7 @@ extern DWORD(WINAPI* const ImportedTlsAlloc)() __asm__("__imp__TlsAlloc@0");
 DWORD(WINAPI* const ImportedTlsAlloc)() = RememberSlot;
 
 // The runtime's own callback for threads that come and go.
-extern const PIMAGE_TLS_CALLBACK __xl_f;
+extern const PIMAGE_TLS_CALLBACK RuntimeThreadCallback __asm__("___xl_f");
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds) {
     if (reason == DLL_THREAD_DETACH) corvane::LeaveThread();
@@ -42,7 +42,7 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds) {
     if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
         corvane::CloseWhatIsLeft();
         // For the runtime this thread ends here. No destructor that still runs uses it.
-        __xl_f(instance, DLL_THREAD_DETACH, nullptr);
+        RuntimeThreadCallback(instance, DLL_THREAD_DETACH, nullptr);
         for (int i = 0; i < SlotCount; i++) TlsFree(Slots[i]);
     }
     return TRUE;

@@ -79,7 +79,7 @@ bool ReplaceContent(const std::string& path, std::string_view bytes) {
 std::string FirstFile(const std::string& folder, const std::string& prefix, const std::string& suffix) {
     std::error_code failure;
     for (const auto& entry : std::filesystem::directory_iterator(folder, failure)) {
-        const std::string name = entry.path().filename().string();
+        std::string name = entry.path().filename().string();
         if (name.size() >= prefix.size() + suffix.size() && name.starts_with(prefix) && name.ends_with(suffix) &&
             entry.is_regular_file(failure)) {
             return name;

@@ -24,9 +24,9 @@ bool DesktopVisible() {
 // What lies under the dialog is drawn again before the caller goes on to something slow. Only that: a host that got
 // other messages here could call the driver in the middle of an opening.
 void DrawUncovered() {
-    constexpr int manyWindows = 200;  // one that never stops asking must not hold the host
+    constexpr int ManyWindows = 200;  // one that never stops asking must not hold the host
     MSG message;
-    for (int i = 0; i < manyWindows && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT); i++) {
+    for (int i = 0; i < ManyWindows && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT); i++) {
         DispatchMessageW(&message);
     }
 }

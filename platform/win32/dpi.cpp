@@ -44,9 +44,9 @@ UINT WindowDpi(HWND window) {
 }
 
 void ScaleDialogOurselves(HWND dialog) {
-    constexpr DWORD disableAll = 1;
+    constexpr DWORD DisableAll = 1;
     static const auto set = FromUser32<BOOL(WINAPI*)(HWND, DWORD, DWORD)>("SetDialogDpiChangeBehavior");
-    if (set != nullptr) set(dialog, disableAll, disableAll);
+    if (set != nullptr) set(dialog, DisableAll, DisableAll);
 }
 
 }  // namespace corvane::platform

@@ -38,14 +38,14 @@ struct Protection {
 
 // False when the file doesn't tell.
 bool ReadProtection(const std::wstring& path, Protection& protection) {
-    constexpr SECURITY_INFORMATION asked =
+    constexpr SECURITY_INFORMATION Asked =
         OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
     protection.Attributes = GetFileAttributesW(path.c_str());
     DWORD size = 0;
-    GetFileSecurityW(path.c_str(), asked, nullptr, 0, &size);
+    GetFileSecurityW(path.c_str(), Asked, nullptr, 0, &size);
     protection.Descriptor.resize(size);
     return size > 0 && protection.Attributes != INVALID_FILE_ATTRIBUTES &&
-           GetFileSecurityW(path.c_str(), asked, protection.Descriptor.data(), size, &size);
+           GetFileSecurityW(path.c_str(), Asked, protection.Descriptor.data(), size, &size);
 }
 
 enum class Outcome { Done, Failed, NotPossible };

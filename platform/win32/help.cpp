@@ -5,7 +5,7 @@
 namespace corvane::platform {
 
 bool ShowHelp(HWND window, const std::string& file, int32_t topic) {
-    constexpr UINT helpContext = 0x000F;  // HH_HELP_CONTEXT
+    constexpr UINT HelpContext = 0x000F;  // HH_HELP_CONTEXT
     using HtmlHelpFunction = HWND(WINAPI*)(HWND, const wchar_t*, UINT, DWORD_PTR);
     // The file itself is asked for first: some viewers open an empty window for a missing one, or none without a word.
     const std::wstring path = Wide(file);
@@ -15,7 +15,7 @@ bool ShowHelp(HWND window, const std::string& file, int32_t topic) {
     if (viewer == nullptr) return false;
     const auto htmlHelp =
         reinterpret_cast<HtmlHelpFunction>(reinterpret_cast<void*>(GetProcAddress(viewer, "HtmlHelpW")));
-    return htmlHelp != nullptr && htmlHelp(window, path.c_str(), helpContext, static_cast<DWORD>(topic)) != nullptr;
+    return htmlHelp != nullptr && htmlHelp(window, path.c_str(), HelpContext, static_cast<DWORD>(topic)) != nullptr;
 }
 
 }  // namespace corvane::platform

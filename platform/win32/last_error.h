@@ -12,8 +12,8 @@
 namespace corvane::platform {
 
 inline std::string ErrorText(DWORD code) {
-    constexpr uint32_t capacity = 512;
-    std::string text = FromAnsi(SystemMessage(static_cast<int32_t>(code), capacity));
+    constexpr uint32_t Capacity = 512;
+    std::string text = FromAnsi(SystemMessage(static_cast<int32_t>(code), Capacity));
     text.erase(text.find_last_not_of("\r\n") + 1);
     return text.empty() ? "code " + std::to_string(code) : text;
 }

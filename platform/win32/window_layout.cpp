@@ -19,19 +19,19 @@ constexpr int DropDownRows = 8;
 bool LettersFit(HDC context, int dpi) {
     TEXTMETRICW letters = {};
     GetTextMetricsW(context, &letters);
-    constexpr int designDpi = DesignDpi;
-    return MeanLetterWidth(context) * designDpi <= DesignLetterWidth * dpi &&
-           letters.tmHeight * designDpi <= DesignLetterHeight * dpi;
+    constexpr auto SignedDesignDpi = static_cast<int>(DesignDpi);
+    return MeanLetterWidth(context) * SignedDesignDpi <= DesignLetterWidth * dpi &&
+           letters.tmHeight * SignedDesignDpi <= DesignLetterHeight * dpi;
 }
 
 // The system's font for dialogs, 8 points high; where its letters are larger than the design's, as those of stand-ins
 // are, the largest size that fits. The caller deletes it.
 HFONT DialogFont(HWND window, int dpi) {
-    constexpr int points = 8, pointsPerInch = 72;
+    constexpr int Points = 8, PointsPerInch = 72;
     const HDC context = GetDC(window);
     HFONT font = nullptr;
     bool fits = false;
-    for (int height = MulDiv(points, dpi, pointsPerInch); height > 0 && !fits; height--) {
+    for (int height = MulDiv(Points, dpi, PointsPerInch); height > 0 && !fits; height--) {
         if (font != nullptr) DeleteObject(font);
         font = CreateFontW(-height, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, L"MS Shell Dlg 2");
         const HGDIOBJ previous = SelectObject(context, font);
@@ -45,11 +45,11 @@ HFONT DialogFont(HWND window, int dpi) {
 // A closed combo box is as high as the text in it wants it, whatever its window is given. How much it adds to that
 // shows when it is asked.
 void SetClosedHeight(HWND combo, int height) {
-    constexpr auto closed = static_cast<WPARAM>(-1);
-    SendMessageW(combo, CB_SETITEMHEIGHT, closed, height);
+    constexpr auto Closed = static_cast<WPARAM>(-1);
+    SendMessageW(combo, CB_SETITEMHEIGHT, Closed, height);
     RECT area = {};
     GetWindowRect(combo, &area);
-    SendMessageW(combo, CB_SETITEMHEIGHT, closed, 2 * height - (area.bottom - area.top));
+    SendMessageW(combo, CB_SETITEMHEIGHT, Closed, 2 * height - (area.bottom - area.top));
 }
 
 }  // namespace
@@ -90,11 +90,11 @@ void WindowLayout::Apply(HWND window, const std::vector<ControlDesign>& controls
 
 // As the platform rounds it for dialogs and list boxes.
 int MeanLetterWidth(HDC context) {
-    constexpr wchar_t letters[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-    constexpr int count = 52;
+    constexpr wchar_t Letters[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    constexpr int Count = 52;
     SIZE size = {};
-    GetTextExtentPoint32W(context, letters, count, &size);
-    return (size.cx / (count / 2) + 1) / 2;
+    GetTextExtentPoint32W(context, Letters, Count, &size);
+    return (size.cx / (Count / 2) + 1) / 2;
 }
 
 int WindowLayout::Pixels(int twips) const {

@@ -22,17 +22,17 @@ public:
         : DialogWindow(dialog.Caption, ClientWidth, ClientHeight),
           Dialog_(dialog),
           Address_(dialog.Address, FirstOfAddress) {
-        constexpr DWORD list = WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
-        constexpr DWORD button = WS_VISIBLE | WS_TABSTOP;
+        constexpr DWORD ListStyle = WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
+        constexpr DWORD ButtonStyle = WS_VISIBLE | WS_TABSTOP;
         Address_.AddControls(Controls, {105, 60, 1875, 315}, dialog.Caption);
         Controls.insert(Controls.end(),
                         {
                             {NameOfList, WC_STATICW, 0, {0, 0, 0, 0}, dialog.Caption},
-                            {lstIP, WC_LISTBOXW, list, {105, 420, 1875, 2460}, {}, WS_EX_CLIENTEDGE},
-                            {cmdOK, WC_BUTTONW, button | BS_DEFPUSHBUTTON, {2115, 105, 1125, 345}, "OK"},
-                            {cmdRemove, WC_BUTTONW, button, {2115, 1020, 1125, 345}, dialog.RemoveCaption},
-                            {cmdClear, WC_BUTTONW, button, {2115, 1500, 1125, 345}, dialog.ClearCaption},
-                            {cmdCancel, WC_BUTTONW, button, {2115, 2535, 1125, 345}, dialog.CancelCaption},
+                            {lstIP, WC_LISTBOXW, ListStyle, {105, 420, 1875, 2460}, {}, WS_EX_CLIENTEDGE},
+                            {cmdOK, WC_BUTTONW, ButtonStyle | BS_DEFPUSHBUTTON, {2115, 105, 1125, 345}, "OK"},
+                            {cmdRemove, WC_BUTTONW, ButtonStyle, {2115, 1020, 1125, 345}, dialog.RemoveCaption},
+                            {cmdClear, WC_BUTTONW, ButtonStyle, {2115, 1500, 1125, 345}, dialog.ClearCaption},
+                            {cmdCancel, WC_BUTTONW, ButtonStyle, {2115, 2535, 1125, 345}, dialog.CancelCaption},
                         });
     }
 

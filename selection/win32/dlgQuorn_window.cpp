@@ -8,8 +8,6 @@ namespace corvane {
 
 namespace {
 
-using platform::TwipsRect;
-
 constexpr int ClientWidth = 3210, ClientHeight = 3375;
 constexpr int PictureSize = 240;  // twips: 16 pixels at 96 dots per inch
 enum Id { cmdOK = IDOK, cmdCancel = IDCANCEL, NameOfTree = 100, tvwLTR };
@@ -17,13 +15,13 @@ enum Id { cmdOK = IDOK, cmdCancel = IDCANCEL, NameOfTree = 100, tvwLTR };
 class QuornWindow final : public platform::DialogWindow {
 public:
     explicit QuornWindow(dlgQuorn& dialog) : DialogWindow(dialog.Caption, ClientWidth, ClientHeight), Dialog_(dialog) {
-        constexpr DWORD tree = WS_VISIBLE | WS_TABSTOP | TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT |
-                               TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP;
+        constexpr DWORD TreeStyle = WS_VISIBLE | WS_TABSTOP | TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT |
+                                    TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP;
         // The hidden label is what screen readers call the tree. Cancel is there for the Esc key alone: in a group of
         // its own, so that the arrow keys don't lead there from OK.
         Controls = {
             {NameOfTree, WC_STATICW, 0, {0, 0, 0, 0}, dialog.Caption},
-            {tvwLTR, WC_TREEVIEWW, tree, {90, 90, 3030, 2700}, {}, WS_EX_CLIENTEDGE},
+            {tvwLTR, WC_TREEVIEWW, TreeStyle, {90, 90, 3030, 2700}, {}, WS_EX_CLIENTEDGE},
             {cmdOK, WC_BUTTONW, WS_VISIBLE | WS_TABSTOP | WS_GROUP | BS_DEFPUSHBUTTON, {1028, 2910, 1155, 345}, "OK"},
             {cmdCancel, WC_BUTTONW, WS_VISIBLE | WS_GROUP, {ClientWidth + 300, 2910, 1155, 345}, "Cancel"},
         };

@@ -42,19 +42,20 @@ std::optional<CaretKey> CaretKeyOf(WPARAM key) {
 
 void ucIPWindow::AddControls(std::vector<platform::ControlDesign>& controls, const TwipsRect& place,
                              const std::string& name) const {
-    constexpr DWORD edit = WS_VISIBLE | WS_TABSTOP | ES_CENTER | ES_AUTOHSCROLL;
+    constexpr DWORD EditStyle = WS_VISIBLE | WS_TABSTOP | ES_CENTER | ES_AUTOHSCROLL;
     for (int i = ucIP::Leftmost; i >= 0; i--) {
         const std::string number = std::to_string(ucIP::Leftmost - i + 1);
-        controls.push_back({FirstId_ + NameId + i, WC_STATICW, 0, {0, 0, 0, 0}, name + " " + number});
-        controls.push_back({FirstId_ + BoxId + i, WC_EDITW, edit, Inside(place, BoxPlaces[i]), {}});
+        controls.push_back(
+            {FirstId_ + NameId + i, WC_STATICW, 0, {0, 0, 0, 0}, std::string(name).append(" ").append(number)});
+        controls.push_back({FirstId_ + BoxId + i, WC_EDITW, EditStyle, Inside(place, BoxPlaces[i]), {}});
         if (i == 0) continue;
         const int dot = ucIP::Leftmost - i;
         controls.push_back(
             {FirstId_ + DotId + dot, WC_STATICW, WS_VISIBLE | SS_CENTER, Inside(place, DotPlaces[dot]), "."});
     }
     // Behind the boxes, which it must not paint over. An edit has the border that the user's system gives to edits.
-    constexpr DWORD frame = WS_VISIBLE | WS_DISABLED | WS_CLIPSIBLINGS | ES_READONLY;
-    controls.push_back({FirstId_ + FrameId, WC_EDITW, frame, place, {}, WS_EX_CLIENTEDGE});
+    constexpr DWORD FrameStyle = WS_VISIBLE | WS_DISABLED | WS_CLIPSIBLINGS | ES_READONLY;
+    controls.push_back({FirstId_ + FrameId, WC_EDITW, FrameStyle, place, {}, WS_EX_CLIENTEDGE});
 }
 
 void ucIPWindow::Attach(HWND dialog) {
@@ -84,7 +85,8 @@ void ucIPWindow::Read(int index) {
 
 void ucIPWindow::Select(int index) {
     const OctetBox& box = Control_.txtIP[static_cast<size_t>(index)];
-    SendMessageW(Box(index), EM_SETSEL, box.SelStart, static_cast<LPARAM>(box.SelStart + box.SelLength));
+    SendMessageW(Box(index), EM_SETSEL, box.SelStart,
+                 static_cast<LPARAM>(box.SelStart) + static_cast<LPARAM>(box.SelLength));
 }
 
 void ucIPWindow::Show() {

@@ -42,27 +42,32 @@ enum Id {
 class SetupWindow final : public platform::DialogWindow {
 public:
     explicit SetupWindow(dlgSetup& dialog) : DialogWindow(dialog.Caption, ClientWidth, ClientHeight), Dialog_(dialog) {
-        constexpr DWORD stop = WS_VISIBLE | WS_TABSTOP;
-        constexpr DWORD tree = stop | TVS_HASLINES | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP;
-        constexpr DWORD text = stop | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | ES_AUTOHSCROLL;
-        constexpr DWORD list = stop | WS_VSCROLL | WS_HSCROLL | LBS_USETABSTOPS | LBS_NOINTEGRALHEIGHT;
-        constexpr DWORD combo = stop | WS_VSCROLL | CBS_DROPDOWNLIST;
+        constexpr DWORD Stop = WS_VISIBLE | WS_TABSTOP;
+        constexpr DWORD TreeStyle = Stop | TVS_HASLINES | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP;
+        constexpr DWORD TextStyle = Stop | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | ES_AUTOHSCROLL;
+        constexpr DWORD ListStyle = Stop | WS_VSCROLL | WS_HSCROLL | LBS_USETABSTOPS | LBS_NOINTEGRALHEIGHT;
+        constexpr DWORD ComboStyle = Stop | WS_VSCROLL | CBS_DROPDOWNLIST;
         // The hidden labels are what screen readers call the tree and the text.
         Controls = {
             {NameOfTree, WC_STATICW, 0, {0, 0, 0, 0}, "LTR"},
-            {tvwLTR, WC_TREEVIEWW, tree, {120, 120, 2280, 810}, {}, WS_EX_CLIENTEDGE},
+            {tvwLTR, WC_TREEVIEWW, TreeStyle, {120, 120, 2280, 810}, {}, WS_EX_CLIENTEDGE},
             {NameOfInfo, WC_STATICW, 0, {0, 0, 0, 0}, "LTR"},
             // An edge would cost the last of its four lines.
-            {txtInfo, WC_EDITW, text, {2520, 120, 2070, 795}, {}},
+            {txtInfo, WC_EDITW, TextStyle, {2520, 120, 2070, 795}, {}},
             {frMezzanines, WC_BUTTONW, WS_VISIBLE | BS_GROUPBOX, frMezzaninesPlace, dialog.MezzaninesCaption},
-            {lstMezzanines, WC_LISTBOXW, list, Inside(frMezzaninesPlace, {150, 270, 4155, 1620}), {}, WS_EX_CLIENTEDGE},
+            {lstMezzanines,
+             WC_LISTBOXW,
+             ListStyle,
+             Inside(frMezzaninesPlace, {150, 270, 4155, 1620}),
+             {},
+             WS_EX_CLIENTEDGE},
             {frSynchro, WC_BUTTONW, WS_VISIBLE | BS_GROUPBOX, frSynchroPlace, dialog.SynchroCaption},
             {lblMarkSTART, WC_STATICW, WS_VISIBLE, Inside(frSynchroPlace, {225, 300, 1320, 195}),
              dialog.MarkSTARTCaption},
-            {cboMarkSTART, WC_COMBOBOXW, combo, Inside(frSynchroPlace, {1620, 240, 2475, 315}), {}},
-            {cmdOK, WC_BUTTONW, stop | BS_DEFPUSHBUTTON, {810, 4020, 1155, 345}, "OK"},
-            {cmdCancel, WC_BUTTONW, stop, {2115, 4020, 1155, 345}, dialog.CancelCaption},
-            {cmdHelp, WC_BUTTONW, stop, {3420, 4020, 1155, 345}, dialog.HelpCaption},
+            {cboMarkSTART, WC_COMBOBOXW, ComboStyle, Inside(frSynchroPlace, {1620, 240, 2475, 315}), {}},
+            {cmdOK, WC_BUTTONW, Stop | BS_DEFPUSHBUTTON, {810, 4020, 1155, 345}, "OK"},
+            {cmdCancel, WC_BUTTONW, Stop, {2115, 4020, 1155, 345}, dialog.CancelCaption},
+            {cmdHelp, WC_BUTTONW, Stop, {3420, 4020, 1155, 345}, dialog.HelpCaption},
         };
     }
 
