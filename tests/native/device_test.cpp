@@ -15,7 +15,7 @@ TEST_F(DeviceTest, OpeningFailuresNameTheirReason) {
         {noCrates, "", ""},
         {noServer, "", "Connect LTR and run LTR-Server!"},
         {crate, "call = \"LTR_GetCrates\"\nerror = -31", "Connect LTR and run LTR-Server!"},
-        {crate, "call = \"LTR27_Open\"\nerror = -32", "Error '-32':\r\n"},
+        {crate, "call = \"LTR27_Open\"\nerror = -7", "Error '-7':\r\nThe connection is not open"},
         {crate, "call = \"LTR27_GetDescription\"\nerror = -35", "Error '-35':\r\n"},
         {crate, "call = \"LTR27_GetConfig\"\nerror = -33", "Error '-33':\r\n"},
         {crate, "call = \"LTR27_GetDescription\"\nafter = 1\nslot = 5\nerror = -34", ""},
@@ -29,8 +29,7 @@ TEST_F(DeviceTest, OpeningFailuresNameTheirReason) {
         EXPECT_EQ(Driver->BasePort(), oneModuleLeft ? -1 : 0);
         EXPECT_EQ(Driver->ChannelsCount(), 16);
         const std::string error = Driver->LastError();
-        EXPECT_TRUE(error.starts_with(reason)) << error;
-        EXPECT_EQ(error.empty(), reason.empty());
+        EXPECT_TRUE(reason.empty() ? error.empty() : error.starts_with(reason)) << error;
         EXPECT_EQ(LtrSim_OpenConnections(), oneModuleLeft);
         LtrSim_ClearFaults();  // the crate comes back: the next try opens it
         EXPECT_EQ(Driver->Test(), scenario == crate);
@@ -44,7 +43,6 @@ TEST_F(DeviceTest, TheFirstTwoModulesThatOpenAreUsed) {
     EXPECT_EQ(Driver->ChannelsCount(), 32);
     EXPECT_EQ(Driver->ChannelName(0), "07_1-1_SEQ");
     EXPECT_EQ(Driver->ChannelName(16), "09_1-1_SEQ");
-    EXPECT_EQ(Driver->ChannelName(31), "Empty");
     EXPECT_EQ(Driver->ChannelUnitName(3), "V");
     EXPECT_EQ(Driver->ChannelUnitName(-1), "");
     EXPECT_EQ(Driver->ChannelUnitScale(32), 0);

@@ -2,19 +2,14 @@
 #include "selection/dlgIP.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 
 #include "base/dotted_address.h"
-#include "platform/component.h"
-#include "platform/files.h"
 #include "selection/address_file.h"
 #include "standins/user.h"
 
@@ -129,11 +124,6 @@ TEST_F(AddressList, ReadsWhateverTheFileHolds) {
         Write(bytes);
         EXPECT_EQ(Shown(Open()), "127.0.0.1 " + addresses + (addresses.empty() ? "@0" : "@1")) << bytes.substr(0, 30);
     }
-    Write("1.1.1.1\n0.0.0.0\n1.1.1.1\n");
-    EXPECT_EQ(ReadAddresses(File), std::vector{0x01010101u});
-}
-
-TEST_F(AddressList, ALongListStaysWithinItsPositions) {
     std::string lines;
     for (uint32_t i = 1; i < 40000; i++) lines += DottedText(i) + "\n";
     Write(lines);
@@ -142,70 +132,7 @@ TEST_F(AddressList, ALongListStaysWithinItsPositions) {
     Do(dialog, "=192.168.1.20 ok");
     dialog.Unload();
     EXPECT_EQ(dialog.SelectedIP(), 0xC0A80114u);
-    EXPECT_EQ(Read(), lines);
-}
-
-TEST_F(AddressList, AFileThatCanNotBeWrittenWholeStaysAsItWas) {
-    const std::vector<uint32_t> addresses(1000, 0x0A000005);
-    const auto expectUnchanged = [&](const char* why) {
-        EXPECT_EQ(Read(), "1.0.0.1\r\n") << why;
-        EXPECT_EQ(std::distance(fs::directory_iterator(Folder), {}), 1) << "leftovers: " << why;
-    };
-    Write("1.0.0.1\r\n");
-    const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit = {};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit full = {4096, limit.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &full);
-    WriteAddresses(File, addresses);
-    setrlimit(RLIMIT_FSIZE, &limit);
-    std::signal(SIGXFSZ, previous);
-    expectUnchanged("the disk was full in the middle of the list");
-
-    const uid_t user = geteuid();
-    fs::permissions(Folder, fs::perms::all);
-    fs::permissions(File, fs::perms::owner_read | fs::perms::others_read);
-    ASSERT_EQ(seteuid(user == 0 ? 65534 : user), 0);  // nothing is protected from the superuser
-    WriteAddresses(File, addresses);
-    ASSERT_EQ(seteuid(user), 0);
-    expectUnchanged("the file is protected");
-
-    fs::remove(File);
-    WriteAddresses(File, addresses);
-    EXPECT_EQ(fs::file_size(File), 10000u);
-}
-
-TEST_F(AddressList, AFileKeepsItsOwnerAndProtection) {
-    const uid_t user = geteuid(), other = user == 0 ? 65534 : user;
-    for (const bool nameBesideIsFree : {true, false}) {
-        Write("10.0.0.1\r\n10.0.0.2\r\n");
-        if (!nameBesideIsFree) fs::create_directory(File + ".new");
-        ASSERT_EQ(chown(File.c_str(), other, getegid()), 0);
-        fs::permissions(File, fs::perms(0642));
-        WriteAddresses(File, std::vector{0x0A000001u});
-        struct stat now = {};
-        ASSERT_EQ(stat(File.c_str(), &now), 0);
-        EXPECT_EQ(Read(), "10.0.0.1\r\n") << nameBesideIsFree;
-        EXPECT_EQ(now.st_mode & 07777, 0642u) << nameBesideIsFree;
-        EXPECT_EQ(now.st_uid, other) << nameBesideIsFree;
-    }
-    fs::permissions(Folder, fs::perms(0555));  // nothing can be made in it
-    ASSERT_EQ(seteuid(other), 0);
-    WriteAddresses(File, std::vector{0x0A000002u});
-    ASSERT_EQ(seteuid(user), 0);
-    EXPECT_EQ(Read(), "10.0.0.2\r\n");
-    fs::permissions(Folder, fs::perms(0755));
-}
-
-TEST_F(AddressList, SelectIpGivesWhatTheUserConfirmed) {
-    fs::remove(platform::PathIn(platform::ComponentFolder(), "iplist.txt"));
-    EXPECT_EQ(SelectIP("LTR27"), 0u);
-    UserOfIP = [](dlgIP& dialog) {
-        EXPECT_EQ(dialog.Caption, "Select IP Address");
-        dialog.PressOK();
-    };
-    EXPECT_EQ(SelectIP("LTR27"), 0x7F000001u);
-    UserOfIP = nullptr;
+    EXPECT_EQ(Read(), lines) << "a full list takes no more";
 }
 
 }  // namespace

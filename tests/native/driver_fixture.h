@@ -12,9 +12,9 @@
 
 #include "driver/driver_object.h"
 #include "driver/lifecycle.h"
-#include "standins/registry_hooks.h"
 #include "platform/portable/test_hooks.h"
 #include "simulator/control.h"
+#include "standins/registry_hooks.h"
 #include "tests/sequence.h"
 
 namespace corvane {

@@ -50,11 +50,11 @@ struct Board {
     std::vector<double> Values;
 };
 
-// An open connection to CRATE1.
+// An open connection.
 struct Link {
-    Link() {
+    explicit Link(const char* crate = "") {  // empty: the list of crates
         LTR_Init(&Record);
-        std::memcpy(Record.CrateSerial, "CRATE1", 6);
+        std::memcpy(Record.CrateSerial, crate, std::strlen(crate));
         EXPECT_EQ(LTR_Open(&Record), 0);
     }
     ~Link() { LTR_Close(&Record); }
@@ -63,28 +63,18 @@ struct Link {
     CrateConnection Record{};
 };
 
-TEST(Simulator, OnlyFactoryCalibrationGivesTheSignal) {
+// That it does with the calibration, whole recordings show.
+TEST(Simulator, GivesNoSignalWithoutTheFactoryCalibration) {
     std::string toml = ltrsim::DefaultScenario;
     Configure(toml.replace(toml.find("speed = 1.0"), 11, "speed = 0"));
     Board board(3, "3T123456");
     ASSERT_EQ(board.Receive(1600), 1600);
     ASSERT_EQ(board.Process(), 0);
-    const std::vector<double> uncalibrated = board.Values;
-    for (int k = 0; k < MezzaninePositions; k++) {
-        std::copy_n(board.Record.Description[k].Calibration, 4, board.Record.Config[k].Calibration);
-    }
-    ASSERT_EQ(board.Process(), 0);
-    int fitted = 0;
     for (size_t w = 0; w < 1600; w++) {
         const double code = LtrSim_ExpectedCode(3, static_cast<int32_t>(w % 16), static_cast<int64_t>(w / 16), 1000);
-        const MezzanineDescription& description = board.Record.Description[w % 16 / 2];
-        ASSERT_EQ(std::isnan(code), description.Active == 0);
-        if (std::isnan(code)) continue;
-        fitted++;
-        ASSERT_NEAR(board.Values[w], code, 0.5 * description.Calibration[w % 2 * 2 + 1] + 1e-9) << w;
-        ASSERT_GT(std::abs(uncalibrated[w] - code), 5) << w;
+        ASSERT_EQ(std::isnan(code), board.Record.Description[w % 16 / 2].Active == 0);
+        ASSERT_TRUE(std::isnan(code) || std::abs(board.Values[w] - code) > 5) << w;
     }
-    EXPECT_GT(fitted, 500);
 }
 
 TEST(Simulator, AModuleKeepsItsConfigurationAndTextsFillTheirFields) {
@@ -95,12 +85,9 @@ TEST(Simulator, AModuleKeepsItsConfigurationAndTextsFillTheirFields) {
     }
     Configure(toml);
     Board board(3, serial.c_str());
-    CrateConnection link{};
     char serials[MaxCrates][VendorTextSize];
-    LTR_Init(&link);
-    EXPECT_EQ(LTR_Open(&link), 0);
-    EXPECT_EQ(LTR_GetCrates(&link, reinterpret_cast<uint8_t(*)[VendorTextSize]>(serials)), 0);
-    LTR_Close(&link);
+    Link list;
+    EXPECT_EQ(LTR_GetCrates(&list.Record, reinterpret_cast<uint8_t(*)[VendorTextSize]>(serials)), 0);
     EXPECT_EQ(std::string(serials[0], VendorTextSize), serial);
     EXPECT_EQ(std::string(board.Record.Description[0].Name, VendorTextSize), "MEZZANINE-16-CHR");
 
@@ -120,7 +107,7 @@ TEST(Simulator, ARequestForAStartMarkTakesThePlaceOfAnEarlierOne) {
     Configure(SequenceCrate({3}, "1.0", "start_mark_after = 0.3"));
     constexpr int32_t WaitForEdge = 1;
     Board board(3);
-    Link link;
+    Link link("CRATE1");
     EXPECT_EQ(LTR_MakeStartMark(&link.Record, WaitForEdge), 0);
     LTR27_ADCStop(&board.Record);  // before the mark came
     LTR27_ADCStart(&board.Record);
@@ -128,7 +115,7 @@ TEST(Simulator, ARequestForAStartMarkTakesThePlaceOfAnEarlierOne) {
     ASSERT_EQ(board.Receive(16 * 600, 20000), 16 * 600);
     EXPECT_EQ(board.Marks.front() >> 16, 0u);
     EXPECT_EQ(board.Marks.back() >> 16, 1u);
-    EXPECT_EQ(Link().Record.TimeMark >> 16, 1u);
+    EXPECT_EQ(Link("CRATE1").Record.TimeMark >> 16, 1u);
 }
 
 TEST(Simulator, EveryViolationIsCounted) {
@@ -185,12 +172,10 @@ TEST(Simulator, TheExamplesAreReadAndTheOneWithFaultsIsOpenedAtOnce) {
     for (const auto& entry : std::filesystem::directory_iterator(SCENARIOS)) {
         std::ifstream file(entry.path());
         Configure(std::string(std::istreambuf_iterator<char>(file), {}));
+        EXPECT_TRUE(entry.path().filename() != "faults.toml" || DriverObject().Test());
         examples++;
     }
     EXPECT_GE(examples, 5);
-    std::ifstream faults(SCENARIOS "/faults.toml");
-    Configure(std::string(std::istreambuf_iterator<char>(faults), {}));
-    EXPECT_TRUE(DriverObject().Test());
 }
 
 TEST(Simulator, MistakesInTheScenarioNameTheirLine) {

@@ -3,6 +3,7 @@
 
 #include <commctrl.h>
 #include <sddl.h>
+#include <shlwapi.h>
 
 #include <cstring>
 #include <fstream>
@@ -15,14 +16,10 @@ namespace corvane::test {
 namespace {
 
 // Titles and texts in Russian, the language that the tests run in.
-constexpr wchar_t AddressTitle[] = L"\u0412\u044B\u0431\u043E\u0440 IP \u0430\u0434\u0440\u0435\u0441\u0430";
-constexpr wchar_t SetupTitle[] = L"\u041D\u0430\u0441\u0442\u0440\u043E\u0439\u043A\u0438 LTR27 (v3.2.1)";
-constexpr wchar_t ConnectText[] =
-    L"\u041F\u043E\u0434\u043A\u043B\u044E\u0447\u0438\u0442\u0435 LTR \u043A\u0440\u0435\u0439\u0442 \u0438 "
-    L"\u0437\u0430\u043F\u0443\u0441\u0442\u0438\u0442\u0435 LTR Server!";
-constexpr wchar_t SelectText[] =
-    L"\u041F\u043E\u0436\u0430\u043B\u0443\u0439\u0441\u0442\u0430 \u0443\u043A\u0430\u0436\u0438\u0442\u0435 IP "
-    L"\u0430\u0434\u0440\u0435\u0441!";
+constexpr wchar_t AddressTitle[] = L"Выбор IP адреса";
+constexpr wchar_t SetupTitle[] = L"Настройки LTR27 (v3.2.1)";
+constexpr wchar_t ConnectText[] = L"Подключите LTR крейт и запустите LTR Server!";
+constexpr wchar_t SelectText[] = L"Пожалуйста укажите IP адрес!";
 constexpr wchar_t DeviceTitle[] = L"Select Device - IP: 127.0.0.1";
 constexpr int MessageTextId = 0xFFFF;  // of the text in the platform's message boxes
 
@@ -34,6 +31,14 @@ std::string ListFile() {
 std::string FileText() {
     std::ifstream file(ListFile(), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+constexpr wchar_t SettingsKey[] = L"Software\\Vrex\\ADC\\L-Card\\LTR27";
+
+DWORD StoredMode() {
+    DWORD mode = 99, size = sizeof mode;
+    SHGetValueW(HKEY_CURRENT_USER, SettingsKey, L"MarkSTARTMode", nullptr, &mode, &size);
+    return mode;
 }
 
 class Dialogs : public DriverTest {
@@ -83,24 +88,21 @@ protected:
     HHOOK Hook = nullptr;
 };
 
-// The controls that the Tab key visits, until it has gone round.
-std::vector<HWND> TabStops(DialogUser& user, int count) {
-    std::vector<HWND> stops;
-    for (; count > 0; count--) {
-        stops.push_back(user.Focus());
+// The first has the focus; from there the Tab key visits all of these and comes round.
+void ExpectTabStops(DialogUser& user, const std::vector<HWND>& stops) {
+    for (const HWND stop : stops) {
+        EXPECT_EQ(stop, user.Focus()) << GetDlgCtrlID(stop);
         user.Press(VK_TAB);
     }
-    return stops;
+    EXPECT_EQ(stops[0], user.Focus());
 }
 
 TEST_F(Dialogs, AddressIsTypedAndRemembered) {
     Configure(Server("192.168.10.5") + Crate("3T000001", {7}));
     EXPECT_TRUE(TestWith(AddressTitle, [&](DialogUser& user) {
         EXPECT_FALSE(IsWindowEnabled(Host));
-        // In the order of the Tab key the boxes come first, the leftmost first of all.
-        HWND boxes[4];
+        HWND boxes[4];  // from left to right
         for (int i = 0; i < 4; i++) boxes[i] = user.Child(WC_EDITW, i);
-        EXPECT_EQ(std::vector<std::wstring>{L"127.0.0.1"}, ListLines(user.Child(WC_LISTBOXW, 0)));
         EXPECT_EQ(boxes[0], user.Focus());
         user.Type("45");
         EXPECT_EQ(L"45", TextOf(boxes[0])) << "what was there is selected and gives way";
@@ -108,14 +110,11 @@ TEST_F(Dialogs, AddressIsTypedAndRemembered) {
         user.Type("192");
         EXPECT_EQ(boxes[1], user.Focus()) << "the third digit moves on";
         user.Press(VK_DELETE);
-        user.Type("1689");
+        user.Type("16810");
         EXPECT_EQ(L"168", TextOf(boxes[1]));
-        EXPECT_EQ(L"90", TextOf(boxes[2])) << "at the front of the box it moved on to";
+        EXPECT_EQ(L"100", TextOf(boxes[2])) << "at the front of the box it moved on to";
         user.Press(VK_DELETE);
-        user.Press(VK_BACK);
-        user.Type("10");
-        user.Press(VK_OEM_PERIOD);
-        user.Press('X');
+        for (const WORD dropped : std::initializer_list<WORD>{VK_OEM_PERIOD, 'X'}) user.Press(dropped);
         EXPECT_EQ(boxes[2], user.Focus());
         user.Press(VK_RIGHT);
         user.Press(VK_DELETE);
@@ -136,28 +135,21 @@ TEST_F(Dialogs, AddressesAreChosenRemovedAndRefused) {
     Configure(Server("192.168.10.5"));
     EXPECT_FALSE(TestWith(AddressTitle, [](DialogUser& user) {
         const HWND list = user.Child(WC_LISTBOXW, 0);
-        const HWND ok = user.Child(WC_BUTTONW, 0), remove = user.Child(WC_BUTTONW, 1);
-        const HWND clear = user.Child(WC_BUTTONW, 2), cancel = user.Child(WC_BUTTONW, 3);
+        const HWND first = user.Child(WC_EDITW, 0), second = user.Child(WC_EDITW, 1);
+        const HWND last = user.Child(WC_EDITW, 3), remove = user.Child(WC_BUTTONW, 1);
         EXPECT_EQ(1, SendMessageW(list, LB_GETCURSEL, 0, 0));
-        const std::vector<HWND> stops = TabStops(user, 9);
-        const HWND first = user.Child(WC_EDITW, 0);
-        EXPECT_EQ((std::vector<HWND>{first, user.Child(WC_EDITW, 1), user.Child(WC_EDITW, 2), user.Child(WC_EDITW, 3),
-                                     list, ok, remove, clear, cancel}),
-                  stops);
-        EXPECT_EQ(first, user.Focus());
+        ExpectTabStops(user, {first, second, user.Child(WC_EDITW, 2), last, list, user.Child(WC_BUTTONW, 0), remove,
+                              user.Child(WC_BUTTONW, 2), user.Child(WC_BUTTONW, 3)});
         user.Click(list, 10, 5);
         EXPECT_EQ(L"127", TextOf(first));
         EXPECT_FALSE(IsWindowEnabled(remove));
         user.Press(VK_DOWN);
-        user.Press(VK_DOWN);
-        EXPECT_EQ(L"6", TextOf(user.Child(WC_EDITW, 3)));
+        EXPECT_EQ(L"5", TextOf(last));
+        SendMessageW(list, LB_SETCURSEL, 2, 0);  // tells nobody
         user.Click(remove);
         EXPECT_EQ((std::vector<std::wstring>{L"127.0.0.1", L"10.0.0.5", L"10.0.0.7"}), ListLines(list));
-        EXPECT_EQ(L"7", TextOf(user.Child(WC_EDITW, 3))) << "the one that moved into its place";
-        SendMessageW(list, LB_SETCURSEL, 1, 0);  // tells nobody
-        user.Click(remove);
-        EXPECT_EQ((std::vector<std::wstring>{L"127.0.0.1", L"10.0.0.7"}), ListLines(list));
-        user.Click(user.Child(WC_EDITW, 1));
+        EXPECT_EQ(L"7", TextOf(last)) << "the one that moved into its place";
+        user.Click(second);
         user.Press(VK_BACK);
         user.Press(VK_DELETE);
         user.Press(VK_RETURN);
@@ -165,24 +157,23 @@ TEST_F(Dialogs, AddressesAreChosenRemovedAndRefused) {
         EXPECT_EQ(SelectText, TextOf(GetDlgItem(GetForegroundWindow(), MessageTextId)));
         user.Press(VK_RETURN);
         EXPECT_TRUE(user.WaitFront(AddressTitle)) << "the dialog stays";
-        EXPECT_EQ(user.Child(WC_EDITW, 1), user.Focus());
+        EXPECT_EQ(second, user.Focus());
         user.Press(VK_ESCAPE);
     }));
     EXPECT_EQ(ConnectText, LastError(Driver.Get()));
-    EXPECT_EQ("10.0.0.7\r\n", FileText()) << "Esc keeps what was removed";
+    EXPECT_EQ("10.0.0.5\r\n10.0.0.7\r\n", FileText()) << "Esc keeps what was removed";
 }
 
-std::wstring ItemText(HWND tree, HTREEITEM item, UINT* state = nullptr) {
+std::wstring ItemText(HWND tree, HTREEITEM item) {
     wchar_t text[128] = {};
-    TVITEMW asked = {};
-    asked.mask = TVIF_TEXT | TVIF_STATE;
-    asked.hItem = item;
-    asked.stateMask = TVIS_BOLD | TVIS_EXPANDED;
-    asked.pszText = text;
-    asked.cchTextMax = 128;
+    TVITEMW asked = {TVIF_TEXT, item, 0, 0, text, 128, 0, 0, 0, 0};
     SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&asked));
-    if (state != nullptr) *state = asked.state & asked.stateMask;
     return text;
+}
+
+UINT ItemState(HWND tree, HTREEITEM item) {
+    constexpr LPARAM asked = TVIS_BOLD | TVIS_EXPANDED;
+    return static_cast<UINT>(SendMessageW(tree, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), asked) & asked);
 }
 
 HTREEITEM Next(HWND tree, UINT relation, HTREEITEM item) {
@@ -198,33 +189,27 @@ void ClickItem(DialogUser& user, HWND tree, HTREEITEM item) {
 
 TEST_F(Dialogs, CrateIsChosenAmongSeveral) {
     Configure(Server("127.0.0.1") + Crate("FIRST", {3}) + Crate("SECOND", {12}));
-    const auto firstRoot = [](HWND tree) { return Next(tree, TVGN_ROOT, nullptr); };
     SetForegroundWindow(GetDesktopWindow());  // as when another program is in front
     EXPECT_FALSE(TestWith(DeviceTitle, [](DialogUser& user) {
         EXPECT_EQ(user.Dialog(), ActiveTitle);
         const HWND cancel = user.Child(WC_BUTTONW, 1);
-        RECT area = {}, button = {};
+        RECT area = {};
+        POINT corner = {};
         GetClientRect(user.Dialog(), &area);
-        GetWindowRect(cancel, &button);
-        POINT corner = {button.left, button.top};
-        ScreenToClient(user.Dialog(), &corner);
+        MapWindowPoints(cancel, user.Dialog(), &corner, 1);
         EXPECT_GE(corner.x, area.right) << "Cancel is out of sight";
         EXPECT_NE(0, SendMessageW(user.Dialog(), WM_GETICON, ICON_SMALL, 0));
         PostMessageW(user.Dialog(), WM_CLOSE, 0, 0);
     }));
     EXPECT_TRUE(TestWith(DeviceTitle, [&](DialogUser& user) {
         const HWND tree = user.Child(WC_TREEVIEWW, 0);
-        const HTREEITEM first = firstRoot(tree), second = Next(tree, TVGN_NEXT, first);
+        const HTREEITEM first = Next(tree, TVGN_ROOT, nullptr), second = Next(tree, TVGN_NEXT, first);
         const HTREEITEM module = Next(tree, TVGN_CHILD, second);
-        UINT state = 0;
-        EXPECT_EQ(L"LTR030 SN:FIRST", ItemText(tree, first, &state));
-        EXPECT_EQ(UINT{TVIS_BOLD | TVIS_EXPANDED}, state);
+        EXPECT_EQ(UINT{TVIS_BOLD | TVIS_EXPANDED}, ItemState(tree, first));
         EXPECT_EQ(L"Slot 12 - LTR27", ItemText(tree, module));
         ClickItem(user, tree, module);
-        ItemText(tree, first, &state);
-        EXPECT_EQ(UINT{TVIS_EXPANDED}, state);
-        EXPECT_EQ(L"LTR030 SN:SECOND", ItemText(tree, second, &state));
-        EXPECT_EQ(UINT{TVIS_BOLD | TVIS_EXPANDED}, state);
+        EXPECT_EQ(UINT{TVIS_EXPANDED}, ItemState(tree, first));
+        EXPECT_EQ(UINT{TVIS_BOLD | TVIS_EXPANDED}, ItemState(tree, second));
         user.Press(VK_TAB);
         for (const WORD key : std::initializer_list<WORD>{VK_RIGHT, VK_DOWN, VK_LEFT}) {
             user.Press(key);
@@ -234,7 +219,7 @@ TEST_F(Dialogs, CrateIsChosenAmongSeveral) {
     }));
     SettingWith([&](DialogUser& user) {
         const HWND tree = user.Child(WC_TREEVIEWW, 0);
-        EXPECT_EQ(L"12. LTR27", ItemText(tree, Next(tree, TVGN_CHILD, firstRoot(tree))));
+        EXPECT_EQ(L"12. LTR27", ItemText(tree, Next(tree, TVGN_CHILD, Next(tree, TVGN_ROOT, nullptr))));
     });
 }
 
@@ -244,28 +229,19 @@ TEST_F(Dialogs, SettingsAreShownAndChanged) {
     SettingWith([](DialogUser& user) {
         const HWND tree = user.Child(WC_TREEVIEWW, 0), info = user.Child(WC_EDITW, 0);
         const HWND list = user.Child(WC_LISTBOXW, 0), combo = user.Child(WC_COMBOBOXW, 0);
-        const std::vector<std::wstring> lines = ListLines(list);
-        ASSERT_EQ(8u, lines.size());
-        EXPECT_TRUE(lines[0].starts_with(L"03_SEQ\tv")) << std::string(lines[0].begin(), lines[0].end());
-        EXPECT_EQ(L"03_Empty", lines[7]);
-        EXPECT_EQ(tree, user.Focus());
+        EXPECT_TRUE(ListLines(list).at(0).starts_with(L"03_SEQ\tv"));
         EXPECT_TRUE(TextOf(info).starts_with(L"Crate: LTR030\r\nCrate SN: FIRST")) << "the crate is described first";
         const HTREEITEM crate = Next(tree, TVGN_ROOT, nullptr);
         ClickItem(user, tree, Next(tree, TVGN_CHILD, crate));
         EXPECT_TRUE(TextOf(info).starts_with(L"Board: LTR27"));
         ClickItem(user, tree, crate);
         EXPECT_TRUE(TextOf(info).starts_with(L"Crate: LTR030"));
-        UINT state = 0;
-        user.Press(VK_LEFT);  // collapses
-        ItemText(tree, crate, &state);
-        EXPECT_EQ(UINT{TVIS_EXPANDED}, state & TVIS_EXPANDED);
-        const std::vector<HWND> stops = TabStops(user, 6);
-        EXPECT_EQ((std::vector<HWND>{tree, info, list, combo, GetDlgItem(user.Dialog(), IDOK),
-                                     GetDlgItem(user.Dialog(), IDCANCEL)}),
-                  stops);
-        // Two captions mark this letter, one a capital: the key goes on from one to the next. Keyboards may not have
-        // it.
-        const std::pair<wchar_t, HWND> marked[] = {{L'\u043C', list}, {L'\u041C', combo}};
+        user.Press(VK_LEFT);  // would collapse it
+        EXPECT_EQ(UINT{TVIS_EXPANDED}, ItemState(tree, crate) & TVIS_EXPANDED);
+        ExpectTabStops(user,
+                       {tree, info, list, combo, GetDlgItem(user.Dialog(), IDOK), GetDlgItem(user.Dialog(), IDCANCEL)});
+        // Two captions mark this letter, one a capital: the key goes from one to the next. Keyboards may not have it.
+        const std::pair<wchar_t, HWND> marked[] = {{L'м', list}, {L'М', combo}};
         for (const auto& [letter, control] : marked) {
             PostMessageW(user.Focus(), WM_SYSCHAR, letter, KF_ALTDOWN << 16);
             EXPECT_TRUE(WaitFor([&] { return user.Focus() == control; }, 2000)) << GetDlgCtrlID(user.Focus());
@@ -279,32 +255,18 @@ TEST_F(Dialogs, SettingsAreShownAndChanged) {
         user.Press(VK_RETURN);
     });
     Driver.Reset();
-    EXPECT_EQ(5u, StoredNumber(L"MarkSTARTMode"));
+    EXPECT_EQ(5u, StoredMode());
     Driver = CreateDriver();
-    SettingWith([](DialogUser& user) {
-        const HWND combo = user.Child(WC_COMBOBOXW, 0);
-        EXPECT_EQ(5, SendMessageW(combo, CB_GETCURSEL, 0, 0));
-        SendMessageW(combo, CB_SETCURSEL, 3, 0);  // tells nobody
-        user.Press(VK_ESCAPE);
-    });
-    SettingWith([](DialogUser& user) {
-        const HWND combo = user.Child(WC_COMBOBOXW, 0);
-        EXPECT_EQ(5, SendMessageW(combo, CB_GETCURSEL, 0, 0)) << "Esc changes nothing";
-        SendMessageW(combo, CB_SETCURSEL, 3, 0);
-        user.Press(VK_RETURN);
-    });
+    for (const WORD key : std::initializer_list<WORD>{VK_ESCAPE, VK_RETURN}) {
+        SettingWith([key](DialogUser& user) {
+            const HWND combo = user.Child(WC_COMBOBOXW, 0);
+            EXPECT_EQ(5, SendMessageW(combo, CB_GETCURSEL, 0, 0)) << "Esc changes nothing";
+            SendMessageW(combo, CB_SETCURSEL, 3, 0);  // tells nobody
+            user.Press(key);
+        });
+    }
     Driver.Reset();
-    EXPECT_EQ(3u, StoredNumber(L"MarkSTARTMode"));
-}
-
-// Width and height that a text takes in the control's own font.
-SIZE Extent(HWND control, const std::wstring& text) {
-    const HDC context = GetDC(control);
-    SelectObject(context, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
-    RECT taken = {};
-    DrawTextW(context, text.c_str(), -1, &taken, DT_CALCRECT);
-    ReleaseDC(control, context);
-    return {taken.right, taken.bottom};
+    EXPECT_EQ(3u, StoredMode());
 }
 
 void ExpectTextsFit(HWND control, int dpi) {
@@ -343,12 +305,16 @@ void ExpectTextsFit(HWND control, int dpi) {
         ImageList_GetIconSize(reinterpret_cast<HIMAGELIST>(ask(TVM_GETIMAGELIST, TVSIL_NORMAL)), &width, &height);
         EXPECT_EQ(std::pair(width, height), std::pair(dpi / 6, dpi / 6));
     }
+    const HDC context = GetDC(control);
+    SelectObject(context, reinterpret_cast<HGDIOBJ>(ask(WM_GETFONT)));
     for (const std::wstring& text : texts) {
-        const SIZE extent = Extent(control, text);
+        RECT taken = {};
+        DrawTextW(context, text.c_str(), -1, &taken, DT_CALCRECT);
         const LONG emptyColumns = text == L"." ? 1 : 0;
-        EXPECT_LE(extent.cx - emptyColumns, area.right) << std::string(text.begin(), text.end());
-        EXPECT_LE(extent.cy, area.bottom) << std::string(text.begin(), text.end());
+        EXPECT_TRUE(taken.right - emptyColumns <= area.right && taken.bottom <= area.bottom)
+            << std::string(text.begin(), text.end());
     }
+    ReleaseDC(control, context);
 }
 
 // As when it is moved to a monitor of that resolution.
@@ -370,21 +336,20 @@ void ExpectLayout(HWND dialog, int width, int height) {
 }
 
 TEST_F(Dialogs, AreAsLargeAsDesignedAndHoldTheirTexts) {
-    const std::pair<LCID, std::pair<const wchar_t*, const wchar_t*>> languages[] = {
-        {MAKELANGID(LANG_RUSSIAN, SUBLANG_DEFAULT), {AddressTitle, SetupTitle}},
-        {MAKELANGID(LANG_ENGLISH, SUBLANG_DEFAULT), {L"Select IP Address", L"LTR27 Setup (v3.2.1)"}}};
-    for (const auto& [language, titles] : languages) {
-        SetThreadLocale(language);
+    const std::tuple<WORD, const wchar_t*, const wchar_t*> languages[] = {
+        {LANG_RUSSIAN, AddressTitle, SetupTitle}, {LANG_ENGLISH, L"Select IP Address", L"LTR27 Setup (v3.2.1)"}};
+    for (const auto& [language, addressTitle, setupTitle] : languages) {
+        SetThreadLocale(MAKELANGID(language, SUBLANG_DEFAULT));
         std::ofstream(ListFile(), std::ios::binary) << "222.222.222.222\r\n";
         Configure(Server("222.222.222.222") + Crate("3T000001", {3}) + Crate("3T000002", {12}));
-        EXPECT_TRUE(TestWith(titles.first, [](DialogUser& user) {
+        EXPECT_TRUE(TestWith(addressTitle, [](DialogUser& user) {
             ExpectLayout(user.Dialog(), 224, 200);
             user.Press(VK_RETURN);
             ASSERT_TRUE(user.WaitFront(L"Select Device - IP: 222.222.222.222"));
             ExpectLayout(GetForegroundWindow(), 214, 225);
             user.Press(VK_RETURN);
         }));
-        SettingWith([](DialogUser& user) { ExpectLayout(user.Dialog(), 314, 298); }, titles.second);
+        SettingWith([](DialogUser& user) { ExpectLayout(user.Dialog(), 314, 298); }, setupTitle);
         Driver.Reset();
         Driver = CreateDriver();
     }

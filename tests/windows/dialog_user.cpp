@@ -67,9 +67,7 @@ std::vector<std::wstring> ListLines(HWND list) {
 DialogUser::DialogUser(std::wstring title, std::function<void(DialogUser&)> script)
     : Hook_(SetWindowsHookExW(WH_KEYBOARD, CountMarkers, nullptr, GetCurrentThreadId())),
       Thread_([this, title = std::move(title), script = std::move(script)] {
-          const bool came = WaitFront(title);
-          EXPECT_TRUE(came) << "no window '" << std::string(title.begin(), title.end()) << "'";
-          if (!came) return;
+          ASSERT_TRUE(WaitFront(title)) << "no window '" << std::string(title.begin(), title.end()) << "'";
           Dialog_ = GetForegroundWindow();
           script(*this);
           for (int i = 0; i < 3 && IsWindow(Dialog_); i++) {  // a message box may lie on it
@@ -119,12 +117,8 @@ void DialogUser::Settle() const {
     EXPECT_TRUE(WaitFor([&] { return MarkersSeen >= sent || !IsWindow(Dialog_); }, PatienceMs)) << "input is not taken";
 }
 
-void DialogUser::Press(WORD key, WORD withKey) {
-    if (withKey != 0) {
-        Send({Key(withKey, false), Key(key, false), Key(key, true), Key(withKey, true)});
-    } else {
-        Send({Key(key, false), Key(key, true)});
-    }
+void DialogUser::Press(WORD key) {
+    Send({Key(key, false), Key(key, true)});
     Settle();
 }
 

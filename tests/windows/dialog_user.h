@@ -27,7 +27,7 @@ public:
     HWND Focus() const;
 
     // What is typed has been handled when these return.
-    void Press(WORD key, WORD withKey = 0);
+    void Press(WORD key);
     void Type(const char* digits);
     void Click(HWND window, int x, int y, int times = 1);  // in its client area
     void Click(HWND window);                               // in the middle

@@ -36,14 +36,4 @@ bool DriverTest::WaitForKadrs(LONG kadrs) {
     return WaitFor([&] { return Read(Driver.Get(), &IADC3::get_InputCountKadrs) >= kadrs; }, 5000);
 }
 
-std::optional<DWORD> StoredNumber(const wchar_t* name) {
-    HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingsKey, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return std::nullopt;
-    DWORD type = 0, number = 0, size = sizeof number;
-    const LONG result = RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size);
-    RegCloseKey(key);
-    if (result != ERROR_SUCCESS || type != REG_DWORD || size != sizeof number) return std::nullopt;
-    return number;
-}
-
 }  // namespace corvane::test

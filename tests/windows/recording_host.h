@@ -2,7 +2,6 @@
 // kadrs.
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "simulator/control.h"
@@ -30,9 +29,5 @@ protected:
     Apartment Apartment_;
     ComPtr<IADC3> Driver;
 };
-
-// The settings of the component's user, and a 32-bit number among them.
-constexpr wchar_t SettingsKey[] = L"Software\\Vrex\\ADC\\L-Card\\LTR27";
-std::optional<DWORD> StoredNumber(const wchar_t* name);
 
 }  // namespace corvane::test

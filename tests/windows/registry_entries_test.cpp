@@ -59,20 +59,9 @@ Snapshot Difference(const Snapshot& of, const Snapshot& without) {
     return lines;
 }
 
-std::string Narrow(const std::wstring& text) {
-    return {text.begin(), text.end()};
-}
-
 Snapshot ValuesOf(Snapshot lines) {
     std::erase_if(lines, [](const std::wstring& line) { return line.find(L'|') == std::wstring::npos; });
     return lines;
-}
-
-std::wstring ValueOf(const std::wstring& key) {
-    wchar_t value[MAX_PATH] = {};
-    LONG bytes = sizeof value;
-    RegQueryValueW(HKEY_LOCAL_MACHINE, key.c_str(), value, &bytes);
-    return value;
 }
 
 DWORD RegSvr32(const std::wstring& options, const std::wstring& file) {
@@ -182,7 +171,7 @@ TEST_F(RegistryEntries, AreTakenBackWhenOneFails) {
     RegSetValueExW(passing, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(L"old"), 8);
     RegCloseKey(passing);
     EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE), LoadedComponent().Call("DllRegisterServer"));
-    EXPECT_EQ(L"old", ValueOf(key));
+    EXPECT_TRUE(TakeSnapshot().contains(Small(std::wstring(key).replace(0, 8, L"HKLM") + L"||old")));
     RegDeleteKeyW(HKEY_LOCAL_MACHINE, key);
 }
 
@@ -204,25 +193,23 @@ TEST_F(RegistryEntries, AreTheUsersOwnWhereOnlyHeMayWrite) {
     SHDeleteKeyA(HKEY_CURRENT_USER, path.c_str());
     EXPECT_EQ(S_OK, registered);
     EXPECT_EQ(S_OK, unregistered);
-    for (std::wstring value : ExpectedValues(ComponentPath())) {
-        EXPECT_TRUE(own.contains(value.replace(0, 4, L"hkcu\\software"))) << Narrow(value);
-    }
+    Snapshot expected;
+    for (std::wstring value : ExpectedValues(ComponentPath())) expected.insert(value.replace(0, 4, L"hkcu\\software"));
+    EXPECT_EQ(Snapshot(), Difference(expected, own));
 }
 
-// Key and value of a registration beside ours, below Software\Classes.
-struct HostEntry {
-    std::wstring Key;
-    const wchar_t* Name;
-    std::wstring Text;
-};
+// Key, value's name and text of a registration beside ours, below Software\Classes.
+using HostEntry = std::tuple<std::wstring, const wchar_t*, std::wstring>;
 
 const std::wstring HostLibraryKey = L"TypeLib\\{97B526A7-3B46-11D7-B688-FDAEA8668E28}";
 const std::wstring HostInterfaceKey = L"Interface\\{97B526A8-3B46-11D7-B688-FDAEA8668E28}";
+const std::wstring OtherId = L"{11111111-2222-3333-4444-555555555555}";
 
-void Write(HKEY root, const HostEntry& entry) {
-    const std::wstring key = L"Software\\Classes\\" + entry.Key;
-    SHSetValueW(root, key.c_str(), entry.Name, REG_SZ, entry.Text.c_str(),
-                static_cast<DWORD>(entry.Text.size() * 2 + 2));
+void Write(HKEY root, const std::vector<HostEntry>& entries) {
+    for (const auto& [key, name, text] : entries) {
+        SHSetValueW(root, (L"Software\\Classes\\" + key).c_str(), name, REG_SZ, text.c_str(),
+                    static_cast<DWORD>(text.size() * 2 + 2));
+    }
 }
 
 // What stands in these two keys of the host's.
@@ -238,69 +225,62 @@ Snapshot HostSnapshot(HKEY root) {
 }
 
 void DeleteHost(HKEY root) {
-    for (const std::wstring& key : {HostLibraryKey, HostInterfaceKey}) {
+    for (const std::wstring& key : {HostLibraryKey, HostInterfaceKey, L"TypeLib\\" + OtherId}) {
         SHDeleteKeyW(root, (L"Software\\Classes\\" + key).c_str());
     }
     RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Classes\\TypeLib");  // stays unless it is empty
 }
 
 TEST_F(RegistryEntries, OfTheHostStay) {
-    const std::wstring ourFile = HostLibraryKey + L"\\1.0\\0\\win32", file = L"C:\\host\\ADCInterface3.tlb",
-                       other = L"{11111111-2222-3333-4444-555555555555}";
-    const std::tuple<const char*, HKEY, std::vector<HostEntry>> cases[] = {
-        {"the same place", HKEY_LOCAL_MACHINE, {{ourFile, nullptr, file}, {HostInterfaceKey, nullptr, L"the host's"}}},
-        {"another language", HKEY_LOCAL_MACHINE, {{HostLibraryKey + L"\\1.0\\409\\win32", nullptr, file}}},
-        {"another version",
-         HKEY_LOCAL_MACHINE,
-         {{HostLibraryKey + L"\\1.1\\0\\win32", nullptr, file}, {HostInterfaceKey + L"\\TypeLib", L"Version", L"1.1"}}},
-        {"64 bits", HKEY_LOCAL_MACHINE, {{HostLibraryKey + L"\\1.0\\0\\win64", nullptr, file}}},
-        {"a proxy of its own", HKEY_LOCAL_MACHINE, {{HostInterfaceKey + L"\\ProxyStubClsid32", nullptr, other}}},
+    const std::wstring ourFile = HostLibraryKey + L"\\1.0\\0\\win32", file = L"C:\\host\\ADCInterface3.tlb";
+    const std::wstring typeLib = HostInterfaceKey + L"\\TypeLib";
+    const std::wstring moved = L"Z:\\Moved\\Corvane.adc\\2", ours = Small(ourFile + L"||" + ComponentPath() + L"\\2");
+    const std::pair<std::string, std::vector<HostEntry>> cases[] = {
+        {"the same place", {{ourFile, nullptr, file}, {HostInterfaceKey, nullptr, L"the host's"}}},
+        {"another language", {{HostLibraryKey + L"\\1.0\\409\\win32", nullptr, file}}},
+        {"another version", {{HostLibraryKey + L"\\1.1\\0\\win32", nullptr, file}, {typeLib, L"Version", L"1.1"}}},
+        {"64 bits", {{HostLibraryKey + L"\\1.0\\0\\win64", nullptr, file}}},
+        {"a proxy of its own", {{HostInterfaceKey + L"\\ProxyStubClsid32", nullptr, OtherId}}},
         {"another library",
-         HKEY_LOCAL_MACHINE,
-         {{L"TypeLib\\" + other + L"\\2.0\\0\\win32", nullptr, file},
-          {HostInterfaceKey + L"\\TypeLib", nullptr, other},
-          {HostInterfaceKey + L"\\TypeLib", L"Version", L"2.0"}}},
-        {"one user", HKEY_CURRENT_USER, {{HostLibraryKey + L"\\1.0\\409\\win32", nullptr, file}}},
+         {{L"TypeLib\\" + OtherId + L"\\2.0\\0\\win32", nullptr, file},
+          {typeLib, nullptr, OtherId},
+          {typeLib, L"Version", L"2.0"}}},
+        {"one user", {{HostLibraryKey + L"\\1.0\\409\\win32", nullptr, file}}},
     };
-    for (const auto& [name, root, entries] : cases) {
+    for (const auto& [name, entries] : cases) {
+        const HKEY root = name == "one user" ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
         for (const bool hostFirst : {true, false}) {
-            SCOPED_TRACE(std::string(name) + (hostFirst ? ", before us" : ", after us"));
+            SCOPED_TRACE(name + (hostFirst ? ", before us" : ", after us"));
             if (!hostFirst) {
                 ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer"));
-                Write(HKEY_LOCAL_MACHINE, {ourFile, nullptr, L"Z:\\Moved\\Corvane.adc\\2"});
+                Write(HKEY_LOCAL_MACHINE, {{ourFile, nullptr, moved}});
             }
-            for (const HostEntry& entry : entries) Write(root, entry);
+            Write(root, entries);
             Snapshot host = HostSnapshot(root);
             ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer"));
-            if (host.erase(Small(ourFile + L"||Z:\\Moved\\Corvane.adc\\2")) == 1) {
-                host.insert(Small(ourFile + L"||" + ComponentPath() + L"\\2"));
-            }
+            if (host.erase(Small(ourFile + L"||" + moved)) == 1) host.insert(ours);
             EXPECT_EQ(host, HostSnapshot(root)) << "our own path is renewed, and nothing else";
             ASSERT_EQ(S_OK, LoadedComponent().Call("DllUnregisterServer"));
             const Snapshot left = HostSnapshot(root), lost = Difference(host, left);
             EXPECT_EQ(Snapshot(), Difference(left, host));
-            if (hostFirst) {
-                EXPECT_EQ(Snapshot(), lost);
-            }
+            EXPECT_TRUE(!hostFirst || lost.empty());
             // Our file goes, with the keys that are empty then; with no file of the host's in the version, all of that.
-            const bool shared = entries[0].Key.starts_with(HostLibraryKey + L"\\1.0");
-            const std::wstring ours = Small(HostLibraryKey + (shared ? L"\\1.0\\0" : L""));
-            for (const std::wstring& line : lost) EXPECT_TRUE(line.starts_with(ours)) << Narrow(line);
-            EXPECT_FALSE(left.contains(Small(ourFile + L"||" + ComponentPath() + L"\\2")));
+            const bool shared = std::get<0>(entries[0]).starts_with(HostLibraryKey + L"\\1.0");
+            const std::wstring mayGo = Small(HostLibraryKey + (shared ? L"\\1.0\\0" : L""));
+            for (const std::wstring& line : lost) EXPECT_EQ(mayGo, line.substr(0, mayGo.size()));
+            EXPECT_FALSE(left.contains(ours));
             DeleteHost(root);
-            SHDeleteKeyW(root, (L"Software\\Classes\\TypeLib\\" + other).c_str());
         }
     }
 }
 
 // What an unfinished registration or removal has left is nobody's.
 TEST_F(RegistryEntries, HalfRegistrationsAreRepaired) {
-    const std::wstring other = L"{11111111-2222-3333-4444-555555555555}";
     const std::vector<HostEntry> cases[] = {
         {{HostInterfaceKey, nullptr, L"IADC3"}},
         {{HostInterfaceKey + L"\\TypeLib", nullptr, L"{97B526A7-3B46-11D7-B688-FDAEA8668E28}"},
          {HostInterfaceKey + L"\\TypeLib", L"Version", L"1.7"}},
-        {{HostInterfaceKey + L"\\TypeLib", nullptr, other}},
+        {{HostInterfaceKey + L"\\TypeLib", nullptr, OtherId}},
         {{HostInterfaceKey + L"\\TypeLib", nullptr, L"{B4598549-F4AF-4583-853E-DCB91FC0CDFD}"}},  // our own other
         {{HostLibraryKey + L"\\1.0\\FLAGS", nullptr, L"0"}, {HostLibraryKey + L"\\1.0\\0\\win32", nullptr, L""}},
         {{HostLibraryKey + L"\\1.0\\0\\win32", nullptr, L"Z:\\gone\\Corvane.adc\\2"}},
@@ -313,7 +293,7 @@ TEST_F(RegistryEntries, HalfRegistrationsAreRepaired) {
         }
     }
     for (const std::vector<HostEntry>& entries : cases) {
-        for (const HostEntry& entry : entries) Write(HKEY_LOCAL_MACHINE, entry);
+        Write(HKEY_LOCAL_MACHINE, entries);
         ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer"));
         EXPECT_EQ(expected, ValuesOf(HostSnapshot(HKEY_LOCAL_MACHINE)));
         ASSERT_EQ(S_OK, LoadedComponent().Call("DllUnregisterServer"));

@@ -1,5 +1,4 @@
 // What the component's file carries besides code: version record, texts, identifiers, icons. And what it needs.
-#include <array>
 #include <cstdlib>
 #include <map>
 
@@ -30,10 +29,9 @@ TEST_F(Resources, VersionRecordDescribesTheFile) {
     UINT size = 0;
     ASSERT_TRUE(VerQueryValueW(record.data(), L"\\", &value, &size));
     const auto* numbers = static_cast<VS_FIXEDFILEINFO*>(value);
-    const std::array<DWORD, 6> expected = {0x00030002, 1, 0x00030002, 1, VOS__WINDOWS32, VFT_DLL};
-    EXPECT_EQ(expected,
-              (std::array<DWORD, 6>{numbers->dwFileVersionMS, numbers->dwFileVersionLS, numbers->dwProductVersionMS,
-                                    numbers->dwProductVersionLS, numbers->dwFileOS, numbers->dwFileType}));
+    const auto* first = &numbers->dwFileVersionMS;  // then come the masks of its flags, and what it is for
+    EXPECT_EQ((std::vector<DWORD>{0x00030002, 1, 0x00030002, 1}), std::vector<DWORD>(first, first + 4));
+    EXPECT_TRUE(numbers->dwFileOS == VOS__WINDOWS32 && numbers->dwFileType == VFT_DLL);
     ASSERT_TRUE(VerQueryValueW(record.data(), L"\\VarFileInfo\\Translation", &value, &size));
     EXPECT_EQ(4u, size);
     EXPECT_EQ(1200u << 16 | 0x409, *static_cast<DWORD*>(value));
