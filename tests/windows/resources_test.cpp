@@ -92,27 +92,25 @@ TEST_F(Resources, IconsComeInBothSizes) {
 // Functions that Windows XP has, by library. A new one goes here when XP is known to have it.
 const std::map<std::string, std::string> OfWindowsXP = {
     {"ADVAPI32.dll",
-     " RegCloseKey RegCreateKeyExA RegCreateKeyExW RegDeleteKeyA RegDeleteKeyW RegDeleteValueA RegEnumKeyExA "
-     "RegEnumValueA RegOpenKeyExA RegOpenKeyExW RegQueryInfoKeyA RegQueryInfoKeyW RegQueryValueExA RegSetValueExA "
-     "RegSetValueExW "},
+     " GetFileSecurityW RegCloseKey RegCreateKeyExA RegCreateKeyExW RegDeleteKeyA RegDeleteKeyW RegDeleteValueA "
+     "RegEnumKeyExA RegEnumKeyW RegEnumValueA RegOpenKeyExA RegOpenKeyExW RegQueryInfoKeyA RegQueryInfoKeyW "
+     "RegQueryValueExA RegQueryValueExW RegSetValueExA RegSetValueExW "},
     {"COMCTL32.DLL", " ImageList_Create ImageList_Destroy ImageList_ReplaceIcon InitCommonControlsEx "},
-    {"GDI32.dll",
-     " CreateFontIndirectW DeleteObject GetDeviceCaps GetTextExtentPoint32W GetTextMetricsW SelectObject "},
+    {"GDI32.dll", " CreateFontW DeleteObject GetDeviceCaps GetTextExtentPoint32W GetTextMetricsW SelectObject "},
     {"KERNEL32.dll",
      " ActivateActCtx AddVectoredExceptionHandler CloseHandle CreateActCtxW CreateEventA CreateFileW "
      "CreateSemaphoreA CreateThread DeactivateActCtx DeleteCriticalSection DeleteFileW DuplicateHandle "
-     "EnterCriticalSection FindClose FindFirstFileW FindNextFileW FindResourceW FlushFileBuffers FormatMessageA "
-     "FreeLibrary GetCurrentProcess GetCurrentProcessId GetCurrentThread GetCurrentThreadId GetFileAttributesW "
-     "GetHandleInformation GetLastError GetLocaleInfoW GetModuleFileNameW GetModuleHandleA GetModuleHandleExW "
-     "GetModuleHandleW GetProcAddress GetProcessAffinityMask GetSystemTimeAsFileTime GetThreadContext "
-     "GetThreadPriority GetTickCount InitializeCriticalSection IsDBCSLeadByteEx IsDebuggerPresent "
-     "LeaveCriticalSection LoadLibraryA LoadLibraryW LoadResource LockResource lstrcmpW MoveFileExW MulDiv "
+     "EnterCriticalSection FindClose FindFirstFileW FindNextFileW FlushFileBuffers FormatMessageA FreeLibrary "
+     "FreeLibraryAndExitThread GetCurrentProcess GetCurrentProcessId GetCurrentThread GetCurrentThreadId "
+     "GetFileAttributesW GetHandleInformation GetLastError GetLocaleInfoW GetModuleFileNameW GetModuleHandleA "
+     "GetModuleHandleExW GetModuleHandleW GetProcAddress GetProcessAffinityMask GetSystemTimeAsFileTime "
+     "GetThreadContext GetThreadPriority GetTickCount InitializeCriticalSection IsDBCSLeadByteEx "
+     "IsDebuggerPresent LeaveCriticalSection LoadLibraryA LoadLibraryW lstrcmpiW lstrcmpW MoveFileExW MulDiv "
      "MultiByteToWideChar OpenProcess OutputDebugStringA QueryPerformanceCounter QueryPerformanceFrequency "
-     "RaiseException ReadFile ReleaseActCtx ReleaseSemaphore "
-     "RemoveVectoredExceptionHandler ResetEvent ResumeThread SetEvent SetLastError SetProcessAffinityMask "
-     "SetThreadContext SetThreadPriority SizeofResource Sleep SuspendThread TlsFree TlsGetValue TlsSetValue "
-     "TryEnterCriticalSection VirtualProtect VirtualQuery WaitForMultipleObjects WaitForSingleObject "
-     "WideCharToMultiByte WriteFile "},
+     "RaiseException ReadFile ReleaseActCtx ReleaseSemaphore RemoveVectoredExceptionHandler ResetEvent "
+     "ResumeThread SetEndOfFile SetEvent SetLastError SetProcessAffinityMask SetThreadContext SetThreadPriority "
+     "Sleep SuspendThread TlsFree TlsGetValue TlsSetValue TryEnterCriticalSection VirtualProtect VirtualQuery "
+     "WaitForMultipleObjects WaitForSingleObject WideCharToMultiByte WriteFile "},
     {"msvcrt.dll",
      " __mb_cur_max _aligned_free _aligned_malloc _amsg_exit _assert _beginthreadex _close _endthreadex _errno "
      "_initterm _iob _lock _read _setjmp3 _strdup _ultoa _unlock abort atoi calloc exit fprintf fputc fputs "
@@ -123,7 +121,7 @@ const std::map<std::string, std::string> OfWindowsXP = {
      " DispGetIDsOfNames DispInvoke LoadTypeLibEx SafeArrayAccessData SafeArrayCreate SafeArrayDestroy "
      "SafeArrayGetDim SafeArrayGetElement SafeArrayGetElemsize SafeArrayGetVartype SafeArrayUnaccessData "
      "SysAllocStringLen SysStringLen VariantChangeType VariantClear VariantCopyInd VariantInit "},
-    {"SHLWAPI.dll", " SHDeleteKeyW SHDeleteValueW SHGetValueW StrCmpIW "},
+    {"SHLWAPI.dll", " SHDeleteKeyW SHDeleteValueW StrCmpIW "},
     {"USER32.dll",
      " CallWindowProcW CreateWindowExW DestroyIcon DialogBoxIndirectParamW DispatchMessageW EnableWindow "
      "EndDialog EnumThreadWindows GetActiveWindow GetClientRect GetCursorPos GetDC GetDlgCtrlID GetDlgItem "
@@ -132,7 +130,7 @@ const std::map<std::string, std::string> OfWindowsXP = {
      "GetWindowTextW GetWindowThreadProcessId InvalidateRect IsIconic IsWindowEnabled IsWindowVisible LoadCursorW "
      "LoadImageW LoadStringW MessageBoxW MonitorFromPoint MonitorFromWindow MoveWindow PeekMessageW PostMessageW "
      "ReleaseDC SendMessageW SetCursor SetDlgItemTextW SetFocus SetForegroundWindow SetWindowLongW SetWindowPos "
-     "SetWindowTextW SystemParametersInfoW "},
+     "SetWindowTextW "},
 };
 
 // With a function that it can't find, the loader refuses the whole file.
