@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "bench/comparison.h"
 #include "base/rounding.h"
+#include "bench/comparison.h"
 
 namespace corvane::bench {
 
