@@ -42,6 +42,8 @@ private:
         ShowList();
     }
 
+    void Placed() override { Address_.Placed(Window()); }
+
     void Command(int id, int code) override {
         if (Address_.Owns(id)) return Address_.Command(id, code);
         if (id == lstIP && code == LBN_SELCHANGE) {

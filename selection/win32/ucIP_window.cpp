@@ -68,6 +68,12 @@ void ucIPWindow::Attach(HWND dialog) {
     }
 }
 
+void ucIPWindow::Placed(HWND dialog) const {
+    for (int i = 0; i < Boxes; i++) {
+        SendMessageW(GetDlgItem(dialog, FirstId_ + BoxId + i), EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, 0);
+    }
+}
+
 HWND ucIPWindow::Box(int index) const {
     return GetDlgItem(Dialog_, FirstId_ + BoxId + index);
 }

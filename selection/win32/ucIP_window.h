@@ -28,7 +28,9 @@ public:
                      const std::string& name) const;
 
     void Attach(HWND dialog);  // once they are made
-    void Show();               // all of the control, after the dialog has changed it
+    // After the controls have been placed, each with its font: three digits have no pixel to spare for margins.
+    void Placed(HWND dialog) const;
+    void Show();  // all of the control, after the dialog has changed it
     void Focus(int box);
     bool Owns(int id) const { return id >= FirstId_ && id < FirstId_ + IdCount; }
     // For the dialog's WM_COMMAND with an identifier of this control.
