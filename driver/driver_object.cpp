@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
+#include "base/dotted_address.h"
 #include "driver/driver_state.h"
 #include "driver/lifecycle.h"
 #include "engine/device.h"
 #include "engine/rate.h"
 #include "engine/recording.h"
 #include "engine/single_reading.h"
+#include "selection/address_file.h"
 #include "settings/dlgSetup.h"
 
 namespace corvane {
@@ -195,7 +197,60 @@ std::string DriverObject::LastError() const {
 
 bool DriverObject::ShowSetting() {
     const ReentryGuard guard(State_.InDialog);
-    return guard.Entered() && corvane::ShowSetting(State_.Device, State_.Engine, State_.Crate, State_.HelpFile);
+    return guard.Entered() && State_.Search.Interactive &&
+           corvane::ShowSetting(State_.Device, State_.Engine, State_.Crate, State_.HelpFile);
+}
+
+bool DriverObject::Interactive() const {
+    return State_.Search.Interactive;
+}
+
+void DriverObject::SetInteractive(bool interactive) {
+    State_.Search.Interactive = interactive;
+}
+
+std::string DriverObject::Server() const {
+    return State_.Search.Server != 0 ? DottedText(State_.Search.Server) : std::string();
+}
+
+bool DriverObject::SetServer(const std::string& address) {
+    const uint32_t server = std::ranges::count(address, '.') == 3 ? ParseIP(address) : 0;
+    if (server == 0 && !address.empty()) return false;
+    State_.Search.Server = server;
+    return true;
+}
+
+std::string DriverObject::CrateSerial() const {
+    return State_.Search.CrateSerial;
+}
+
+void DriverObject::SetCrateSerial(const std::string& serial) {
+    State_.Search.CrateSerial = serial;
+}
+
+std::string DriverObject::CrateInfo() const {
+    return State_.Detected ? State_.Crate.Info : std::string();
+}
+
+int16_t DriverObject::ModulesCount() const {
+    return State_.Detected ? State_.Engine.OpenedCount : int16_t{0};
+}
+
+std::string DriverObject::ModuleInfo(int16_t index) const {
+    if (index < 0 || index >= ModulesCount()) return {};
+    return State_.Engine.Modules[static_cast<size_t>(index)].Info;
+}
+
+int64_t DriverObject::KadrsRecorded() const {
+    return State_.Input.Ring.KadrsRecorded();
+}
+
+int64_t DriverObject::KadrsRead() const {
+    return State_.Input.Ring.KadrsRead();
+}
+
+std::vector<Gap> DriverObject::Gaps() const {
+    return State_.Input.Gaps.Gaps();
 }
 
 }  // namespace corvane

@@ -1,13 +1,15 @@
-// What the host sees of the driver, in C++ types: the members of IADC3 in slot order. An object holds nothing of its
-// own; all objects of one host thread share that thread's state, which the first makes and the last closes. Call every
-// member on the thread that made the object. Texts are UTF-8. Members report failure through results and LastError;
-// only running out of memory is thrown (std::bad_alloc).
+// What the host sees of the driver, in C++ types: the members of IADC3 in slot order, then those of ICorvaneStatus. An
+// object holds nothing of its own; all objects of one host thread share that thread's state, which the first makes and
+// the last closes. Call every member on the thread that made the object. Texts are UTF-8. Members report failure
+// through results and LastError; only running out of memory is thrown (std::bad_alloc).
 #pragma once
 
 #include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
+
+#include "driver/model/gap.h"
 
 namespace corvane {
 
@@ -66,6 +68,20 @@ public:
     int32_t GetData(int16_t* data, int32_t& count, int32_t& remaining);
     std::string LastError() const;
     bool ShowSetting();
+
+    // For careful hosts. The three choices are meant for before Test, and are those of all objects on the thread.
+    bool Interactive() const;
+    void SetInteractive(bool interactive);  // false: no member shows a window; a user who is not asked has cancelled
+    std::string Server() const;             // dotted address, or empty
+    bool SetServer(const std::string& address);  // empty: the usual search. False, with nothing done: no address
+    std::string CrateSerial() const;
+    void SetCrateSerial(const std::string& serial);  // empty: the only crate, or the user's choice
+    std::string CrateInfo() const;                   // empty: none is open
+    int16_t ModulesCount() const;                    // opened modules
+    std::string ModuleInfo(int16_t index) const;     // empty: there is no such module
+    int64_t KadrsRecorded() const;                   // since the last start of a recording
+    int64_t KadrsRead() const;                       // of these; the number of the next kadr that the host gets
+    std::vector<Gap> Gaps() const;                   // of the last recording, up to its newest kadr
 
 private:
     DriverState& State_;

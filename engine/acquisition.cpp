@@ -35,11 +35,13 @@ private:
     void DropWords(int32_t& words, int32_t count);
     int32_t FindStartMark(int32_t words) const;
     void CompleteBlock(ModuleRecord& module, int32_t words);
+    void ListGaps();
     void PauseUntilDue();
 
     EngineState& Engine_;
     DataRing& Ring_;
     const StorePlan Plan_;
+    int64_t Stored_ = 0;                    // kadrs
     uint32_t Due_ = platform::TickCount();  // ms; when the last block was there, or should have been
 };
 
@@ -51,8 +53,10 @@ void Acquisition::Run() {
         WaitStartMark();
     }
     while (Busy()) {
+        ListGaps();
         StoreBlock(Plan_, Engine_.BlockKadrs, Ring_.BlockToWrite());
         Ring_.Commit(Engine_.BlockKadrs);
+        Stored_ += Engine_.BlockKadrs;
         WaitForRoom();
         if (Busy()) ReceiveBlock();
     }
@@ -116,7 +120,8 @@ void Acquisition::ReceiveBlock() {
     bool delivered = false;
     for (ModuleRecord& module : Engine_.UsedModules()) {
         if (!module.Used) continue;
-        module.Received = 0;
+        module.Received = module.Measured = 0;
+        module.Missing = GapReason::NothingCame;
         const int32_t words = ReceiveWholeKadrs(module, false);
         if (words > 0) {
             CompleteBlock(module, words);
@@ -183,11 +188,24 @@ void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
     auto size = static_cast<uint32_t>(words);
     if (!Engine_.ModuleApi.ProcessData(module.Handle, Engine_.ReceiveBuffer.data(), module.Block.data(), size,
                                        Calibrate, KeepCodes)) {
+        module.Missing = GapReason::NotProcessed;
         return;
     }
-    const size_t values = std::min<size_t>(size, module.Block.size());
+    const auto values = static_cast<size_t>(std::clamp(static_cast<int32_t>(size), 0, words));
     std::fill(module.Block.begin() + static_cast<ptrdiff_t>(values), module.Block.end(), double(MidScale));
     module.Received = Engine_.BlockWords;
+    module.Measured = static_cast<int32_t>(values / ModuleChannels);
+    module.Missing = GapReason::CutShort;
+}
+
+// Before the block becomes visible, so that no filled-in kadr can be read that isn't listed.
+void Acquisition::ListGaps() {
+    for (const ModuleRecord& module : Engine_.UsedModules()) {
+        if (!module.Used || module.Measured >= Engine_.BlockKadrs) continue;
+        const auto index = static_cast<int32_t>(&module - Engine_.Modules.data());
+        Engine_.Target->Gaps.Add(
+            {index, Stored_ + module.Measured, Engine_.BlockKadrs - module.Measured, module.Missing});
+    }
 }
 
 }  // namespace

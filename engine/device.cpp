@@ -1,5 +1,6 @@
 #include "engine/device.h"
 
+#include <algorithm>
 #include <cstring>
 #include <exception>
 #include <new>
@@ -74,14 +75,34 @@ bool OpenModule(TLTR27API& api, ModuleRecord& module, const CrateListEntry& crat
     return true;
 }
 
-// Index of the crate to open, or -1.
-int ChooseCrate(const CrateSearch& search) {
-    if (search.CrateListCount < 1) return -1;
-    return search.CrateListCount == 1 ? 0 : SelectDevice(search);
+// The serials of the crates that were found, as a user reads them.
+std::string FoundSerials(const CrateSearch& search) {
+    std::string serials;
+    for (const CrateListEntry& crate : search.CrateList) {
+        serials += (serials.empty() ? "\"" : ", \"") + crate.Serial + "\"";
+    }
+    return serials;
+}
+
+// Index of the crate to open, or -1. A user who closes the dialog knows why there is none; where nobody is asked,
+// lastError says it.
+int ChooseCrate(const CrateSearch& search, std::string& lastError) {
+    if (!search.CrateSerial.empty()) {
+        const auto named = [&](const CrateListEntry& crate) { return crate.Serial == search.CrateSerial; };
+        const auto crate = std::ranges::find_if(search.CrateList, named);
+        if (crate != search.CrateList.end()) return static_cast<int>(crate - search.CrateList.begin());
+        const std::string found = search.CrateList.empty() ? "None was found." : "Found: " + FoundSerials(search) + ".";
+        lastError = "There is no crate with the serial number \"" + search.CrateSerial + "\". " + found;
+        return -1;
+    }
+    if (search.CrateListCount < 2) return search.CrateListCount - 1;
+    if (search.Interactive) return SelectDevice(search);
+    lastError = "Several crates were found; one has to be chosen by its serial number: " + FoundSerials(search) + ".";
+    return -1;
 }
 
 bool OpenSelectedCrate(const CrateSearch& search, DeviceInfo& device, EngineState& engine, CrateInfo& crate) {
-    const int choice = ChooseCrate(search);
+    const int choice = ChooseCrate(search, device.LastError);
     if (choice < 0 || choice >= search.CrateListCount) return false;
     const CrateListEntry& chosen = search.CrateList[static_cast<size_t>(choice)];
     const platform::BusyPointer busyPointer;
@@ -109,7 +130,7 @@ bool OpenSelectedCrate(const CrateSearch& search, DeviceInfo& device, EngineStat
 // that has run out stays an exception.
 bool OpenFoundCrate(DeviceInfo& device, EngineState& engine, CrateInfo& crate, CrateSearch& search) {
     try {
-        return FindCrates(search, device.ADCName, device.ADCName, device.LastError) >= 1 &&
+        return FindCrates(search, device.ADCName, device.ADCName, device.LastError) >= 0 &&
                OpenSelectedCrate(search, device, engine, crate);
     } catch (const std::bad_alloc&) {
         throw;

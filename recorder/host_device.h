@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "driver/model/gap.h"
+
 namespace corvane::recorder {
 
 class HostDevice {
@@ -45,6 +47,17 @@ public:
     std::string LastError() const;
     static bool HasDialogs();  // whether the driver can show any in this form
     void ShowSetting();        // the setup dialog, until the user has closed it
+
+    void SetInteractive(bool interactive);           // false: no member shows a window, or asks anybody
+    bool SetServer(const std::string& address);      // for the next Test; empty: the usual search; false: no address
+    void SetCrateSerial(const std::string& serial);  // for the next Test; empty: the only crate, or the user's choice
+    std::string CrateInfo() const;                   // the opened crate, described in lines; empty: none
+    int16_t ModulesCount() const;                    // opened modules, 0 to 2
+    std::string ModuleInfo(int16_t index) const;     // an opened module, described in lines
+    int64_t KadrsRecorded() const;                   // since the last StartRecord
+    int64_t KadrsRead() const;                       // of these; the number of the first kadr that GetData gives next
+    // All kadrs since the last StartRecord that were not measured; of each kadr that can be read, it is known here.
+    std::vector<Gap> Gaps() const;
 
 private:
     struct Driver;

@@ -29,8 +29,8 @@ std::vector<ModuleListEntry> MatchingModules(const TLTRAPI& crates, int32_t inde
 
 int16_t FindCrates(CrateSearch& search, const std::string& moduleFilter, const std::string& adcName,
                    std::string& lastError) {
-    int16_t count = EnumerateCrates(search, ThisMachine, moduleFilter);
-    if (count < 1) {
+    int16_t count = EnumerateCrates(search, search.Server != 0 ? search.Server : ThisMachine, moduleFilter);
+    if (count < 1 && search.Interactive) {
         const uint32_t chosen = SelectIP(adcName);
         if (chosen != 0) count = EnumerateCrates(search, chosen, moduleFilter);
     }

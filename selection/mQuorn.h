@@ -8,9 +8,10 @@
 
 namespace corvane {
 
-// Searches the LTR server of this machine, and when that gives nothing a server that the user picks, for crates with
-// modules whose type name matches the pattern (empty: any module). Fills CrateList. Number of crates, or -1 with a
-// message in lastError when the server can't be asked. adcName: the device's name, as the user knows it.
+// Searches the LTR server that the search names, and when that gives nothing a server that the user picks, if he may be
+// asked, for crates with modules whose type name matches the pattern (empty: any module). Fills CrateList. Number of
+// crates, or -1 with a message in lastError when the server can't be asked. adcName: the device's name, as the user
+// knows it.
 int16_t FindCrates(CrateSearch& search, const std::string& moduleFilter, const std::string& adcName,
                    std::string& lastError);
 

@@ -28,6 +28,7 @@ bool DataRing::ResetInputBuffer(int32_t channels, int32_t kadrs) {
     }
     ReadIndex_ = WriteIndex_ = 0;
     Written_ = Read_ = 0;
+    KadrsRead_ = 0;
     return true;
 }
 
@@ -49,6 +50,7 @@ int32_t DataRing::Read(int16_t* destination, int32_t kadrs) {
     }
     ReadIndex_ += wanted;
     if (ReadIndex_ >= Length_) ReadIndex_ -= Length_;
+    KadrsRead_ += wanted;
     const uint32_t read = Read_.load(std::memory_order_relaxed);
     Read_.store(read + static_cast<uint32_t>(wanted), std::memory_order_release);
     return wanted;

@@ -36,6 +36,9 @@ public:
         return static_cast<int32_t>(Written_.load(std::memory_order_acquire) - Read_.load(std::memory_order_acquire));
     }
     int32_t Read(int16_t* destination, int32_t kadrs);
+    // Since the last ResetInputBuffer; these don't wrap, however long a recording runs.
+    int64_t KadrsRead() const { return KadrsRead_; }
+    int64_t KadrsRecorded() const { return KadrsRead_ + CountUnreadKadrs(); }
 
 private:
     struct Free {
@@ -52,6 +55,7 @@ private:
     int32_t WriteIndex_ = 0;                         // 0-based, the writer's alone
     alignas(64) std::atomic<uint32_t> Read_ = 0;     // kadrs; only the reader stores
     int32_t ReadIndex_ = 0;                          // 0-based, the reader's alone
+    int64_t KadrsRead_ = 0;                          // the reader's alone
 };
 
 }  // namespace corvane

@@ -41,7 +41,9 @@ bool PrepareInputBuffer(InputState& input, int32_t blockKadrs) {
     const int64_t wanted = SetInputSize(input, false, 0);
     TellSize(input, (wanted + blockKadrs - 1) / blockKadrs * blockKadrs);
     std::vector<int16_t> table = input.ChTable;
+    input.Gaps.Reserve();
     if (!input.Ring.ResetInputBuffer(input.InputCountChannels(), input.InputSizeKadrs)) return false;
+    input.Gaps.Clear();
     input.RecordedTable = std::move(table);
     return true;
 }

@@ -1,5 +1,5 @@
 // The host's choice of channels, rate and ring size, and the ring itself. The host's thread owns all of it; the
-// recording thread touches only Ring, through the writer's side.
+// recording thread touches only Ring, through the writer's side, and Gaps.
 //
 // Kadrs keep the shape they were recorded in. When the host selects other channels while kadrs are unread, these still
 // come out with the recorded channels, and the counts and the channel numbers given with them are the recorded ones;
@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "driver/model/data_ring.h"
+#include "driver/model/gap_list.h"
 
 namespace corvane {
 
@@ -26,6 +27,7 @@ struct InputState {
     int32_t InputSizeData = 0;   // ring size in samples, as told to the host
     int32_t InputSizeKadrs = 0;  // ring size in kadrs, as told to the host
     DataRing Ring;
+    GapList Gaps;                        // of the recording in the ring
     std::vector<int16_t> RecordedTable;  // channels of the kadrs in the ring
 
     int16_t InputCountChannels() const { return static_cast<int16_t>(ChTable.size()); }

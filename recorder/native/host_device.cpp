@@ -92,4 +92,32 @@ void HostDevice::ShowSetting() {
     Driver_->Object.ShowSetting();
 }
 
+void HostDevice::SetInteractive(bool interactive) {
+    Driver_->Object.SetInteractive(interactive);
+}
+bool HostDevice::SetServer(const std::string& address) {
+    return Driver_->Object.SetServer(address);
+}
+void HostDevice::SetCrateSerial(const std::string& serial) {
+    Driver_->Object.SetCrateSerial(serial);
+}
+std::string HostDevice::CrateInfo() const {
+    return Driver_->Object.CrateInfo();
+}
+int16_t HostDevice::ModulesCount() const {
+    return Driver_->Object.ModulesCount();
+}
+std::string HostDevice::ModuleInfo(int16_t index) const {
+    return Driver_->Object.ModuleInfo(index);
+}
+int64_t HostDevice::KadrsRecorded() const {
+    return Driver_->Object.KadrsRecorded();
+}
+int64_t HostDevice::KadrsRead() const {
+    return Driver_->Object.KadrsRead();
+}
+std::vector<Gap> HostDevice::Gaps() const {
+    return Driver_->Object.Gaps();
+}
+
 }  // namespace corvane::recorder
