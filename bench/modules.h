@@ -25,7 +25,7 @@ struct Modules {
                 module.Block.push_back(static_cast<double>(i * 7919 % 32768) + 0.3);
             }
         }
-        Plan = PlanStore(Engine, Table);
+        Plan = MakeStorePlan(Engine, Table);
     }
 
     std::vector<int16_t> Table;

@@ -14,13 +14,13 @@ namespace corvane {
 
 namespace {
 
-constexpr uint32_t PollPause = 5;  // ms between two looks at something that needs time
+constexpr uint32_t PollPause = 5;  // ms between two checks of something that takes time
 
 // One recording, as its thread sees it.
 class Acquisition {
 public:
     explicit Acquisition(EngineState& engine)
-        : Engine_(engine), Ring_(engine.Target->Ring), Plan_(PlanStore(engine, engine.Target->RecordedTable)) {}
+        : Engine_(engine), Ring_(engine.Target->Ring), Plan_(MakeStorePlan(engine, engine.Target->RecordedTable)) {}
 
     void Run();
 
@@ -42,7 +42,7 @@ private:
     DataRing& Ring_;
     const StorePlan Plan_;
     int64_t Stored_ = 0;                    // kadrs
-    uint32_t Due_ = platform::TickCount();  // ms; when the last block was there, or should have been
+    uint32_t Due_ = platform::TickCount();  // ms; when the last block was complete, or should have been
 };
 
 void Acquisition::Run() {
@@ -62,8 +62,9 @@ void Acquisition::Run() {
     }
 }
 
-// Leaves the host a breath after every block, and waits while a whole block has no room: unread kadrs stay. A block
-// lasts at least 50 ms, so looking less often then keeps up all the same and costs half.
+// Sleeps a little after every block, so that the host gets its time also when blocks come at once, then waits until the
+// ring has room for a whole block: unread kadrs are never overwritten. A block lasts at least 50 ms, so while the ring
+// is full, checking half as often is enough and takes half the processor time.
 void Acquisition::WaitForRoom() {
     platform::SleepMs(PollPause);
     while (Busy() && !Ring_.Room(Engine_.BlockKadrs)) platform::SleepMs(2 * PollPause);
@@ -85,7 +86,7 @@ void Acquisition::AlignModules() {
 }
 
 // Drops everything before the first kadr that carries a new START mark, in every module. Ends with each used module's
-// first block received, or when the recording is stopped.
+// first block received, or early when the recording is stopped.
 void Acquisition::WaitStartMark() {
     bool pending = true;
     while (Busy() && pending) {
@@ -136,9 +137,10 @@ void Acquisition::ReceiveBlock() {
     }
 }
 
-// Modules that fail at once pace nothing: without this the ring would fill with repeated blocks in no time. The moments
-// follow each other at the rate, however long each block takes. A delay of up to a second is made up for; a longer one
-// comes from a host that did not read or from receives that timed out.
+// Waits until the next block is due. Where every receive fails at once, nothing else slows the loop down, and the ring
+// would fill with repeated blocks in no time. Blocks are due at the recording's rate, however long each of them takes.
+// A delay of up to a second is caught up; a longer one comes from a host that did not read, or from receives that timed
+// out, and is not.
 void Acquisition::PauseUntilDue() {
     constexpr int32_t LongestDelay = 1000;  // ms
     Due_ += static_cast<uint32_t>(RoundToInt32(Engine_.BlockKadrs * 1000.0 / Engine_.BlockRate));
@@ -147,7 +149,7 @@ void Acquisition::PauseUntilDue() {
     while (Busy() && late() < 0) platform::SleepMs(PollPause);
 }
 
-// Receives up to `count` words to place `from` of the receive buffer. Words received, 0 or a negative code.
+// Receives up to `count` words into the receive buffer, from index `from` on. Words received, 0 or a negative code.
 int32_t Acquisition::Receive(ModuleRecord& module, int32_t from, int32_t count, bool withMarks) {
     uint32_t* data = Engine_.ReceiveBuffer.data() + from;
     uint32_t* marks = withMarks ? Engine_.MarkBuffer.data() + from : nullptr;
@@ -157,8 +159,8 @@ int32_t Acquisition::Receive(ModuleRecord& module, int32_t from, int32_t count, 
     return std::min(words, count);
 }
 
-// Receives up to a block that begins with a kadr's first word. After a receive that broke off inside a kadr, that kadr
-// has been padded and stored; its late words are dropped, so that every channel stays in its place.
+// Receives up to one block, which begins with a kadr's first word. Where the receive before ended inside a kadr, that
+// kadr has been filled up and stored already; its late words are dropped, so that every channel keeps its position.
 int32_t Acquisition::ReceiveWholeKadrs(ModuleRecord& module, bool withMarks) {
     const auto late = static_cast<int32_t>((0u - module.StreamWords) % ModuleChannels);
     int32_t words = Receive(module, 0, Engine_.BlockWords, withMarks);
@@ -175,19 +177,17 @@ void Acquisition::DropWords(int32_t& words, int32_t count) {
     std::memmove(Engine_.MarkBuffer.data(), Engine_.MarkBuffer.data() + count, bytes);
 }
 
-// Makes the module's block of the `words` in the receive buffer, after one more try for the missing ones. What doesn't
-// come is mid-scale, sample 0; when it comes after all, it follows and shifts the module's time axis by what was filled
-// in. A block that can't be processed leaves the previous one in place.
+// Makes the module's block from the `words` in the receive buffer, after one more try to receive the missing ones. What
+// doesn't come is filled in with mid-scale, sample 0. When it comes later after all, it follows what was filled in, and
+// the module's time axis is shifted by as much. Where a block can't be processed, the previous one stays.
 void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
-    constexpr int32_t Calibrate = 1;
-    constexpr int32_t KeepCodes = 0;
     if (words < Engine_.BlockWords) {
         words += std::max(Receive(module, words, Engine_.BlockWords - words, false), 0);
     }
     if (words <= 0) return;
     auto size = static_cast<uint32_t>(words);
     if (!Engine_.ModuleApi.ProcessData(module.Handle, Engine_.ReceiveBuffer.data(), module.Block.data(), size,
-                                       Calibrate, KeepCodes)) {
+                                       TLTR27API::Calibrate, TLTR27API::KeepCodes)) {
         module.Missing = GapReason::NotProcessed;
         return;
     }
@@ -198,7 +198,7 @@ void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
     module.Missing = GapReason::CutShort;
 }
 
-// Before the block becomes visible, so that no filled-in kadr can be read that isn't listed.
+// Called before the block becomes visible to the reader: a filled-in kadr that can be read is listed already.
 void Acquisition::ListGaps() {
     for (const ModuleRecord& module : Engine_.UsedModules()) {
         if (!module.Used || module.Measured >= Engine_.BlockKadrs) continue;
@@ -216,7 +216,7 @@ void AcquisitionThread(void* engineState) {
     try {
         Acquisition(engine).Run();
     } catch (...) {
-        // Only the plan's memory can fail; the recording then ends before it began.
+        // Only making the store plan can throw, for lack of memory; the recording then ends before its first block.
     }
     StopAllModules(engine);
 }

@@ -18,7 +18,7 @@ namespace corvane {
 
 namespace {
 
-constexpr uint32_t AllMezzanines = 510;  // bits 1 to 8 of the description flags, one a mezzanine position
+constexpr uint32_t AllMezzanines = 510;  // bits 1 to 8 of the description flags, one for each mezzanine position
 
 std::string ModuleInfoText(const ModuleRecord& module) {
     return "Board: " + module.Name + "\r\nBoard SN: " + module.Serial + "\r\nFirmware: v" + module.Firmware +
@@ -65,8 +65,8 @@ bool OpenModule(TLTR27API& api, ModuleRecord& module, const CrateListEntry& crat
     module.Firmware = TLTR27API::FirmwareVersion(handle);
     module.Info = ModuleInfoText(module);
     for (size_t k = 0; k < module.Mezzanines.size(); k++) {
-        // What the library calibrates with is its own default until the factory's coefficients are put in.
-        // As bytes: the packed records don't align doubles.
+        // The library calibrates with its own defaults until it is given the factory's coefficients. These are copied
+        // as bytes, because the packed records don't align doubles.
         std::memcpy(&handle.Config[k].Calibration, &handle.Description[k].Calibration,
                     sizeof handle.Config[k].Calibration);
         module.Mezzanines[k] = ReadMezzanine(handle.Description[k], handle.Config[k]);
@@ -84,8 +84,8 @@ std::string FoundSerials(const CrateSearch& search) {
     return serials;
 }
 
-// Index of the crate to open, or -1. A user who closes the dialog knows why there is none; where nobody is asked,
-// lastError says it.
+// Index of the crate to open, or -1. A user who closes the dialog knows why there is none; where no user was asked,
+// lastError says why.
 int ChooseCrate(const CrateSearch& search, std::string& lastError) {
     if (!search.CrateSerial.empty()) {
         const auto named = [&](const CrateListEntry& crate) { return crate.Serial == search.CrateSerial; };
@@ -126,8 +126,8 @@ bool OpenSelectedCrate(const CrateSearch& search, DeviceInfo& device, EngineStat
     return true;
 }
 
-// A dialog that can't be made is a failure as any other of the opening, which the host reads in LastError. Only memory
-// that has run out stays an exception.
+// A dialog that can't be made is reported like every other failure to open: in LastError. Only std::bad_alloc goes on
+// to the caller.
 bool OpenFoundCrate(DeviceInfo& device, EngineState& engine, CrateInfo& crate, CrateSearch& search) {
     try {
         return FindCrates(search, device.ADCName, device.ADCName, device.LastError) >= 0 &&
@@ -161,8 +161,8 @@ void CloseModules(EngineState& engine) {
 
 bool CloseDevice(EngineState& engine) {
     StopRecording(engine);
-    // The thread makes at most four more calls that may wait: two receives, and stopping two modules. Five seconds more
-    // cover a busy server; whoever has not come back then never will.
+    // The thread makes at most four more calls that may wait: two receives, each up to its time-out, and stopping two
+    // modules. Five more seconds are enough for a busy server; a thread that has not ended by then never will.
     const uint32_t bound = 2 * static_cast<uint32_t>(engine.RecvTimeout) + 5000;
     if (!engine.Thread.WaitEnd(bound)) return false;
     CloseModules(engine);

@@ -10,15 +10,15 @@
 namespace corvane {
 
 // Looks for crates with modules named as ADCName, opens up to two modules of one crate, reads their descriptions and
-// rebuilds the channel model. False with the failing step's message in LastError; a search that finds nothing and a
-// cancelled dialog leave LastError as it was.
+// rebuilds the channel model. False with the failing step's message in LastError. A cancelled dialog leaves LastError
+// as it was, and so does a search that finds no crate, unless one was asked for by its serial number.
 bool OpenDevice(DeviceInfo& device, InputState& input, EngineState& engine, CrateInfo& crate, CrateSearch& search);
 
 // Ends a recording, waits for its thread and closes every module. False when the thread never came back from the vendor
 // library: nothing is closed then, and the state must stay.
 bool CloseDevice(EngineState& engine);
 
-// Closes the opened modules. No recording thread may live.
+// Closes the opened modules. No recording thread may be running.
 void CloseModules(EngineState& engine);
 
 }  // namespace corvane

@@ -8,7 +8,7 @@ constexpr const char* RateName = "Rate";
 constexpr const char* MarkModeName = "MarkSTARTMode";
 constexpr int16_t LastMarkMode = 7;
 
-// Any number, however small: ApplyRate brings it to a reachable one. NaN is none.
+// Any positive number, however small: ApplyRate changes it to a rate that the module has. NaN is not usable.
 bool UsableRate(float rate, float rateMax) {
     return rate > 0 && rate <= rateMax;
 }

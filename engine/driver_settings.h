@@ -8,11 +8,11 @@
 
 namespace corvane {
 
-// Once for a host thread, when its first driver object is made and has its defaults. The rate is taken as stored:
-// opening the device, or reading Rate, brings it to a reachable one.
+// Called once for a host thread, when its first driver object is made and has its defaults. The rate is taken as
+// stored; opening the device, or reading Rate, changes it to one that the module has.
 void LoadSettings(SettingsLocation& location, InputState& input, CrateInfo& crate);
 
-// Once, when its last driver object has closed the device.
+// Called once for a host thread, when its last driver object has closed the device.
 void SaveSettings(SettingsLocation& location, const InputState& input, const CrateInfo& crate);
 
 }  // namespace corvane

@@ -5,8 +5,8 @@
 
 namespace corvane {
 
-// Clears the busy flag, then stops every opened module. Called by the recording thread at its end, otherwise only when
-// no recording thread runs or it is suspended.
+// Clears the busy flag, then stops every opened module. Called by the recording thread at its end, otherwise only while
+// there is no recording thread or it is suspended.
 void StopAllModules(EngineState& engine);
 
 }  // namespace corvane

@@ -8,7 +8,7 @@ namespace corvane {
 
 namespace {
 
-constexpr double ModuleClock = 1000;  // Hz: the module samples at ModuleClock / (divisor + 1)
+constexpr double ModuleClock = 1000;  // Hz
 
 float LimitRate(const InputState& input, float rate) {
     if (rate > input.RateMax) return input.RateMax;
@@ -17,6 +17,10 @@ float LimitRate(const InputState& input, float rate) {
 
 int32_t DivisorFor(float limitedRate) {
     return std::clamp(RoundToInt32(ModuleClock / limitedRate - 1), 0, 255);
+}
+
+float RateOf(int32_t divisor) {
+    return static_cast<float>(ModuleClock / (divisor + 1));
 }
 
 }  // namespace
@@ -29,12 +33,12 @@ float ApplyRate(InputState& input, EngineState& engine, float& rate) {
             module.Handle.FrequencyDivisor = static_cast<uint8_t>(divisor);
         }
     }
-    input.Rate = static_cast<float>(ModuleClock / (divisor + 1));
+    input.Rate = RateOf(divisor);
     return input.Rate;
 }
 
 float EffectiveRate(const InputState& input, float rate) {
-    return static_cast<float>(ModuleClock / (DivisorFor(LimitRate(input, rate)) + 1));
+    return RateOf(DivisorFor(LimitRate(input, rate)));
 }
 
 int32_t BlockKadrsFor(float rate) {

@@ -58,7 +58,7 @@ bool StartUsedModules(EngineState& engine, std::string& lastError) {
     return true;
 }
 
-// The crate's count of START marks before this recording, or NoMark when the crate makes none.
+// The crate's count of START marks before this recording, as MarkRef holds it; NoMark when the crate makes no mark.
 int32_t RequestStartMark(EngineState& engine, const CrateInfo& crate) {
     uint32_t mark = 0;
     const int32_t mode = crate.MarkSTARTMode + 1;
@@ -66,8 +66,8 @@ int32_t RequestStartMark(EngineState& engine, const CrateInfo& crate) {
     return made ? static_cast<int32_t>(mark & StartMarkBits) : NoMark;
 }
 
-// The time in which the recording thread exists but is suspended. It goes on at the end of it, come what may: to
-// record, or, when the start did not succeed, to its own end.
+// Lives while the recording thread exists but is suspended. Its destructor resumes the thread in any case: to record,
+// or, when the start did not succeed, to end at once.
 class Starting {
 public:
     explicit Starting(EngineState& engine) : Engine_(engine) { Engine_.Busy = true; }

@@ -9,8 +9,8 @@
 
 namespace corvane {
 
-// Starts a recording; the device must be open. False with a message in lastError (none when the ring can't be
-// allocated); nothing runs then.
+// Starts a recording; the device must be open. False with a message in lastError (empty when the ring can't be
+// allocated, or when no selected channel has an opened module); nothing runs then.
 bool StartRecording(EngineState& engine, InputState& input, const CrateInfo& crate, std::string& lastError);
 
 // Asks the recording to end and returns when its thread has ended, at most two block periods later. The thread may need

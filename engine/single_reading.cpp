@@ -13,17 +13,15 @@ constexpr uint8_t PollDivisor = 9;     // 100 Hz
 
 // Reads one kadr into the snapshot. The module's own record keeps its configuration: the reading works on a copy.
 void ReadSnapshot(TLTR27API& api, ModuleRecord& module) {
-    constexpr int32_t Calibrate = 1;
-    constexpr int32_t KeepCodes = 0;
     TLTR27 handle = module.Handle;
     handle.FrequencyDivisor = PollDivisor;
     if (api.SetConfig(handle) && api.ADCStart(handle)) {
         uint32_t words[ModuleChannels] = {};
         uint32_t size = ModuleChannels;
         double values[ModuleChannels] = {};
-        // An incomplete kadr is no reading: the last one stays.
+        // An incomplete kadr is not used: the last reading stays.
         if (api.Recv(handle, words, size, PollTimeout) == ModuleChannels &&
-            api.ProcessData(handle, words, values, size, Calibrate, KeepCodes)) {
+            api.ProcessData(handle, words, values, size, TLTR27API::Calibrate, TLTR27API::KeepCodes)) {
             for (size_t c = 0; c < ModuleChannels; c++) module.Snapshot[c] = values[c] - MidScale;
         }
     }

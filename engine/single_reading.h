@@ -1,5 +1,5 @@
-// Immediate readings of single channels, straight from the modules. While a recording thread lives, the modules are its
-// own: readings answer 0 then, without touching the hardware.
+// Immediate readings of single channels, straight from the modules. While a recording thread runs, it alone uses the
+// modules: readings are 0 then, and the hardware is not touched.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,8 @@
 
 namespace corvane {
 
-// One sample of a channel; 0 when the channel has no module or no mezzanine. A module is read at most every 400 ms; in
-// between its last reading is given.
+// One sample of a channel; 0 when the channel has no module or no mezzanine. A module is read at most every 400 ms;
+// before that its last reading is returned.
 int16_t ReadChannelNow(EngineState& engine, int16_t index);
 
 // One sample of every selected channel.

@@ -10,19 +10,19 @@ namespace {
 
 constexpr double Highest = 32767;
 
-// Two values to the nearest integers, at most 32767. The conversion itself makes the lowest integer of everything below
-// its range, but of everything above it, too: hence the limit. The operand order lets NaN through, to end as the
-// lowest.
+// Rounds two values to the nearest integers, at most 32767. The conversion turns every value outside its range into the
+// lowest integer: right for what is too low, wrong for what is too high, hence the limit. Of two operands the minimum
+// gives the second one when either is NaN, so NaN reaches the conversion and becomes the lowest integer, too.
 __m128i RoundTwo(__m128d values) {
     return _mm_cvtpd_epi32(_mm_min_pd(_mm_set1_pd(Highest), values));
 }
 
-// The packing saturates at the lowest 16-bit value.
+// Packs to 16 bits and subtracts mid-scale, both with saturation.
 __m128i Centre(__m128i low, __m128i high) {
     return _mm_subs_epi16(_mm_packs_epi32(low, high), _mm_set1_epi16(MidScale));
 }
 
-// Eight neighbours of one kadr.
+// Eight adjacent channels of one kadr.
 __m128i EightSamples(const double* values) {
     const auto four = [](const double* v) {
         return _mm_unpacklo_epi64(RoundTwo(_mm_loadu_pd(v)), RoundTwo(_mm_loadu_pd(v + 2)));
@@ -30,7 +30,7 @@ __m128i EightSamples(const double* values) {
     return Centre(four(values), four(values + 4));
 }
 
-// One channel's samples of four kadrs, in the lower half.
+// One channel's samples of four kadrs in a row, in the lower half of the result.
 __m128i FourSamplesOfChannel(const double* value) {
     const auto two = [](const double* v) { return RoundTwo(_mm_loadh_pd(_mm_load_sd(v), v + ModuleChannels)); };
     const __m128i four = _mm_unpacklo_epi64(two(value), two(value + ptrdiff_t{2} * ModuleChannels));
@@ -53,8 +53,8 @@ void StoreDense(const StorePlan& plan, int32_t kadrs, int16_t* ring) {
     }
 }
 
-// Channel by channel: with the pointers of one channel in registers this beats going kadr by kadr, and what is read
-// again from another channel's side is still in the nearest cache.
+// Goes channel by channel. With one channel's pointers in registers this is faster than kadr by kadr, and the block,
+// which is walked through again for the next channel, is still in the first-level cache.
 void StoreSparse(const StorePlan& plan, int32_t kadrs, int16_t* ring) {
     const ptrdiff_t step = plan.Channels;
     for (const StorePlan::Source& source : plan.Sparse) {
@@ -82,7 +82,7 @@ bool WholeModules(const std::vector<int16_t>& table) {
 
 }  // namespace
 
-StorePlan PlanStore(const EngineState& engine, const std::vector<int16_t>& table) {
+StorePlan MakeStorePlan(const EngineState& engine, const std::vector<int16_t>& table) {
     StorePlan plan;
     plan.Channels = static_cast<int16_t>(table.size());
     const bool dense = WholeModules(table);

@@ -13,6 +13,10 @@ namespace corvane {
 
 class TLTR27API {
 public:
+    // The two flags of ProcessData for calibrated codes: apply the calibration, don't convert to physical units.
+    static constexpr int32_t Calibrate = 1;
+    static constexpr int32_t KeepCodes = 0;
+
     static std::string LibraryName();
     static bool LibraryPresent();  // always: the library is bound when the component is loaded
 
@@ -29,7 +33,7 @@ public:
     // Words received (0 to size), or a negative vendor code. timeout in ms.
     int32_t Recv(TLTR27& record, uint32_t* data, uint32_t size, uint32_t timeout);
     int32_t RecvWithMarks(TLTR27& record, uint32_t* data, uint32_t* tMarks, uint32_t size, uint32_t timeout);
-    // size: in: words of `source`, out: values in `destination`.
+    // Turns words into values. size: in: words of `source`, out: values in `destination`.
     bool ProcessData(TLTR27& record, const uint32_t* source, double* destination, uint32_t& size, int32_t flag1,
                      int32_t flag2);
 

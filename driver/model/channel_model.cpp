@@ -26,8 +26,8 @@ void Resize(DeviceInfo& device, size_t ranges) {
     }
 }
 
-// Shortest text that gives the number back, with the user's decimal separator. Plain digits as far as a reader likes
-// them.
+// The shortest text that reads back as the same number, with the user's decimal separator. Very small and very large
+// numbers have an exponent.
 std::string NumberText(float number) {
     if (number == 0) return "0";  // also for a negative zero
     const float size = std::abs(number);

@@ -12,7 +12,7 @@
 namespace corvane {
 
 struct DeviceInfo {
-    std::string DriverName;  // name the settings location was derived from
+    std::string DriverName;  // name that the settings location was derived from
     std::string ADCName;
     uint8_t Resolution = 15;  // bits
     int16_t RangesCount = 0;
@@ -39,8 +39,8 @@ void BuildChannelModel(DeviceInfo& device, std::span<const ModuleRecord> modules
 // Latin name of the units that modules give in Cyrillic; any other text comes back unchanged.
 std::string LatinUnitName(const std::string& unit);
 
-// Brings a channel table into order: ascending, each channel once, only channels below channelsCount; channel 0 alone
-// when nothing remains. Leaves the table as it is when there are no channels at all.
+// Sorts a channel table and leaves in it each channel below channelsCount once; channel 0 alone when nothing remains.
+// Leaves the table as it is when there are no channels at all.
 void NormalizeChannelTable(std::vector<int16_t>& table, int16_t channelsCount);
 
 }  // namespace corvane

@@ -16,7 +16,7 @@ bool DataRing::ResetInputBuffer(int32_t channels, int32_t kadrs) {
     } else {
         auto* memory = static_cast<int16_t*>(std::calloc(samples, sizeof(int16_t)));
         if (memory == nullptr && CountUnreadKadrs() == 0) {
-            // Nothing is lost without the old ring, and a 32-bit process may have no room for both.
+            // The old ring holds nothing to read, and a 32-bit process may have no room for both.
             Samples_.reset();
             Channels_ = Length_ = 0;
             memory = static_cast<int16_t*>(std::calloc(samples, sizeof(int16_t)));

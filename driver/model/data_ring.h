@@ -1,12 +1,10 @@
 // The ring of kadrs between the recording thread and the host: one writer, one reader, no lock, nothing lost.
 //
-// - Memory is allocated once by ResetInputBuffer, while no writer runs; the ring keeps these dimensions until the next
-// ResetInputBuffer.
-// - The writer adds whole blocks (Room, BlockToWrite, Commit); it never writes over an unread kadr. The length must be
-// a
-//   whole multiple of the block, so that no block wraps.
-// - The reader takes any number of kadrs (CountUnreadKadrs, Read).
-// - Full and empty differ because the counters run on: they count kadrs modulo 2^32, and a ring is far shorter.
+// Memory is allocated only by ResetInputBuffer, while no writer runs. The writer adds whole blocks (Room, BlockToWrite,
+// Commit) and never overwrites an unread kadr; the ring's length must be a multiple of the block, so that no block
+// wraps. The reader takes any number of kadrs (CountUnreadKadrs, Read). The two counters don't start anew at the ring's
+// end: they count kadrs modulo 2^32, which is far more than a ring holds, so their difference tells a full ring from an
+// empty one.
 #pragma once
 
 #include <atomic>
@@ -18,8 +16,8 @@ namespace corvane {
 
 class DataRing {
 public:
-    // Clears the ring and gives it these dimensions. Neither side may be active. False when the memory can't be had;
-    // the ring, its unread kadrs included, is as before then.
+    // Clears the ring and gives it these dimensions. Neither side may be active. False when the memory can't be had:
+    // unread kadrs are kept then, while a ring without any may be gone.
     bool ResetInputBuffer(int32_t channels, int32_t kadrs);
 
     int32_t Channels() const { return Channels_; }  // samples of one kadr; 0 before the first ResetInputBuffer
@@ -36,7 +34,7 @@ public:
         return static_cast<int32_t>(Written_.load(std::memory_order_acquire) - Read_.load(std::memory_order_acquire));
     }
     int32_t Read(int16_t* destination, int32_t kadrs);
-    // Since the last ResetInputBuffer; these don't wrap, however long a recording runs.
+    // Kadrs since the last ResetInputBuffer, however long the recording runs.
     int64_t KadrsRead() const { return KadrsRead_; }
     int64_t KadrsRecorded() const { return KadrsRead_ + CountUnreadKadrs(); }
 
@@ -50,7 +48,7 @@ private:
     int32_t Channels_ = 0;
     int32_t Length_ = 0;
 
-    // Each side's own on a cache line of its own, so that its stores don't stall the other.
+    // Each side's variables have a cache line of their own, so that storing them doesn't slow the other side down.
     alignas(64) std::atomic<uint32_t> Written_ = 0;  // kadrs; only the writer stores
     int32_t WriteIndex_ = 0;                         // 0-based, the writer's alone
     alignas(64) std::atomic<uint32_t> Read_ = 0;     // kadrs; only the reader stores

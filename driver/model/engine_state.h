@@ -25,15 +25,15 @@ struct EngineState {
     TLTRAPI CrateApi;
 
     std::atomic<bool> Busy = false;  // a request: the host clears it to stop, the thread when it ends
-    platform::Thread Thread;         // a fact: the recording thread has ended when this says so
-    bool Started = false;            // set before the thread is let run: its modules convert, and it has to stop them
+    platform::Thread Thread;         // a fact: tells whether the recording thread has ended
+    bool Started = false;            // set before the thread is resumed: its modules run, and it stops them at its end
 
     std::vector<ModuleRecord> Modules;  // one per module of the chosen crate; only the first OpenedCount are open
     int16_t OpenedCount = 0;
 
     int16_t FirstUsed = 0;  // lowest and highest index of a used module
     int16_t LastUsed = -1;
-    int32_t BlockKadrs = 0;        // kadrs a block, a power of two from 1 to 64
+    int32_t BlockKadrs = 0;        // kadrs per block, a power of two from 1 to 64
     int32_t BlockWords = 0;        // words per module and block
     int32_t RecvTimeout = 0;       // ms
     float BlockRate = 0;           // Hz, effective rate of the recording

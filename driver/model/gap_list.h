@@ -12,18 +12,18 @@ namespace corvane {
 
 class GapList {
 public:
-    // Gaps of their own; of what comes beyond, each module's last one is lengthened.
+    // So many gaps are listed separately; each further one lengthens its module's last gap.
     static constexpr size_t Capacity = 4096;
 
-    // Takes all memory that the list will ever need. Throws std::bad_alloc.
+    // Allocates all memory that the list will ever need. Throws std::bad_alloc.
     void Reserve();
     void Clear();
 
-    // Takes a gap that begins at or after the end of its module's last one, and joins the two where they touch and have
-    // one reason. Allocates nothing.
+    // Adds a gap that begins at or after the end of its module's last one, and joins the two where they touch and have
+    // the same reason. Allocates nothing.
     void Add(const Gap& gap);
 
-    // In the order in which they began, two modules' gaps mixed.
+    // In the order in which they were added; the gaps of two modules are mixed.
     std::vector<Gap> Gaps() const;
 
 private:

@@ -35,7 +35,7 @@ struct InputState {
 
 // Computes the ring size that the host is told: newSize, or the requested size when that is too small. powerOfTwo:
 // newSize counts samples and is divided by the largest power of two not above the number of channels; otherwise it
-// counts kadrs. Returns InputSizeKadrs. A product beyond 32 bits is told as the largest 32-bit number.
+// counts kadrs. Returns InputSizeKadrs. A size beyond 32 bits is told as the largest 32-bit number.
 int32_t SetInputSize(InputState& input, bool powerOfTwo, int32_t newSize);
 
 // Sizes and clears the ring for a recording in blocks of blockKadrs; the ring becomes a whole number of blocks long,

@@ -1,5 +1,5 @@
-// One opened LTR27 module. Owned by the engine from opening to closing. While a recording
-// thread runs, the fields under "recording" and Handle are that thread's alone.
+// One opened LTR27 module. Owned by the engine from opening to closing. While a recording thread runs, the fields under
+// "recording" and Handle are that thread's alone.
 #pragma once
 
 #include <array>
@@ -30,11 +30,11 @@ struct ModuleRecord {
     std::array<MezzanineInfo, MezzaninePositions> Mezzanines;
 
     // recording
-    bool Used = false;          // takes part in the current recording
-    uint32_t StartTick = 0;     // ms, when its acquisition was started
-    int32_t Received = 0;       // words of the current block already processed; 0: none
-    int32_t Measured = 0;       // kadrs that the current block begins with and that the module measured
-    GapReason Missing = GapReason::NothingCame;  // why the block's other kadrs are none
+    bool Used = false;                           // takes part in the current recording
+    uint32_t StartTick = 0;                      // ms, when its acquisition was started
+    int32_t Received = 0;                        // words of the current block already processed; 0: none
+    int32_t Measured = 0;                        // measured kadrs, with which the current block begins
+    GapReason Missing = GapReason::NothingCame;  // why the block's other kadrs were not measured
     uint32_t StreamWords = 0;   // words received since the start, modulo 2^32: tells where a kadr begins
     std::vector<double> Block;  // one block of calibrated codes; word w is channel w mod 16 of kadr w div 16
 
@@ -45,7 +45,7 @@ struct ModuleRecord {
     TLTR27 Handle = {};
 };
 
-// True when the module channel (0 to 15) has a mezzanine under it.
+// True when a mezzanine is fitted for the module's channel (0 to 15).
 inline bool ChannelFitted(const ModuleRecord& module, int channel) {
     return !module.Mezzanines[static_cast<size_t>(channel / 2)].Name.empty();
 }

@@ -55,7 +55,7 @@ protected:
     // Every value must land at its channel's position and nowhere else.
     void Check(const std::vector<int16_t>& table, int32_t kadrs) {
         const std::vector<double> codes = Codes();
-        const StorePlan plan = PlanStore(Engine, table);
+        const StorePlan plan = MakeStorePlan(Engine, table);
         std::vector<int16_t> ring(64 * table.size() + 1);
         int64_t wrong = 0;
         for (size_t first = 0; first < codes.size(); first += 64 * ModuleChannels) {
