@@ -30,10 +30,10 @@ struct ModuleRecord {
     std::array<MezzanineInfo, MezzaninePositions> Mezzanines;
 
     // recording
-    bool Used = false;          // takes part in the current recording
-    uint32_t StartTick = 0;     // ms, when its acquisition was started
-    int32_t Received = 0;       // words of the current block already processed; 0: none
-    int32_t Measured = 0;       // kadrs that the current block begins with and that the module measured
+    bool Used = false;       // takes part in the current recording
+    uint32_t StartTick = 0;  // ms, when its acquisition was started
+    int32_t Received = 0;    // words of the current block already processed; 0: none
+    int32_t Measured = 0;    // kadrs that the current block begins with and that the module measured
     GapReason Missing = GapReason::NothingCame;  // why the block's other kadrs are none
     uint32_t StreamWords = 0;   // words received since the start, modulo 2^32: tells where a kadr begins
     std::vector<double> Block;  // one block of calibrated codes; word w is channel w mod 16 of kadr w div 16

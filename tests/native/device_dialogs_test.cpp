@@ -143,7 +143,7 @@ TEST_F(DialogsOfADriver, OneThatCanNotBeMadeIsAnOrdinaryFailure) {
         EXPECT_THROW(Driver->Test(), std::bad_alloc);
         UserOfIP = nullptr;
         UserOfDevice = nullptr;
-        EXPECT_EQ(Driver->Test(), scenario.find("3") != std::string::npos) << "the next try is as good as the first";
+        EXPECT_EQ(Driver->Test(), scenario.find('3') != std::string::npos) << "the next try is as good as the first";
     }
 }
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -100,7 +102,8 @@ TEST(Simulator, AModuleKeepsItsConfigurationAndTextsFillTheirFields) {
     board.Record.Config[2] = {};
     ASSERT_EQ(LTR27_GetConfig(&board.Record), 0);
     EXPECT_EQ(board.Record.FrequencyDivisor, 9);
-    EXPECT_EQ(std::memcmp(&board.Record.Config[2], &given, sizeof(given)), 0);
+    using Bytes = std::array<char, sizeof given>;
+    EXPECT_EQ(std::bit_cast<Bytes>(board.Record.Config[2]), std::bit_cast<Bytes>(given));
 }
 
 TEST(Simulator, ARequestForAStartMarkTakesThePlaceOfAnEarlierOne) {

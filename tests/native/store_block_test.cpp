@@ -25,9 +25,9 @@ int16_t Expected(double code) {
 }
 
 std::vector<double> Codes() {
-    constexpr double infinity = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double Infinity = std::numeric_limits<double>::infinity(), NaN = std::numeric_limits<double>::quiet_NaN();
     std::vector<double> codes = {0.0,           -0.0,  1e300,  -1e300,   5e-324,    2147483647.5, 2147483648.0,
-                                 -2147483649.0, 40000, -40000, infinity, -infinity, nan,          -nan};
+                                 -2147483649.0, 40000, -40000, Infinity, -Infinity, NaN,          -NaN};
     for (int code = -32770; code <= 32770; code++) {
         const double half = code + 0.5;
         for (const double each : {double(code), half, std::nextafter(half, -1e9), std::nextafter(half, 1e9)}) {

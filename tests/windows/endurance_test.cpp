@@ -33,15 +33,15 @@ using Endurance = DriverTest;
 
 // What the process holds may grow in the first cycles only.
 TEST_F(Endurance, StartsStopsAndReleasesLeaveNothing) {
-    constexpr float rates[] = {1000, 500, 333, 100, 20, 4};  // Hz
-    constexpr int first = 50, last = 550;
+    constexpr float Rates[] = {1000, 500, 333, 100, 20, 4};  // Hz
+    constexpr int First = 50, Last = 550;
     std::optional<ProcessLoad> before;
     ASSERT_TRUE(OpenSequence(2));
-    for (int cycle = 0; cycle < last; cycle++) {
-        if (cycle == first) before.emplace();
+    for (int cycle = 0; cycle < Last; cycle++) {
+        if (cycle == First) before.emplace();
         if (!Driver) Driver = CreateDriver();
         ASSERT_TRUE(True(Driver.Get(), &IADC3::get_Detected) || True(Driver.Get(), &IADC3::Test));
-        ASSERT_TRUE(Start(rates[cycle % 6])) << cycle;
+        ASSERT_TRUE(Start(Rates[cycle % 6])) << cycle;
         ASSERT_TRUE(cycle % 5 != 0 || WaitForKadrs(1)) << cycle;
         if (cycle % 7 < 6) {
             ASSERT_EQ(S_OK, Driver->StopRecord());

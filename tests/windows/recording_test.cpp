@@ -21,13 +21,13 @@ using Recording = DriverTest;
 
 // Reads once with room for `samples`, and checks what GetData says about it.
 LONG TakeData(IADC3* driver, LONG samples, SequenceCheck& check) {
-    constexpr short canary = 0x5A5A;
-    std::vector<short> buffer(static_cast<size_t>(samples) + 1, canary);
+    constexpr short Canary = 0x5A5A;
+    std::vector<short> buffer(static_cast<size_t>(samples) + 1, Canary);
     LONG count = samples, remaining = -1, kadrs = -1;
     EXPECT_EQ(S_OK, driver->GetData(buffer.data(), &count, &remaining, &kadrs));
     EXPECT_EQ(kadrs * 32, count);
     EXPECT_EQ(0, remaining % 32);
-    EXPECT_EQ(canary, buffer.at(static_cast<size_t>(count))) << "written beyond the count";
+    EXPECT_EQ(Canary, buffer.at(static_cast<size_t>(count))) << "written beyond the count";
     check.Take(buffer.data(), kadrs);
     return kadrs;
 }
@@ -39,7 +39,7 @@ bool TakeInputData(IADC3* driver, LONG channels, SequenceCheck& check) {
     const SAFEARRAYBOUND kadrs = data->rgsabound[0], width = data->rgsabound[1];  // the last dimension comes first
     if (kadrs.lLbound != 0 || width.lLbound != 0 || width.cElements != static_cast<ULONG>(channels)) return false;
     const short* first = static_cast<const short*>(data->pvData);
-    for (short channel = 0; channel < channels; channel++) {
+    for (LONG channel = 0; channel < channels; channel++) {
         if (first[channel] != channel) return false;
     }
     check.Take(first + channels, static_cast<LONG>(kadrs.cElements) - 1);

@@ -16,7 +16,7 @@ protected:
     void SetUp() override { ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer")); }
     void TearDown() override { EXPECT_EQ(S_OK, LoadedComponent().Call("DllUnregisterServer")); }
 
-    Apartment Apartment_;
+    Apartment Com;
 };
 
 ComPtr<IUnknown> Query(IUnknown* object, const GUID& identifier) {
@@ -53,7 +53,7 @@ class Component : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_EQ(S_OK, File.GetClassObject(__uuidof(::Corvane), IID_PPV_ARGS(&Factory))); }
 
-    const Apartment Apartment_;
+    const Apartment Com;
     const LoadedComponent File;
     ComPtr<IClassFactory> Factory;
 };
