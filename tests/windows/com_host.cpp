@@ -1,6 +1,9 @@
 #include "tests/windows/com_host.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 namespace corvane::test {
 
@@ -11,6 +14,13 @@ std::wstring ComponentPath() {
     folder.resize(folder.rfind(L'\\'));
     if (!folder.ends_with(L"\\stage")) folder = folder.substr(0, folder.rfind(L'\\')) + L"\\stage";
     return folder + L"\\Corvane.adc";
+}
+
+std::string TestData(const char* file) {
+    const std::filesystem::path stage = std::filesystem::path(ComponentPath()).parent_path();
+    std::ifstream stream(stage.parent_path() / "tests" / file);
+    EXPECT_TRUE(stream) << file;
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 LoadedComponent::LoadedComponent(const std::wstring& path)

@@ -28,6 +28,9 @@ public:
 // folder.
 std::wstring ComponentPath();
 
+// A file of the folder `data`, which the build has copied to `tests`.
+std::string TestData(const char* file);
+
 // The component's file, loaded without COM's knowledge.
 class LoadedComponent {
 public:

@@ -2,6 +2,7 @@
 #include <shlwapi.h>
 
 #include <set>
+#include <sstream>
 #include <utility>
 
 #include "tests/registry/registry_stage.h"
@@ -84,44 +85,17 @@ std::wstring CopyOfComponent() {
     return folder + L"\\Corvane.adc";
 }
 
-constexpr wchar_t ClassId[] = L"{8C86D41E-5B13-49E0-ABA4-123E7066E30C}";
-
+// The file's own path and folder stand in the list as FILE and FOLDER.
 Snapshot ExpectedValues(const std::wstring& path) {
-    const std::wstring own = L"{B4598549-F4AF-4583-853E-DCB91FC0CDFD}", folder = path.substr(0, path.rfind(L'\\'));
-    const std::wstring host = L"{97B526A7-3B46-11D7-B688-FDAEA8668E28}", id = ClassId;
-    const std::wstring text = L"L-Card Corvane ADC Driver", root = L"HKLM\\Classes\\";
-    const std::wstring entry = root + L"CLSID\\" + id;
-    Snapshot values = {root + L"Tessmark.Corvane||" + text,
-                       root + L"Tessmark.Corvane\\CLSID||" + id,
-                       root + L"AppID\\" + id + L"||" + text,
-                       root + L"AppID\\" + id + L"|DllSurrogate|",
-                       entry + L"||" + text,
-                       entry + L"|AppID|" + id,
-                       entry + L"\\InprocServer32||" + path,
-                       entry + L"\\InprocServer32|ThreadingModel|Apartment",
-                       entry + L"\\ProgID||Tessmark.Corvane",
-                       entry + L"\\Programmable||",
-                       entry + L"\\TypeLib||" + own,
-                       entry + L"\\Version||1.1"};
-    const auto library = [&](const std::wstring& version, const std::wstring& name, const std::wstring& file) {
-        const std::wstring key = root + L"TypeLib\\" + version;
-        values.insert({key + L"||" + name, key + L"\\FLAGS||0", key + L"\\HELPDIR||" + folder});
-        values.insert(key + file);
-    };
-    library(own + L"\\1.1", text, L"\\409\\win32||" + path);
-    library(own + L"\\1.1", text, L"\\0\\win32||" + path);
-    library(host + L"\\1.0", L"ADCInterface3", L"\\0\\win32||" + path + L"\\2");
-    const std::wstring faces[][4] = {{L"{D75DF814-C1F9-411B-A556-490B3B57C88F}", L"_Corvane", own, L"1.1"},
-                                     {L"{FAC99029-3AFF-4FAD-A83E-C416F40B48B6}", L"_Corvane", own, L"1.1"},
-                                     {L"{97B526A8-3B46-11D7-B688-FDAEA8668E28}", L"IADC3", host, L"1.0"}};
-    for (const auto& [identifier, name, of, version] : faces) {
-        const std::wstring key = root + L"Interface\\" + identifier;
-        values.insert({key + L"||" + name, key + L"\\TypeLib||" + of, key + L"\\TypeLib|Version|" + version,
-                       key + L"\\ProxyStubClsid32||{00020424-0000-0000-C000-000000000046}"});
+    Snapshot values;
+    std::istringstream lines(TestData("registry_values.txt"));
+    for (std::string line; std::getline(lines, line);) {
+        std::wstring value(line.begin(), line.end());
+        if (const size_t at = value.find(L"FILE"); at < value.size()) value.replace(at, 4, path);
+        if (value.ends_with(L"FOLDER")) value.replace(value.size() - 6, 6, path, 0, path.rfind(L'\\'));
+        values.insert(Small(value));
     }
-    Snapshot small;
-    for (const std::wstring& value : values) small.insert(Small(value));
-    return small;
+    return values;
 }
 
 class RegistryEntries : public ::testing::Test {
@@ -145,7 +119,7 @@ protected:
         EXPECT_EQ(Snapshot(), Difference(before, Before));
     }
 
-    Apartment Apartment_;
+    Apartment Com;
     static inline Snapshot Before;  // taken once for all tests, as it takes seconds
 };
 
@@ -208,7 +182,7 @@ const std::wstring OtherId = L"{11111111-2222-3333-4444-555555555555}";
 void Write(HKEY root, const std::vector<HostEntry>& entries) {
     for (const auto& [key, name, text] : entries) {
         SHSetValueW(root, (L"Software\\Classes\\" + key).c_str(), name, REG_SZ, text.c_str(),
-                    static_cast<DWORD>(text.size() * 2 + 2));
+                    static_cast<DWORD>(text.size()) * 2 + 2);
     }
 }
 
