@@ -42,6 +42,27 @@ HRESULT LoadedComponent::GetClassObject(const GUID& classIdentifier, const GUID&
     return entry != nullptr ? entry(classIdentifier, identifier, object) : E_FAIL;
 }
 
+DWORD RunProcess(std::wstring command, DWORD timeoutMs, HANDLE output) {
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = output != nullptr ? STARTF_USESTDHANDLES : 0;
+    startup.hStdOutput = startup.hStdError = output;
+    PROCESS_INFORMATION process = {};
+    const BOOL inherit = output != nullptr;
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, inherit, 0, nullptr, nullptr, &startup, &process)) {
+        return DidNotEnd;
+    }
+    DWORD code = DidNotEnd;
+    if (WaitForSingleObject(process.hProcess, timeoutMs) == WAIT_OBJECT_0) {
+        GetExitCodeProcess(process.hProcess, &code);
+    } else {
+        TerminateProcess(process.hProcess, DidNotEnd);
+    }
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return code;
+}
+
 DWORD OpenHandles() {
     DWORD handles = 0;
     // Newer than the oldest Windows that the headers are set to.

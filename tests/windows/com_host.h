@@ -49,6 +49,11 @@ private:
     HMODULE Module_;
 };
 
+// Exit code of another program, run to its end; DidNotEnd when it had to be ended after the time-out, or never began.
+// What it says goes to `output`.
+constexpr DWORD DidNotEnd = 0xFFFFFFFE;
+DWORD RunProcess(std::wstring command, DWORD timeoutMs, HANDLE output = nullptr);
+
 // Grows with each handle that this process leaves open, whatever it counts from.
 DWORD OpenHandles();
 

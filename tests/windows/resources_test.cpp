@@ -31,8 +31,7 @@ TEST_F(Resources, VersionRecordDescribesTheFile) {
     const auto* first = &numbers->dwFileVersionMS;  // then come the masks of its flags, and what it is for
     EXPECT_EQ((std::vector<DWORD>{0x00030002, 1, 0x00030002, 1}), std::vector<DWORD>(first, first + 4));
     EXPECT_TRUE(numbers->dwFileOS == VOS__WINDOWS32 && numbers->dwFileType == VFT_DLL);
-    ASSERT_TRUE(VerQueryValueW(record.data(), L"\\VarFileInfo\\Translation", &value, &size));
-    EXPECT_EQ(4u, size);
+    ASSERT_TRUE(VerQueryValueW(record.data(), L"\\VarFileInfo\\Translation", &value, &size) && size == 4);
     EXPECT_EQ(1200u << 16 | 0x409, *static_cast<DWORD*>(value));
     std::wstring texts;
     for (const wchar_t* name : {L"Comments", L"FileDescription", L"ProductName", L"FileVersion", L"ProductVersion",
@@ -79,9 +78,7 @@ TEST_F(Resources, IconsComeInBothSizes) {
     for (const wchar_t* name : names) {
         const std::vector<BYTE> group = Bytes(name, RT_GROUP_ICON);
         ASSERT_EQ(6u + 2 * 14, group.size());
-        EXPECT_EQ(32, group[6]);
-        EXPECT_EQ(16, group[6 + 14]);
-        EXPECT_EQ(4, group[6 + 6]) << "bits a pixel";
+        EXPECT_TRUE(group[6] == 32 && group[6 + 14] == 16 && group[6 + 6] == 4) << "pixels, and bits of each";
         const HANDLE icon = LoadImageW(Module, name, IMAGE_ICON, 16, 16, 0);
         EXPECT_NE(nullptr, icon);
         DestroyIcon(static_cast<HICON>(icon));
