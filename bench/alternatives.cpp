@@ -62,7 +62,8 @@ void FusedScalar(const EngineState& engine, int32_t channels, int32_t kadrs, int
     for (int32_t k = 0; k < kadrs; k++) {
         for (int32_t channel = 0; channel < channels; channel++) {
             const ModuleRecord& module = engine.Modules[static_cast<size_t>(channel / ModuleChannels)];
-            const double code = module.Block[static_cast<size_t>(k * ModuleChannels + channel % ModuleChannels)];
+            const int32_t word = k * ModuleChannels + channel % ModuleChannels;
+            const double code = module.Block[static_cast<size_t>(word)];
             const double limited = std::min(std::max(code, -32768.0), 32767.0);
             *ring++ = static_cast<int16_t>(_mm_cvtsd_si32(_mm_set_sd(limited)) - MidScale);
         }

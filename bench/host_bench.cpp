@@ -106,7 +106,8 @@ std::vector<double> TimesMs(Timed timed, Between between) {
 
 // Creates and releases an object while another thread's object keeps the component loaded.
 double MedianCreationMs() {
-    HostDevice();  // what fails, fails on this thread
+    const auto createAndRelease = [] { HostDevice(); };
+    createAndRelease();  // what fails, fails on this thread
     std::atomic<bool> ready = false;
     std::atomic<bool> done = false;
     std::thread otherHost([&] {
@@ -115,7 +116,7 @@ double MedianCreationMs() {
         while (!done) SleepMs(1);
     });
     while (!ready) SleepMs(1);
-    const double median = TimesMs([] { HostDevice(); }, [](int) {})[Rounds / 2];
+    const double median = TimesMs(createAndRelease, [](int) {})[Rounds / 2];
     done = true;
     otherHost.join();
     return median;
@@ -154,13 +155,13 @@ void AddLatencies(Table& table) {
 // From the moment when the last words of a block have been taken from the modules until the host sees its kadrs. The
 // host does nothing but look.
 double MedianVisibilityMs() {
-    constexpr int blocks = 20;
+    constexpr int Blocks = 20;
     const auto device = Open(Scenario(1, NoMark));
     device->SetInputSizeData(32768);
     if (!device->StartRecord()) throw std::runtime_error(device->LastError());
     const int32_t before = LtrSim_Calls("LTR27_ProcessData");
     std::vector<double> times;
-    for (int block = 1; block <= blocks; block++) {
+    for (int block = 1; block <= Blocks; block++) {
         const Clock::time_point giveUp = Clock::now() + std::chrono::seconds(5);
         const auto waitUntil = [&](auto condition) {
             while (!condition()) {
@@ -174,23 +175,23 @@ double MedianVisibilityMs() {
     }
     device->StopRecord();
     std::sort(times.begin(), times.end());
-    return times[blocks / 2];
+    return times[Blocks / 2];
 }
 
 // Median time of InputData with 32 channels x 32768 unread kadrs, divided by that of malloc and memcpy of as much.
 double InputDataRatio() {
-    constexpr int rounds = 15;
-    constexpr int32_t kadrs = 32768;
+    constexpr int Fills = 15;
+    constexpr int32_t Kadrs = 32768;
     const auto device = Open("speed = 0\n" + Scenario(1, NoMark));
-    device->SetInputSizeData(kadrs);
+    device->SetInputSizeData(Kadrs);
     InputDataHost host;
     std::vector<double> ours, plain;
-    const std::vector<int16_t> source(size_t{32} * (kadrs + 1), 1);
+    const std::vector<int16_t> source(size_t{32} * (Kadrs + 1), 1);
     const size_t bytes = source.size() * sizeof(int16_t);
     void* copy = nullptr;
-    for (int round = 0; round < rounds; round++) {
+    for (int round = 0; round < Fills; round++) {
         if (!device->StartRecord()) throw std::runtime_error(device->LastError());
-        for (const Clock::time_point fill = Clock::now(); device->InputCountKadrs() < kadrs; SleepMs(1)) {
+        for (const Clock::time_point fill = Clock::now(); device->InputCountKadrs() < Kadrs; SleepMs(1)) {
             if (MsSince(fill) > 30000) throw std::runtime_error("the ring is not filled");
         }
         device->StopRecord();
@@ -207,7 +208,7 @@ double InputDataRatio() {
     std::free(copy);
     std::sort(ours.begin(), ours.end());
     std::sort(plain.begin(), plain.end());
-    return ours[rounds / 2] / plain[rounds / 2];
+    return ours[Fills / 2] / plain[Fills / 2];
 }
 
 // Share of a core that a recording of 32 channels uses. The host looks in every 50 ms; it takes the data when

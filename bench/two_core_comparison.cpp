@@ -105,7 +105,8 @@ template <typename Passage>
 using Passages = std::vector<std::unique_ptr<Passage>>;
 
 template <typename Passage>
-std::function<void()> PassThroughAll(std::shared_ptr<Passages<Passage>> passages, std::shared_ptr<Modules> modules) {
+std::function<void()> PassThroughAll(const std::shared_ptr<Passages<Passage>>& passages,
+                                     const std::shared_ptr<Modules>& modules) {
     return [passages, modules] {
         RunOnTwoCores(
             [&] {

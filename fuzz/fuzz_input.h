@@ -24,7 +24,7 @@ public:
     // A length byte and so many characters.
     std::string Text() {
         const size_t length = std::min<size_t>(Byte(), Left_.size());
-        const std::string text(Left_.begin(), Left_.begin() + static_cast<std::ptrdiff_t>(length));
+        std::string text(Left_.begin(), Left_.begin() + static_cast<std::ptrdiff_t>(length));
         Left_ = Left_.subspan(length);
         return text;
     }

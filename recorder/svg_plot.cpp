@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <vector>
 
 #include "base/utf8.h"
@@ -106,8 +107,8 @@ std::pair<double, double> Limits(const Plot& plot, size_t channel) {
 
 Axis ValueAxis(const Plot& plot, const Panel& panel) {
     constexpr double LeastCodes = 40;  // so that a few codes of noise don't fill the panel
-    double low = INFINITY;
-    double high = -INFINITY;
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
     double leastSpan = 0;
     for (const size_t channel : panel.Channels) {
         const auto [channelLow, channelHigh] = Limits(plot, channel);

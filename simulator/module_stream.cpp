@@ -81,9 +81,10 @@ int64_t ModuleStream::KadrAt(Clock::time_point moment) const {
 }
 
 Clock::time_point ModuleStream::MomentOf(int64_t words) const {
-    const double kadrs = static_cast<double>((words + KadrWords - 1) / KadrWords);
+    const int64_t kadrs = (words + KadrWords - 1) / KadrWords;
     // A little later, so that rounding never makes a waiter wake up one kadr early.
-    return Begun_.Begin + Seconds(kadrs / (Begun_.Rate * Begun_.Speed)) + std::chrono::microseconds(50);
+    return Begun_.Begin + Seconds(static_cast<double>(kadrs) / (Begun_.Rate * Begun_.Speed)) +
+           std::chrono::microseconds(50);
 }
 
 uint32_t ModuleStream::MarkOf(int64_t kadr) const {

@@ -61,9 +61,8 @@ private:
             const int64_t number = int64_t{samples[channel + 1] + 16384} * 32768 + samples[channel] + 16384;
             if (Next_[module] < 0) Next_[module] = number;
             if (number == Next_[module] || !Fault_.empty()) continue;
-            Fault_ = "kadr " + std::to_string(Kadrs_) + ", module " + std::to_string(module) + ", channel " +
-                     std::to_string(channel) + ": number " + std::to_string(number) + " instead of " +
-                     std::to_string(Next_[module]);
+            Fault_ = "kadr " + std::to_string(Kadrs_) + ", channel " + std::to_string(module * 16 + channel) +
+                     ": number " + std::to_string(number) + " instead of " + std::to_string(Next_[module]);
         }
         Next_[module]++;
     }

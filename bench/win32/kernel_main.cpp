@@ -23,9 +23,9 @@ uint64_t Cycles(const std::function<void()>& run, const std::function<void()>& b
 }
 
 bool Measure(const Comparison& row) {
-    constexpr int runs = 200;  // some hundred microseconds
+    constexpr int Runs = 200;  // some hundred microseconds
     const auto time = [&](const std::function<void()>& run) {
-        return static_cast<double>(Cycles(run, row.BeforeEach, runs));
+        return static_cast<double>(Cycles(run, row.BeforeEach, Runs));
     };
     time(row.Driver);
     time(row.Alternative);

@@ -25,9 +25,8 @@ TEST_F(DeviceTest, OpeningFailuresNameTheirReason) {
         if (!fault.empty()) AddFault(fault);
         const bool oneModuleLeft = fault.find("slot") != std::string::npos;
         EXPECT_EQ(Driver->Test(), oneModuleLeft) << fault;
-        EXPECT_EQ(Driver->Detected(), oneModuleLeft);
-        EXPECT_EQ(Driver->BasePort(), oneModuleLeft ? -1 : 0);
-        EXPECT_EQ(Driver->ChannelsCount(), 16);
+        EXPECT_EQ(std::tuple(Driver->Detected(), Driver->BasePort(), Driver->ChannelsCount()),
+                  std::tuple(oneModuleLeft, oneModuleLeft ? -1 : 0, 16));
         const std::string error = Driver->LastError();
         EXPECT_TRUE(reason.empty() ? error.empty() : error.starts_with(reason)) << error;
         EXPECT_EQ(LtrSim_OpenConnections(), oneModuleLeft);
@@ -41,10 +40,8 @@ TEST_F(DeviceTest, TheFirstTwoModulesThatOpenAreUsed) {
     AddFault("call = \"LTR27_Open\"\nslot = 2\nerror = -1");
     ASSERT_TRUE(Driver->Test());
     EXPECT_EQ(Driver->ChannelsCount(), 32);
-    EXPECT_EQ(Driver->ChannelName(0), "07_1-1_SEQ");
-    EXPECT_EQ(Driver->ChannelName(16), "09_1-1_SEQ");
-    EXPECT_EQ(Driver->ChannelUnitName(3), "V");
-    EXPECT_EQ(Driver->ChannelUnitName(-1), "");
+    EXPECT_EQ(Driver->ChannelName(0) + " " + Driver->ChannelName(16), "07_1-1_SEQ 09_1-1_SEQ");
+    EXPECT_EQ(Driver->ChannelUnitName(3) + Driver->ChannelUnitName(-1), "V");
     EXPECT_EQ(Driver->ChannelUnitScale(32), 0);
     EXPECT_EQ(LtrSim_OpenConnections(), 2);
     EXPECT_EQ(LtrSim_Calls("LTR27_ADCStop"), 2);  // whoever had them before may have left them running
@@ -71,7 +68,6 @@ TEST_F(DeviceTest, DescriptionsTellTheBoardAndTheCrate) {
     EXPECT_EQ(state.Engine.Modules[0].Info,
               "Board: LTR27\r\nBoard SN: CRATE1-3\r\nFirmware: v1.2.3.4\r\nCrate Slot: 3");
     EXPECT_EQ(state.Crate.Info, "Crate: LTR030\r\nCrate SN: CRATE1\r\nCrate Port: USB\r\nCrate IP: 127.0.0.1");
-    EXPECT_EQ(state.Engine.Modules[1].Mezzanines[0].Revision, "A.0");
     EXPECT_EQ(state.Engine.Modules[1].Mezzanines[7].Top, 1);
 }
 
@@ -84,8 +80,7 @@ TEST_F(DeviceTest, SingleReadingsAreFreshEvery400Milliseconds) {
     // The first kadr of a fresh start has number 0; an empty position and a missing channel give 0.
     EXPECT_EQ(Driver->GetKadr(), (std::vector<int16_t>{-16384, 0, -16384}));
     EXPECT_EQ(Driver->GetChannel(24), -16384);
-    EXPECT_EQ(Driver->GetChannel(-1), 0);
-    EXPECT_EQ(Driver->GetChannel(32), 0);
+    EXPECT_TRUE(Driver->GetChannel(-1) == 0 && Driver->GetChannel(32) == 0);
     EXPECT_EQ(LtrSim_Calls("LTR27_Recv"), before + 2);
     EXPECT_EQ(LtrSim_RunningModules(), 0);
     Driver->SetRate(500);

@@ -1,7 +1,8 @@
-// The rules of cRegistry, the same on every registry. Names are created in alphabetical order: the real registry may
-// list them so.
+// The rules of cRegistry and of texts with inserts, the same on every platform. Names are created in alphabetical
+// order: the real registry may list them so.
+#include "common/mTypes3.h"
 #include "platform/ansi_text.h"
-#include "tests/registry/registry_operations.h"
+#include "tests/registry/registry_stage.h"
 
 namespace corvane::test {
 namespace {
@@ -70,13 +71,8 @@ TEST_F(RegistryTest, FamiliesAreStoredAndReadBackInTheirForms) {
 }
 
 TEST_F(RegistryTest, ReadersTakeWhateverFits) {
-    const struct {
-        RawValue Stored;
-        std::optional<std::string> Text;
-        std::optional<int32_t> Number;  // into 0x11223344
-        bool EightBytes;
-        bool Bytes;
-    } cases[] = {
+    // Stored; then what is read as a text, as a number into 0x11223344, whether as eight bytes, and as any bytes.
+    const std::tuple<RawValue, std::optional<std::string>, std::optional<int32_t>, bool, bool> cases[] = {
         {{TextType, "abcdefgh"}, "abcdefgh", {}, true, true},  // no terminator
         {{TextType, "ab\0cd\0"s}, "ab", {}, false, true},
         {{TextType, "ab"}, "ab", 0x11006261, false, true},  // the platform ends a text that has room
@@ -87,49 +83,44 @@ TEST_F(RegistryTest, ReadersTakeWhateverFits) {
         {{11, "\1\2\3\4\5\6\7\x8"}, "\1\2\3\4\5\6\7\x8", {}, true, true},
         {{0, "x"}, "x", 0x11223378, false, true},
     };
-    for (const auto& each : cases) {
-        StoreRaw(Stage, "v", each.Stored.first, each.Stored.second);
-        SCOPED_TRACE(std::to_string(each.Stored.first) + ": " + each.Stored.second);
+    for (const auto& [stored, asText, asNumber, asEightBytes, asBytes] : cases) {
+        StoreRaw(Stage, "v", stored.first, stored.second);
+        SCOPED_TRACE(std::to_string(stored.first) + ": " + stored.second);
         std::string text = "mine";
-        EXPECT_EQ(each.Text.has_value(), Registry.ReadStringAt(CurrentUser, Stage, "v", text));
-        EXPECT_EQ(each.Text.value_or("mine"), text);
+        EXPECT_EQ(asText.has_value(), Registry.ReadStringAt(CurrentUser, Stage, "v", text));
+        EXPECT_EQ(asText.value_or("mine"), text);
         int32_t number = 0x11223344;
-        EXPECT_EQ(each.Number.has_value(), Registry.ReadDWordAt(CurrentUser, Stage, "v", number));
-        EXPECT_EQ(each.Number.value_or(0x11223344), number);
-        EXPECT_EQ(each.Number ? 0 : 234, Registry.LastError());
+        EXPECT_EQ(asNumber.has_value(), Registry.ReadDWordAt(CurrentUser, Stage, "v", number));
+        EXPECT_EQ(asNumber.value_or(0x11223344), number);
+        EXPECT_EQ(asNumber ? 0 : 234, Registry.LastError());
         bool truth = false;
-        EXPECT_EQ(each.Number.has_value(), Registry.ReadBoolAt(CurrentUser, Stage, "v", truth));
-        EXPECT_EQ(!each.Stored.second.empty() && each.Number.has_value(), truth);
+        EXPECT_EQ(asNumber.has_value(), Registry.ReadBoolAt(CurrentUser, Stage, "v", truth));
+        EXPECT_EQ(!stored.second.empty() && asNumber.has_value(), truth);
         double real = 7;
-        EXPECT_EQ(each.EightBytes, Registry.ReadDouble("v", real, 8));
-        EXPECT_EQ(!each.EightBytes, real == 8);
+        EXPECT_EQ(asEightBytes, Registry.ReadDouble("v", real, 8));
+        EXPECT_EQ(!asEightBytes, real == 8);
         RegistryBytes bytes = {9};
-        EXPECT_EQ(each.Bytes, Registry.ReadBinary("v", bytes));
-        EXPECT_EQ(each.Bytes ? each.Stored.second : "\x9", std::string(bytes.begin(), bytes.end()));
+        EXPECT_EQ(asBytes, Registry.ReadBinary("v", bytes));
+        EXPECT_EQ(asBytes ? stored.second : "\x9", std::string(bytes.begin(), bytes.end()));
     }
 }
 
 TEST_F(RegistryTest, LocationGoesOnlyWhereAKeyIs) {
     const std::string path = Stage + "\\Новый\\b";
     cRegistry registry;
-    const struct {
-        uint32_t Root;
-        std::string Path;
-        int32_t Error;
-        uint32_t EndRoot;
-        std::string EndPath;
-    } steps[] = {{CurrentUser, "Software", 0, CurrentUser, "Software"},  // where it begins
-                 {CurrentUser, path, 0, CurrentUser, path},              // made on the way
-                 {CurrentUser, "\\bad", 161, CurrentUser, path},
-                 {0x80000007, path, 6, CurrentUser, path},
-                 {0x80000002, "", 0, 0x80000002, ""},
-                 {0x80000002, std::string(300, 'x'), 234, 0x80000002, ""}};  // longer than the platform takes
-    for (const auto& step : steps) {
-        registry.SetRootKey(step.Root);
-        registry.SetKeyPath(step.Path);
-        EXPECT_EQ(step.Error, registry.LastError());
-        EXPECT_EQ(step.EndRoot, registry.RootKey());
-        EXPECT_EQ(step.EndPath, registry.KeyPath());
+    // The root and path asked for, the error, those that hold afterwards.
+    using Step = std::tuple<uint32_t, std::string, int32_t, uint32_t, std::string>;
+    const Step steps[] = {{CurrentUser, "Software", 0, CurrentUser, "Software"},  // where it begins
+                          {CurrentUser, path, 0, CurrentUser, path},              // made on the way
+                          {CurrentUser, "\\bad", 161, CurrentUser, path},
+                          {0x80000007, path, 6, CurrentUser, path},
+                          {0x80000002, "", 0, 0x80000002, ""},
+                          {0x80000002, std::string(300, 'x'), 234, 0x80000002, ""}};  // longer than the platform takes
+    for (const auto& [root, keyPath, error, endRoot, endPath] : steps) {
+        registry.SetRootKey(root);
+        registry.SetKeyPath(keyPath);
+        EXPECT_EQ(Step(root, keyPath, error, endRoot, endPath),
+                  Step(root, keyPath, registry.LastError(), registry.RootKey(), registry.KeyPath()));
     }
     EXPECT_TRUE(registry.KeyExists(CurrentUser, Stage + "\\нОВЫЙ\\B\\"));
 }
@@ -167,11 +158,12 @@ TEST_F(RegistryTest, OperationsAskForNoMoreRightsThanTheyNeed) {
 }
 
 TEST_F(RegistryTest, ListingsBeginWithThePath) {
-    std::vector<std::string> names;
+    using Names = std::vector<std::string>;
+    Names names;
     EXPECT_EQ(0, Registry.EnumSubKeys(CurrentUser, Stage + "\\none", names));
-    EXPECT_EQ(std::vector<std::string>{Stage + "\\none"}, names);
+    EXPECT_EQ(Names{Stage + "\\none"}, names);
     EXPECT_EQ(0, Registry.EnumValues(CurrentUser, Stage, names));
-    EXPECT_EQ(std::vector<std::string>{Stage}, names);
+    EXPECT_EQ(Names{Stage}, names);
     for (const char* name : {"", "A \"quoted\" one", "b", "\xDF\xED"}) {
         StoreRaw(Stage, name, TextType, "abc");
         if (*name != '\0') StoreRaw(Stage + "\\" + name, "", TextType, "");
@@ -249,6 +241,44 @@ TEST_F(RegistryTest, ErrorTextsAreThePlatformsWithoutTheirEnd) {
     EXPECT_EQ("", cRegistry::SystemErrorText(123456789, false));
     EXPECT_EQ("HKEY_DYN_DATA", cRegistry::RootKeyName(0x80000006));
     EXPECT_EQ("", cRegistry::RootKeyName(0x80000007));
+}
+
+// Templates with inserts.
+TEST(FormatText, FollowsThePlatformsRules) {
+    // Nothing to fill in, an argument's own percent sign, an empty result, escapes, line ends, widths and precisions.
+    const std::pair<std::string, std::string> cases[] = {
+        {"no insert\n", "no insert\n"},
+        {"%5%2%1", "fiveдваLTR27"},
+        {"%4", "f%1r"},
+        {"%3", "3"},
+        {"a%%b%%", "a%b%"},
+        {"a%0%6", "a"},
+        {"%1%nb%tc%rd", "LTR27\r\nb\tc\rd"},
+        {"% %.%!%A%\"", " .!A\""},
+        {"%1\na\r\nb\rc", "LTR27\r\na\r\nb\r\nc"},
+        {"%\r\n|", "\r\r\n|"},
+        {"%1!s!|%2!s!s!", "LTR27|дваs!"},
+        {"%1!8s!|%1!-8s!|%1!.2s!|%1!5.3s!|", "   LTR27|LTR27   |LT|  LTR|"},
+        {"%1 !s!", "LTR27 !s!"},
+        {"%1!1.s!|%1!.0s!", " |"}};
+    // Refused by the platform, or before it is asked: then the template without its percent signs.
+    for (const char* refused :
+         {"100%", "%6", "%10%", "%1!s", "%1!*s!", "%1!ls!%1!S!", "%1!99s!", "%1!999999999999s!"}) {
+        std::string bare = refused;
+        std::erase(bare, '%');
+        EXPECT_EQ(bare, FormatText(refused, "LTR27", "два", "", "f%1r", "five"));
+    }
+    for (const auto& [pattern, expected] : cases) {
+        EXPECT_EQ(expected, FormatText(pattern, "LTR27", "два", "", "f%1r", "five")) << pattern;
+    }
+    // Room is for the template and twice the arguments, the result's terminator included.
+    EXPECT_EQ("aaaaaaaaaa", FormatText("%1%1%1%1%1%1%1%1%1%1", "a", "", "", "", ""));
+    EXPECT_EQ(std::string(29, ' ') + "a", FormatText("%1!30s!", "a", "xxxxxxx", "", "", ""));
+    EXPECT_EQ("1!31s!", FormatText("%1!31s!", "a", "xxxxxxx", "", "", ""));
+    // Beyond what the platform's buffers hold.
+    const std::string filler(33000, 'x');
+    EXPECT_EQ("1" + filler, FormatText("%1" + filler, "a", "", "", "", ""));
+    EXPECT_EQ("", ResourceText(12345, "a")) << "there is none";
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include "tests/windows/com_host.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 namespace corvane::test {
 
@@ -11,6 +14,13 @@ std::wstring ComponentPath() {
     folder.resize(folder.rfind(L'\\'));
     if (!folder.ends_with(L"\\stage")) folder = folder.substr(0, folder.rfind(L'\\')) + L"\\stage";
     return folder + L"\\Corvane.adc";
+}
+
+std::string TestData(const char* file) {
+    const std::filesystem::path stage = std::filesystem::path(ComponentPath()).parent_path();
+    std::ifstream stream(stage.parent_path() / "tests" / file);
+    EXPECT_TRUE(stream) << file;
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 LoadedComponent::LoadedComponent(const std::wstring& path)
@@ -30,6 +40,27 @@ HRESULT LoadedComponent::Call(const char* function) const {
 HRESULT LoadedComponent::GetClassObject(const GUID& classIdentifier, const GUID& identifier, void** object) const {
     const auto entry = Find<HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**)>("DllGetClassObject");
     return entry != nullptr ? entry(classIdentifier, identifier, object) : E_FAIL;
+}
+
+DWORD RunProcess(std::wstring command, DWORD timeoutMs, HANDLE output) {
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = output != nullptr ? STARTF_USESTDHANDLES : 0;
+    startup.hStdOutput = startup.hStdError = output;
+    PROCESS_INFORMATION process = {};
+    const BOOL inherit = output != nullptr;
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, inherit, 0, nullptr, nullptr, &startup, &process)) {
+        return DidNotEnd;
+    }
+    DWORD code = DidNotEnd;
+    if (WaitForSingleObject(process.hProcess, timeoutMs) == WAIT_OBJECT_0) {
+        GetExitCodeProcess(process.hProcess, &code);
+    } else {
+        TerminateProcess(process.hProcess, DidNotEnd);
+    }
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return code;
 }
 
 DWORD OpenHandles() {

@@ -28,6 +28,9 @@ public:
 // folder.
 std::wstring ComponentPath();
 
+// A file of the folder `data`, which the build has copied to `tests`.
+std::string TestData(const char* file);
+
 // The component's file, loaded without COM's knowledge.
 class LoadedComponent {
 public:
@@ -45,6 +48,11 @@ private:
     }
     HMODULE Module_;
 };
+
+// Exit code of another program, run to its end; DidNotEnd when it had to be ended after the time-out, or never began.
+// What it says goes to `output`.
+constexpr DWORD DidNotEnd = 0xFFFFFFFE;
+DWORD RunProcess(std::wstring command, DWORD timeoutMs, HANDLE output = nullptr);
 
 // Grows with each handle that this process leaves open, whatever it counts from.
 DWORD OpenHandles();

@@ -41,8 +41,8 @@ constexpr WORD MarkerKey = VK_F24;
 std::atomic<int> MarkersSent, MarkersSeen;
 
 LRESULT CALLBACK CountMarkers(int code, WPARAM key, LPARAM flags) {
-    constexpr LPARAM released = LPARAM{1} << 31;
-    if (code == HC_ACTION && key == MarkerKey && (flags & released) != 0) MarkersSeen++;
+    constexpr LPARAM Released = LPARAM{1} << 31;
+    if (code == HC_ACTION && key == MarkerKey && (flags & Released) != 0) MarkersSeen++;
     return CallNextHookEx(nullptr, code, key, flags);
 }
 

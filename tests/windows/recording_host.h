@@ -26,7 +26,7 @@ protected:
     // Unread kadrs have reached `kadrs` within 5 s.
     bool WaitForKadrs(LONG kadrs);
 
-    Apartment Apartment_;
+    Apartment Com;
     ComPtr<IADC3> Driver;
 };
 

@@ -16,7 +16,7 @@ protected:
     void SetUp() override { ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer")); }
     void TearDown() override { EXPECT_EQ(S_OK, LoadedComponent().Call("DllUnregisterServer")); }
 
-    Apartment Apartment_;
+    Apartment Com;
 };
 
 ComPtr<IUnknown> Query(IUnknown* object, const GUID& identifier) {
@@ -53,7 +53,7 @@ class Component : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_EQ(S_OK, File.GetClassObject(__uuidof(::Corvane), IID_PPV_ARGS(&Factory))); }
 
-    const Apartment Apartment_;
+    const Apartment Com;
     const LoadedComponent File;
     ComPtr<IClassFactory> Factory;
 };
@@ -65,10 +65,9 @@ TEST_F(Component, AnswersByNameWithoutRegistration) {
     ASSERT_EQ(S_OK, InvokeByName(object.Get(), L"GetADC3", DISPATCH_METHOD, {}, &result));
     ASSERT_EQ(VT_UNKNOWN, result.vt);
     ComPtr<IUnknown> direct;
-    ASSERT_EQ(S_OK, object->GetADC3(direct.GetAddressOf()));
-    EXPECT_EQ(direct.Get(), result.punkVal);
     ComPtr<IADC3> driver;
-    ASSERT_EQ(S_OK, direct.As(&driver));
+    ASSERT_TRUE(object->GetADC3(direct.GetAddressOf()) == S_OK && direct.As(&driver) == S_OK);
+    EXPECT_EQ(direct.Get(), result.punkVal);
     VariantClear(&result);
     ASSERT_EQ(S_OK, InvokeByName(driver.Get(), L"adcname", DISPATCH_PROPERTYGET, {}, &result));
     ASSERT_EQ(VT_BSTR, result.vt);
@@ -77,22 +76,18 @@ TEST_F(Component, AnswersByNameWithoutRegistration) {
     ComPtr<IProvideClassInfo> provider;
     ComPtr<ITypeInfo> type;
     TYPEATTR* attributes = nullptr;
-    ASSERT_EQ(S_OK, direct.As(&provider));
-    ASSERT_EQ(S_OK, provider->GetClassInfo(type.GetAddressOf()));
+    ASSERT_TRUE(direct.As(&provider) == S_OK && provider->GetClassInfo(type.GetAddressOf()) == S_OK);
     ASSERT_EQ(S_OK, type->GetTypeAttr(&attributes));
     EXPECT_TRUE(attributes->guid == __uuidof(::Corvane) && attributes->cImplTypes == 2);
     type->ReleaseTypeAttr(attributes);
 }
 
 TEST_F(Component, RefusesWhatItsFactoryCantMake) {
-    void* object = &object;
-    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, File.GetClassObject(__uuidof(IADC3), __uuidof(IClassFactory), &object));
-    object = &object;
-    EXPECT_EQ(CLASS_E_NOAGGREGATION, Factory->CreateInstance(Factory.Get(), __uuidof(IUnknown), &object));
-    EXPECT_EQ(nullptr, object);
-    object = &object;
-    EXPECT_EQ(E_NOINTERFACE, Factory->CreateInstance(nullptr, __uuidof(IClassFactory), &object));
-    EXPECT_EQ(nullptr, object);
+    void *outer = this, *wrong = this, *none = this;
+    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, File.GetClassObject(__uuidof(IADC3), __uuidof(IClassFactory), &none));
+    EXPECT_EQ(CLASS_E_NOAGGREGATION, Factory->CreateInstance(Factory.Get(), __uuidof(IUnknown), &outer));
+    EXPECT_EQ(E_NOINTERFACE, Factory->CreateInstance(nullptr, __uuidof(IClassFactory), &wrong));
+    EXPECT_TRUE(outer == nullptr && wrong == nullptr);
 }
 
 bool Loaded() {

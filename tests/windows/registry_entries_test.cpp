@@ -2,11 +2,11 @@
 #include <shlwapi.h>
 
 #include <set>
+#include <sstream>
 #include <utility>
 
 #include "tests/registry/registry_stage.h"
 #include "tests/windows/com_host.h"
-#include "tests/windows/run_process.h"
 
 namespace corvane::test {
 namespace {
@@ -19,36 +19,33 @@ std::wstring Small(std::wstring text) {
     return text;
 }
 
-void Add(HKEY key, const std::wstring& path, Snapshot& lines) {
+// Adds what stands below `name` of `parent` under the name `path`.
+void Add(HKEY parent, const std::wstring& name, const std::wstring& path, Snapshot& lines) {
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return;
     lines.insert(Small(path));
-    static std::vector<wchar_t> name(16384);
+    static std::vector<wchar_t> child(16384);
     static std::vector<BYTE> data(1 << 20);
     DWORD keys = 0, values = 0;
     RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, nullptr, nullptr,
                      nullptr);
     for (DWORD i = 0; i < values; i++) {
         DWORD length = 16384, type = 0, size = 1 << 20;
-        if (RegEnumValueW(key, i, name.data(), &length, nullptr, &type, data.data(), &size) != ERROR_SUCCESS) break;
+        if (RegEnumValueW(key, i, child.data(), &length, nullptr, &type, data.data(), &size) != ERROR_SUCCESS) break;
         std::wstring text(reinterpret_cast<wchar_t*>(data.data()), size / 2);
         while (text.ends_with(L'\0')) text.pop_back();
-        lines.insert(Small(path + L"|" + name.data() + L"|" + text));
+        lines.insert(Small(path + L"|" + child.data() + L"|" + text));
     }
-    for (DWORD i = 0; i < keys && RegEnumKeyW(key, i, name.data(), 16384) == ERROR_SUCCESS; i++) {
-        HKEY child = nullptr;
-        const std::wstring childName = name.data();
-        if (RegOpenKeyExW(key, childName.c_str(), 0, KEY_READ, &child) != ERROR_SUCCESS) continue;
-        Add(child, path + L"\\" + childName, lines);
-        RegCloseKey(child);
+    for (DWORD i = 0; i < keys && RegEnumKeyW(key, i, child.data(), 16384) == ERROR_SUCCESS; i++) {
+        Add(key, child.data(), path + L"\\" + child.data(), lines);
     }
+    RegCloseKey(key);
 }
 
 Snapshot TakeSnapshot() {
     Snapshot lines;
-    HKEY software = nullptr;
-    RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software", 0, KEY_READ, &software);
-    Add(software, L"HKLM", lines);
-    RegCloseKey(software);
-    Add(HKEY_CURRENT_USER, L"HKCU", lines);
+    Add(HKEY_LOCAL_MACHINE, L"Software", L"HKLM", lines);
+    Add(HKEY_CURRENT_USER, L"", L"HKCU", lines);
     return lines;
 }
 
@@ -72,56 +69,29 @@ DWORD RegSvr32(const std::wstring& options, const std::wstring& file) {
 // letters where the file system takes them.
 std::wstring CopyOfComponent() {
     const std::wstring source = ComponentPath().substr(0, ComponentPath().rfind(L'\\'));
-    const std::wstring beside = source.substr(0, source.rfind(L'\\') + 1);
-    std::wstring folder = beside + L"LTR 27 \u0434\u0440\u0430\u0439\u0432\u0435\u0440";
+    std::wstring folder = source + L"\\..\\LTR 27 драйвер";
     if (!CreateDirectoryW(folder.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS) {
-        folder = beside + L"LTR 27 driver";
-        CreateDirectoryW(folder.c_str(), nullptr);
+        CreateDirectoryW((folder = source + L"\\..\\LTR 27 driver").c_str(), nullptr);
     }
     for (const wchar_t* file : {L"\\Corvane.adc", L"\\ltrapi.dll", L"\\ltr27api.dll"}) {
         EXPECT_TRUE(CopyFileW((source + file).c_str(), (folder + file).c_str(), FALSE)) << GetLastError();
     }
-    return folder + L"\\Corvane.adc";
+    wchar_t path[MAX_PATH] = {};
+    GetFullPathNameW((folder + L"\\Corvane.adc").c_str(), MAX_PATH, path, nullptr);
+    return path;
 }
 
-constexpr wchar_t ClassId[] = L"{8C86D41E-5B13-49E0-ABA4-123E7066E30C}";
-
+// The file's own path and folder stand in the list as FILE and FOLDER.
 Snapshot ExpectedValues(const std::wstring& path) {
-    const std::wstring own = L"{B4598549-F4AF-4583-853E-DCB91FC0CDFD}", folder = path.substr(0, path.rfind(L'\\'));
-    const std::wstring host = L"{97B526A7-3B46-11D7-B688-FDAEA8668E28}", id = ClassId;
-    const std::wstring text = L"L-Card Corvane ADC Driver", root = L"HKLM\\Classes\\";
-    const std::wstring entry = root + L"CLSID\\" + id;
-    Snapshot values = {root + L"Tessmark.Corvane||" + text,
-                       root + L"Tessmark.Corvane\\CLSID||" + id,
-                       root + L"AppID\\" + id + L"||" + text,
-                       root + L"AppID\\" + id + L"|DllSurrogate|",
-                       entry + L"||" + text,
-                       entry + L"|AppID|" + id,
-                       entry + L"\\InprocServer32||" + path,
-                       entry + L"\\InprocServer32|ThreadingModel|Apartment",
-                       entry + L"\\ProgID||Tessmark.Corvane",
-                       entry + L"\\Programmable||",
-                       entry + L"\\TypeLib||" + own,
-                       entry + L"\\Version||1.1"};
-    const auto library = [&](const std::wstring& version, const std::wstring& name, const std::wstring& file) {
-        const std::wstring key = root + L"TypeLib\\" + version;
-        values.insert({key + L"||" + name, key + L"\\FLAGS||0", key + L"\\HELPDIR||" + folder});
-        values.insert(key + file);
-    };
-    library(own + L"\\1.1", text, L"\\409\\win32||" + path);
-    library(own + L"\\1.1", text, L"\\0\\win32||" + path);
-    library(host + L"\\1.0", L"ADCInterface3", L"\\0\\win32||" + path + L"\\2");
-    const std::wstring faces[][4] = {{L"{D75DF814-C1F9-411B-A556-490B3B57C88F}", L"_Corvane", own, L"1.1"},
-                                     {L"{FAC99029-3AFF-4FAD-A83E-C416F40B48B6}", L"_Corvane", own, L"1.1"},
-                                     {L"{97B526A8-3B46-11D7-B688-FDAEA8668E28}", L"IADC3", host, L"1.0"}};
-    for (const auto& [identifier, name, of, version] : faces) {
-        const std::wstring key = root + L"Interface\\" + identifier;
-        values.insert({key + L"||" + name, key + L"\\TypeLib||" + of, key + L"\\TypeLib|Version|" + version,
-                       key + L"\\ProxyStubClsid32||{00020424-0000-0000-C000-000000000046}"});
+    Snapshot values;
+    std::istringstream lines(TestData("registry_values.txt"));
+    for (std::string line; std::getline(lines, line);) {
+        std::wstring value(line.begin(), line.end());
+        if (const size_t at = value.find(L"FILE"); at < value.size()) value.replace(at, 4, path);
+        if (value.ends_with(L"FOLDER")) value.replace(value.size() - 6, 6, path, 0, path.rfind(L'\\'));
+        values.insert(Small(value));
     }
-    Snapshot small;
-    for (const std::wstring& value : values) small.insert(Small(value));
-    return small;
+    return values;
 }
 
 class RegistryEntries : public ::testing::Test {
@@ -145,7 +115,7 @@ protected:
         EXPECT_EQ(Snapshot(), Difference(before, Before));
     }
 
-    Apartment Apartment_;
+    Apartment Com;
     static inline Snapshot Before;  // taken once for all tests, as it takes seconds
 };
 
@@ -165,14 +135,14 @@ TEST_F(RegistryEntries, AreMadeAndRemovedFromAnyFolder) {
 // Below a key that is gone at the next start the platform makes no lasting ones.
 TEST_F(RegistryEntries, AreTakenBackWhenOneFails) {
     HKEY passing = nullptr;
-    const wchar_t key[] = L"Software\\Classes\\Interface\\{FAC99029-3AFF-4FAD-A83E-C416F40B48B6}";
-    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, key, 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE,
+    constexpr wchar_t Key[] = L"Software\\Classes\\Interface\\{FAC99029-3AFF-4FAD-A83E-C416F40B48B6}";
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, Key, 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE,
                                              nullptr, &passing, nullptr));
     RegSetValueExW(passing, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(L"old"), 8);
     RegCloseKey(passing);
     EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE), LoadedComponent().Call("DllRegisterServer"));
-    EXPECT_TRUE(TakeSnapshot().contains(Small(std::wstring(key).replace(0, 8, L"HKLM") + L"||old")));
-    RegDeleteKeyW(HKEY_LOCAL_MACHINE, key);
+    EXPECT_TRUE(TakeSnapshot().contains(Small(std::wstring(Key).replace(0, 8, L"HKLM") + L"||old")));
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, Key);
 }
 
 // Stands in for a machine whose user is no administrator: there is a key that he may read only.
@@ -186,13 +156,12 @@ TEST_F(RegistryEntries, AreTheUsersOwnWhereOnlyHeMayWrite) {
     ASSERT_EQ(ERROR_SUCCESS, RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine));
     const HRESULT registered = LoadedComponent().Call("DllRegisterServer");
     Snapshot own;
-    Add(HKEY_CURRENT_USER, L"HKCU", own);
+    Add(HKEY_CURRENT_USER, L"", L"HKCU", own);
     const HRESULT unregistered = LoadedComponent().Call("DllUnregisterServer");
     RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
     RegCloseKey(machine);
     SHDeleteKeyA(HKEY_CURRENT_USER, path.c_str());
-    EXPECT_EQ(S_OK, registered);
-    EXPECT_EQ(S_OK, unregistered);
+    EXPECT_TRUE(registered == S_OK && unregistered == S_OK);
     Snapshot expected;
     for (std::wstring value : ExpectedValues(ComponentPath())) expected.insert(value.replace(0, 4, L"hkcu\\software"));
     EXPECT_EQ(Snapshot(), Difference(expected, own));
@@ -208,19 +177,15 @@ const std::wstring OtherId = L"{11111111-2222-3333-4444-555555555555}";
 void Write(HKEY root, const std::vector<HostEntry>& entries) {
     for (const auto& [key, name, text] : entries) {
         SHSetValueW(root, (L"Software\\Classes\\" + key).c_str(), name, REG_SZ, text.c_str(),
-                    static_cast<DWORD>(text.size() * 2 + 2));
+                    static_cast<DWORD>(text.size()) * 2 + 2);
     }
 }
 
 // What stands in these two keys of the host's.
 Snapshot HostSnapshot(HKEY root) {
     Snapshot lines;
-    for (const std::wstring& each : {HostLibraryKey, HostInterfaceKey}) {
-        HKEY key = nullptr;
-        if (RegOpenKeyExW(root, (L"Software\\Classes\\" + each).c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) continue;
-        Add(key, each, lines);
-        RegCloseKey(key);
-    }
+    for (const std::wstring& key : {HostLibraryKey, HostInterfaceKey})
+        Add(root, L"Software\\Classes\\" + key, key, lines);
     return lines;
 }
 

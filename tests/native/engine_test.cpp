@@ -1,5 +1,4 @@
-#include "engine/store_block.h"
-
+// Rates with the blocks and waits that follow from them, and how a block's codes become samples.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,12 +6,45 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <tuple>
 
 #include "base/rounding.h"
+#include "engine/rate.h"
+#include "engine/store_block.h"
 #include "tests/sequence.h"
 
 namespace corvane {
 namespace {
+
+TEST(Rate, AnyNumberBecomesAReachableRate) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    // Asked for, effective, divisor.
+    const std::tuple<float, float, int> cases[] = {{400, 1000.0f / 3, 2}, {300, 1000.0f / 3, 2},  {3, 4, 249},
+                                                   {10, 10, 99},          {999, 1000, 0},         {-1, 4, 249},
+                                                   {infinity, 1000, 0},   {std::nanf(""), 4, 249}};
+    InputState input;
+    EngineState engine;
+    engine.Modules.resize(1);
+    engine.OpenedCount = 1;
+    for (const auto& [asked, effective, divisor] : cases) {
+        float rate = asked;
+        EXPECT_FLOAT_EQ(ApplyRate(input, engine, rate), effective) << asked;
+        EXPECT_EQ(input.Rate, EffectiveRate(input, asked));
+        EXPECT_EQ(engine.Modules[0].Handle.FrequencyDivisor, divisor);
+        EXPECT_EQ(ApplyRate(input, engine, input.Rate), EffectiveRate(input, asked));  // stays where it is
+    }
+}
+
+TEST(Rate, BlocksAndWaitsFollowTheRate) {
+    // Rate, kadrs, time-out, wait for the end.
+    const std::tuple<float, int32_t, int32_t, uint32_t> cases[] = {
+        {1000, 64, 564, 128}, {100, 8, 580, 160}, {20, 1, 550, 100}, {4, 1, 750, 500}, {1000.0f / 3, 32, 596, 192}};
+    for (const auto& [rate, blockKadrs, recvTimeout, stopWait] : cases) {
+        EXPECT_EQ(BlockKadrsFor(rate), blockKadrs) << rate;
+        EXPECT_EQ(RecvTimeoutFor(rate, blockKadrs), recvTimeout);
+        EXPECT_EQ(StopWaitFor(rate, blockKadrs), stopWait);
+    }
+}
 
 // The rule, written down once more in long-hand arithmetic.
 int16_t Expected(double code) {
@@ -25,9 +57,9 @@ int16_t Expected(double code) {
 }
 
 std::vector<double> Codes() {
-    constexpr double infinity = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double Infinity = std::numeric_limits<double>::infinity(), NaN = std::numeric_limits<double>::quiet_NaN();
     std::vector<double> codes = {0.0,           -0.0,  1e300,  -1e300,   5e-324,    2147483647.5, 2147483648.0,
-                                 -2147483649.0, 40000, -40000, infinity, -infinity, nan,          -nan};
+                                 -2147483649.0, 40000, -40000, Infinity, -Infinity, NaN,          -NaN};
     for (int code = -32770; code <= 32770; code++) {
         const double half = code + 0.5;
         for (const double each : {double(code), half, std::nextafter(half, -1e9), std::nextafter(half, 1e9)}) {
@@ -92,13 +124,9 @@ TEST_F(StoreBlockTest, EveryDoubleInEveryShapeOfTable) {
         Check(table, 64);
         Check(table, 63);
     }
-    for (const auto& [value, rounded] : {std::pair{2.5, 2}, {3.5, 4}}) {
-        EXPECT_EQ(ClampToInt16(value), rounded);
+    for (const auto& [value, rounded] : {std::pair{2.5, 2}, {3.5, 4}, {-1e300, INT32_MIN}, {1e300, INT32_MAX}}) {
         EXPECT_EQ(RoundToInt32(value), rounded);
     }
-    EXPECT_EQ(ClampToInt16(40000), 32767);
-    EXPECT_EQ(RoundToInt32(-1e300), INT32_MIN);
-    EXPECT_EQ(RoundToInt32(1e300), INT32_MAX);
 }
 
 }  // namespace
