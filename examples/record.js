@@ -2,6 +2,7 @@
 var channels = [0, 1, 2, 3], seconds = 2, rate = 100;
 
 var adc = new ActiveXObject("Tessmark.Corvane");
+adc.Interactive = false;  // no windows: with several crates, name one with CrateSerial
 if (!adc.Test()) {
     WScript.Echo("No device: " + adc.LastError);
     WScript.Quit(1);
@@ -33,6 +34,13 @@ for (var kadr = 1; kadr <= 5 && (kadr + 1) * columns <= samples.length; kadr++) 
         line += physical(samples[kadr * columns + column], samples[column]) + "; ";
     }
     WScript.Echo(line);
+}
+
+// Four numbers a gap: module, first kadr, kadrs, reason. Samples of these kadrs were filled in, not measured.
+var gaps = new VBArray(adc.Gaps).toArray();
+for (var gap = 0; gap < gaps.length; gap += 4) {
+    WScript.Echo("Not measured: module " + gaps[gap] + ", " + gaps[gap + 2] + " kadrs from " + gaps[gap + 1] +
+        ", reason " + gaps[gap + 3]);
 }
 
 // Wine's script host can't sleep; polling alone does there.

@@ -2,8 +2,9 @@
 Option Explicit
 Const Channels = 4, Seconds = 2, Rate = 100
 
-Dim adc, ranges, index, data, count, kadr, column, line
+Dim adc, ranges, index, data, count, kadr, column, line, gaps, gap
 Set adc = CreateObject("Tessmark.Corvane")
+adc.Interactive = False ' no windows: with several crates, name one with CrateSerial
 If Not adc.Test Then
     WScript.Echo "No device: " & adc.LastError
     WScript.Quit 1
@@ -40,6 +41,13 @@ For kadr = 1 To count
         Next
         WScript.Echo line
     End If
+Next
+
+' gaps(0 to 3, gap): module, first kadr, kadrs, reason. Samples of these kadrs were filled in, not measured.
+gaps = adc.Gaps
+For gap = 0 To UBound(gaps, 2)
+    WScript.Echo "Not measured: module " & gaps(0, gap) & ", " & gaps(2, gap) & " kadrs from " & gaps(1, gap) & _
+        ", reason " & gaps(3, gap)
 Next
 
 ' Wine's script host can't sleep; polling alone does there.

@@ -10,6 +10,8 @@ HRESULT Corvane::QueryInterface(REFIID identifier, void** object) {
     *object = nullptr;
     if (identifier == __uuidof(IADC3)) {
         *object = static_cast<IADC3*>(this);
+    } else if (identifier == __uuidof(ICorvaneStatus)) {
+        *object = static_cast<ICorvaneStatus*>(this);
     } else if (identifier == __uuidof(IProvideClassInfo)) {
         *object = static_cast<IProvideClassInfo*>(this);
     } else if (identifier == __uuidof(IUnknown) || identifier == __uuidof(IDispatch) ||
@@ -199,6 +201,54 @@ HRESULT Corvane::ShowSetting(VARIANT_BOOL* result) {
 
 HRESULT Corvane::get_Parent(IDispatch** result) {
     return Guard(result, [&] { return AddRef(), OwnInterface(); });
+}
+
+HRESULT Corvane::get_Interactive(VARIANT_BOOL* result) {
+    return Guard(result, [&] { return Driver_.Interactive(); });
+}
+
+HRESULT Corvane::put_Interactive(VARIANT_BOOL value) {
+    return Guard([&] { Driver_.SetInteractive(value != VARIANT_FALSE); });
+}
+
+HRESULT Corvane::get_Server(BSTR* result) {
+    return Guard(result, [&] { return Driver_.Server(); });
+}
+
+HRESULT Corvane::put_Server(BSTR address) {
+    return Guard([&] { Check(Driver_.SetServer(FromBstr(address)) ? S_OK : E_INVALIDARG); });
+}
+
+HRESULT Corvane::get_CrateSerial(BSTR* result) {
+    return Guard(result, [&] { return Driver_.CrateSerial(); });
+}
+
+HRESULT Corvane::put_CrateSerial(BSTR serial) {
+    return Guard([&] { Driver_.SetCrateSerial(FromBstr(serial)); });
+}
+
+HRESULT Corvane::get_CrateInfo(BSTR* result) {
+    return Guard(result, [&] { return Driver_.CrateInfo(); });
+}
+
+HRESULT Corvane::get_ModulesCount(short* result) {
+    return Guard(result, [&] { return Driver_.ModulesCount(); });
+}
+
+HRESULT Corvane::get_ModuleInfo(short index, BSTR* result) {
+    return Guard(result, [&] { return Driver_.ModuleInfo(index); });
+}
+
+HRESULT Corvane::get_KadrsRecorded(double* result) {
+    return Guard(result, [&] { return static_cast<double>(Driver_.KadrsRecorded()); });
+}
+
+HRESULT Corvane::get_KadrsRead(double* result) {
+    return Guard(result, [&] { return static_cast<double>(Driver_.KadrsRead()); });
+}
+
+HRESULT Corvane::get_Gaps(SAFEARRAY** result) {
+    return Guard(result, [&] { return Driver_.Gaps(); });
 }
 
 }  // namespace corvane

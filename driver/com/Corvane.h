@@ -1,5 +1,5 @@
 // The component's class as COM sees it: each member checks and converts in Guard and passes on to the driver object.
-// Two dual interfaces with an IDispatch each; the object's own is that of _Corvane, which scripts use.
+// Three dual interfaces with an IDispatch each; the object's own is that of _Corvane, which scripts use.
 #pragma once
 
 #include <windows.h>
@@ -14,10 +14,14 @@
 
 namespace corvane {
 
-class Corvane final : private LibraryUse, public ScriptMembers, public TypedMembers, public IProvideClassInfo {
+class Corvane final : private LibraryUse,
+                      public ScriptMembers,
+                      public TypedMembers,
+                      public StatusMembers,
+                      public IProvideClassInfo {
 public:
     // Born with one reference, the caller's.
-    Corvane() : ScriptMembers(static_cast<IADC3&>(*this)) {}
+    Corvane() : ScriptMembers(static_cast<IADC3&>(*this), static_cast<ICorvaneStatus&>(*this)) {}
     Corvane(const Corvane&) = delete;
     Corvane& operator=(const Corvane&) = delete;
 
@@ -67,6 +71,20 @@ public:
     HRESULT STDMETHODCALLTYPE get_LastError(BSTR* result) override;
     HRESULT STDMETHODCALLTYPE ShowSetting(VARIANT_BOOL* result) override;
     HRESULT STDMETHODCALLTYPE get_Parent(IDispatch** result) override;
+
+    // ICorvaneStatus
+    HRESULT STDMETHODCALLTYPE get_Interactive(VARIANT_BOOL* result) override;
+    HRESULT STDMETHODCALLTYPE put_Interactive(VARIANT_BOOL value) override;
+    HRESULT STDMETHODCALLTYPE get_Server(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_Server(BSTR address) override;
+    HRESULT STDMETHODCALLTYPE get_CrateSerial(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_CrateSerial(BSTR serial) override;
+    HRESULT STDMETHODCALLTYPE get_CrateInfo(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE get_ModulesCount(short* result) override;
+    HRESULT STDMETHODCALLTYPE get_ModuleInfo(short index, BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE get_KadrsRecorded(double* result) override;
+    HRESULT STDMETHODCALLTYPE get_KadrsRead(double* result) override;
+    HRESULT STDMETHODCALLTYPE get_Gaps(SAFEARRAY** result) override;
 
 private:
     ~Corvane() = default;

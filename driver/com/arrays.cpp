@@ -43,6 +43,22 @@ SAFEARRAY* ToArray(std::span<const std::string> texts) {
     return array.release();
 }
 
+SAFEARRAY* ToArray(std::span<const Gap> gaps) {
+    const ULONG sizes[] = {4, static_cast<ULONG>(gaps.size())};
+    ArrayOwner array = Create(VT_R8, sizes);
+    {
+        LockedElements<double> elements(array.get());
+        double* next = elements.First;
+        for (const Gap& gap : gaps) {
+            *next++ = gap.Module;
+            *next++ = static_cast<double>(gap.First);
+            *next++ = static_cast<double>(gap.Kadrs);
+            *next++ = static_cast<double>(gap.Reason);
+        }
+    }
+    return array.release();
+}
+
 std::vector<int16_t> FromArray(SAFEARRAY* array) {
     if (array == nullptr) return {};
     if (SafeArrayGetDim(array) != 1 || !HoldsShorts(array)) throw Failure{E_INVALIDARG};

@@ -1,5 +1,5 @@
 // Automation's arrays to and from the driver's vectors. Every array handed out belongs to the caller and is typed
-// (VT_I2 or VT_BSTR), with lower bounds 0. Functions throw std::bad_alloc or Failure.
+// (VT_I2, VT_BSTR or VT_R8), with lower bounds 0. Functions throw std::bad_alloc or Failure.
 #pragma once
 
 #include <windows.h>
@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "driver/com/failure.h"
+#include "driver/model/gap.h"
 
 namespace corvane {
 
@@ -45,6 +46,9 @@ private:
 
 SAFEARRAY* ToArray(std::span<const int16_t> samples);
 SAFEARRAY* ToArray(std::span<const std::string> texts);
+
+// Dimension 1 is the gap's four numbers, module, first kadr, kadrs and reason, adjacent in memory; dimension 2 the gap.
+SAFEARRAY* ToArray(std::span<const Gap> gaps);
 
 // Elements of a one-dimensional array of short, whatever its lower bound; it may be empty, which null is too: a dynamic
 // array that was never allocated. E_INVALIDARG for other elements and for more dimensions.

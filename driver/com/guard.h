@@ -26,6 +26,9 @@ inline void Store(SAFEARRAY** destination, const std::vector<int16_t>& samples) 
 inline void Store(SAFEARRAY** destination, const std::vector<std::string>& texts) {
     *destination = ToArray(texts);
 }
+inline void Store(SAFEARRAY** destination, const std::vector<Gap>& gaps) {
+    *destination = ToArray(gaps);
+}
 
 template <class Destination, std::convertible_to<Destination> Value>
 void Store(Destination* destination, Value value) {

@@ -36,6 +36,13 @@ std::vector<TypeLibraryRow> TypeLibraries() {
          {L"0"},
          {{__uuidof(IADC3), L"IADC3"}},
          true},
+        {CorvaneStatusLibrary,
+         CorvaneStatusVersion,
+         L"CorvaneStatus",
+         CorvaneStatusResource,
+         {L"0"},
+         {{__uuidof(ICorvaneStatus), L"ICorvaneStatus"}},
+         false},
     };
 }
 

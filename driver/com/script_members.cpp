@@ -12,6 +12,13 @@ namespace {
 // Dispatch identifiers, as IADC3's description has them.
 constexpr DISPID GetADC3Member = 0x60030031, InputChannelsMember = 21, GetDataMember = 27;
 
+// ICorvaneStatus' identifiers start where no member of IADC3 can ever be.
+constexpr DISPID FirstStatusMember = 101, LastStatusMember = 109;
+
+bool IsStatusMember(DISPID id) {
+    return id >= FirstStatusMember && id <= LastStatusMember;
+}
+
 // Numbers go back into a script's variable and into a caller's long; a mere value has no place for them.
 void GiveBack(VARIANT& argument, LONG number) {
     if (argument.vt == (VT_BYREF | VT_VARIANT)) {
@@ -68,9 +75,9 @@ bool IsLateTable(IADC3& driver, DISPID id, WORD flags, const DISPPARAMS& paramet
            SUCCEEDED(driver.get_Busy(&busy)) && busy != VARIANT_FALSE;
 }
 
-// No member but GetData changes its arguments, so values serve for all of them; IADC3's dispatch makes of them what the
-// member wants.
-void InvokeWithValues(IADC3& driver, DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
+// No member but GetData changes its arguments, so values serve for all of them; the interface's own dispatch makes of
+// them what the member wants.
+void InvokeWithValues(IDispatch& members, DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
                       EXCEPINFO* exception, UINT* argument) {
     std::vector<OwnedVariant> values(parameters.cArgs);
     ArrayOwner table;
@@ -88,7 +95,7 @@ void InvokeWithValues(IADC3& driver, DISPID id, WORD flags, const DISPPARAMS& pa
             Check(VariantCopyInd(&values[i], &parameters.rgvarg[i]));
         }
     }
-    Check(driver.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &plain, result, exception, argument));
+    Check(members.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &plain, result, exception, argument));
     if (result != nullptr) MakeReadable(*result);
 }
 
@@ -103,7 +110,9 @@ HRESULT TypedMembers::Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags
 HRESULT ScriptMembers::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) {
     const HRESULT own = Dual::GetIDsOfNames(reserved, names, count, locale, ids);
     if (own != DISP_E_UNKNOWNNAME || count == 0 || ids[0] != DISPID_UNKNOWN) return own;
-    return Driver_.GetIDsOfNames(reserved, names, count, locale, ids);
+    const HRESULT drivers = Driver_.GetIDsOfNames(reserved, names, count, locale, ids);
+    if (drivers != DISP_E_UNKNOWNNAME || ids[0] != DISPID_UNKNOWN) return drivers;
+    return Status_.GetIDsOfNames(reserved, names, count, locale, ids);
 }
 
 HRESULT ScriptMembers::Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
@@ -118,7 +127,9 @@ HRESULT ScriptMembers::Invoke(DISPID id, REFIID reserved, LCID locale, WORD flag
             constexpr WORD Puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
             const WORD asked = (flags & Puts) != 0 ? WORD{DISPATCH_PROPERTYPUT} : flags;
             if (IsLateTable(Driver_, id, asked, *parameters)) return;
-            if (IsScriptsGetData(id, asked, *parameters, argument)) {
+            if (IsStatusMember(id)) {
+                InvokeWithValues(Status_, id, asked, *parameters, result, exception, argument);
+            } else if (IsScriptsGetData(id, asked, *parameters, argument)) {
                 GetDataIntoVariable(Driver_, *parameters, result);
             } else if (id == GetDataMember) {
                 Check(Driver_.Invoke(id, reserved, locale, asked, parameters, result, exception, argument));

@@ -1,7 +1,7 @@
-// The two dispatch interfaces of the object. Its own is that of _Corvane, which also answers IADC3's members by name,
-// so that a script can record. On this road, and only on it, arrays come out as arrays of VARIANT, and arguments go in
-// in any form that a script makes. Unknown names and identifiers, wrong counts and types are answered with automation's
-// own results.
+// The dispatch interfaces of the object. Its own is that of _Corvane, which also answers the members of IADC3 and of
+// ICorvaneStatus by name, so that a script can record. On this road, and only on it, arrays come out as arrays of
+// VARIANT, and arguments go in in any form that a script makes. Unknown names and identifiers, wrong counts and types
+// are answered with automation's own results.
 #pragma once
 
 #include "driver/com/automation.h"
@@ -21,6 +21,8 @@ protected:
     ~TypedMembers() = default;
 };
 
+using StatusMembers = Dual<ICorvaneStatus, CorvaneStatusResource>;
+
 class ScriptMembers : public Dual<_Corvane, TessmarkResource> {
 public:
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
@@ -29,12 +31,13 @@ public:
                                      VARIANT* result, EXCEPINFO* exception, UINT* argument) override;
 
 protected:
-    // The interface belongs to the same object.
-    explicit ScriptMembers(IADC3& driver) : Driver_(driver) {}
+    // The interfaces belong to the same object.
+    ScriptMembers(IADC3& driver, ICorvaneStatus& status) : Driver_(driver), Status_(status) {}
     ~ScriptMembers() = default;
 
 private:
     IADC3& Driver_;
+    ICorvaneStatus& Status_;
 };
 
 }  // namespace corvane

@@ -68,15 +68,18 @@ std::vector<int16_t> ReadObject(IDispatch* object) {
     return numbers;
 }
 
-void CopyElements(SAFEARRAY* source, VARTYPE type, VARIANT* destination, size_t count) {
-    if (type == VT_I2) {
-        const LockedElements<int16_t> elements(source);
-        for (size_t i = 0; i < count; i++) {
-            destination[i].vt = VT_I2;
-            destination[i].iVal = elements.First[i];
-        }
-        return;
+template <class Number>
+void CopyNumbers(SAFEARRAY* source, VARTYPE type, Number VARIANT::*number, VARIANT* destination, size_t count) {
+    const LockedElements<Number> elements(source);
+    for (size_t i = 0; i < count; i++) {
+        destination[i].vt = type;
+        destination[i].*number = elements.First[i];
     }
+}
+
+void CopyElements(SAFEARRAY* source, VARTYPE type, VARIANT* destination, size_t count) {
+    if (type == VT_I2) return CopyNumbers(source, type, &VARIANT::iVal, destination, count);
+    if (type == VT_R8) return CopyNumbers(source, type, &VARIANT::dblVal, destination, count);
     const LockedElements<BSTR> elements(source);
     for (size_t i = 0; i < count; i++) {
         destination[i].bstrVal = SysAllocStringLen(elements.First[i], SysStringLen(elements.First[i]));
@@ -103,7 +106,8 @@ std::vector<int16_t> ReadShorts(const VARIANT& argument) {
 }
 
 void MakeReadable(VARIANT& value) {
-    if (value.vt != (VT_ARRAY | VT_I2) && value.vt != (VT_ARRAY | VT_BSTR)) return;
+    const int element = value.vt ^ VT_ARRAY;
+    if (element != VT_I2 && element != VT_R8 && element != VT_BSTR) return;
     const UINT dimensions = SafeArrayGetDim(value.parray);
     // An array keeps its bounds last dimension first; elements lie the same way in both arrays.
     const std::vector<SAFEARRAYBOUND> bounds(std::make_reverse_iterator(value.parray->rgsabound + dimensions),
@@ -112,7 +116,7 @@ void MakeReadable(VARIANT& value) {
     if (!readable) throw std::bad_alloc();
     size_t count = 1;
     for (const SAFEARRAYBOUND& bound : bounds) count *= bound.cElements;
-    CopyElements(value.parray, value.vt & VT_TYPEMASK, LockedElements<VARIANT>(readable.get()).First, count);
+    CopyElements(value.parray, static_cast<VARTYPE>(element), LockedElements<VARIANT>(readable.get()).First, count);
     VariantClear(&value);
     value.vt = VT_ARRAY | VT_VARIANT;
     value.parray = readable.release();

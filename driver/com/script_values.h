@@ -28,7 +28,8 @@ int32_t ReadLong(const VARIANT& argument);
 // named by their index, as JScript's arrays are.
 std::vector<int16_t> ReadShorts(const VARIANT& argument);
 
-// Puts an array of VARIANT with the same bounds in place of a typed array of short or BSTR; leaves the rest alone.
+// Puts an array of VARIANT with the same bounds in place of a typed array of short, double or BSTR; leaves the rest
+// alone.
 void MakeReadable(VARIANT& value);
 
 }  // namespace corvane

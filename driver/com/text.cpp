@@ -13,4 +13,8 @@ BSTR ToBstr(std::string_view utf8) {
     return result;
 }
 
+std::string FromBstr(BSTR text) {
+    return platform::Utf8(std::wstring_view(text, SysStringLen(text)));
+}
+
 }  // namespace corvane

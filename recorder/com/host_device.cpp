@@ -1,10 +1,11 @@
 // The driver through COM, as any host reaches it: the component is found by its name in the registry, and used through
-// IADC3 alone.
+// IADC3 and ICorvaneStatus.
 #include "recorder/host_device.h"
 
 #include <windows.h>
 // windows.h first: the others build on it.
 #include <ADCInterface3.h>
+#include <CorvaneStatus.h>
 #include <fmt/format.h>
 #include <objbase.h>
 #include <oleauto.h>
@@ -48,19 +49,17 @@ void Check(HRESULT result, const char* member) {
     throw Failure(ExitCode::NoDriver, fmt::format("Corvane can't be loaded (0x{:08X}). {}", Code(result), what));
 }
 
-// Elements of a one-dimensional array, taken over from the driver and freed here.
+// The values of an array of any dimensions, in their order in memory, taken over from the driver and freed here.
 template <class Element, class Value>
 std::vector<Value> TakeArray(SAFEARRAY* array, const char* member, Value (*convert)(Element)) {
-    LONG lower = 0;
-    LONG upper = -1;
     void* data = nullptr;
     std::vector<Value> values;
-    HRESULT result = array == nullptr ? E_POINTER : SafeArrayGetLBound(array, 1, &lower);
-    if (SUCCEEDED(result)) result = SafeArrayGetUBound(array, 1, &upper);
-    if (SUCCEEDED(result)) result = SafeArrayAccessData(array, &data);
+    const HRESULT result = array == nullptr ? E_POINTER : SafeArrayAccessData(array, &data);
     if (SUCCEEDED(result)) {
+        size_t count = 1;
+        for (USHORT i = 0; i < array->cDims; i++) count *= array->rgsabound[i].cElements;
         const auto* elements = static_cast<const Element*>(data);
-        for (LONG i = 0; i <= upper - lower; i++) values.push_back(convert(elements[i]));
+        for (size_t i = 0; i < count; i++) values.push_back(convert(elements[i]));
         SafeArrayUnaccessData(array);
     }
     if (array != nullptr) SafeArrayDestroy(array);
@@ -73,6 +72,7 @@ std::vector<Value> TakeArray(SAFEARRAY* array, const char* member, Value (*conve
 struct HostDevice::Driver {
     Driver();
     ~Driver() {
+        Status->Release();
         Device->Release();
         CoUninitialize();
     }
@@ -87,6 +87,13 @@ struct HostDevice::Driver {
     }
 
     template <class Value>
+    Value Get(HRESULT (STDMETHODCALLTYPE ICorvaneStatus::*member)(Value*), const char* name) const {
+        Value value{};
+        Check((Status->*member)(&value), name);
+        return value;
+    }
+
+    template <class Value>
     Value Get(HRESULT (STDMETHODCALLTYPE IADC3::*member)(short*, Value*), short index, const char* name) const {
         Value value{};
         Check((Device->*member)(&index, &value), name);
@@ -94,9 +101,22 @@ struct HostDevice::Driver {
     }
 
     IADC3* Device = nullptr;
+    ICorvaneStatus* Status = nullptr;
 };
 
 namespace {
+
+struct FreeText {
+    void operator()(OLECHAR* text) const { SysFreeString(text); }
+};
+using TextOwner = std::unique_ptr<OLECHAR, FreeText>;
+
+TextOwner Text(const std::string& utf8) {
+    const std::wstring wide = platform::Wide(utf8);
+    TextOwner text(SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size())));
+    if (!text) throw std::bad_alloc();
+    return text;
+}
 
 std::string TakeText(BSTR text) {
     std::string utf8 = Utf8(text);
@@ -126,6 +146,16 @@ HostDevice::Driver::Driver() {
                       fmt::format("The component Tessmark.Corvane does not offer IADC3 (0x{:08X}). Another program may "
                                   "have taken its name: register Corvane again with: regsvr32 Corvane.adc",
                                   Code(result)));
+    }
+    result = Device->QueryInterface(IID_PPV_ARGS(&Status));
+    if (FAILED(result)) {
+        Device->Release();
+        CoUninitialize();
+        throw Failure(
+            ExitCode::NoDriver,
+            fmt::format("The registered Corvane can't tell which samples were measured (0x{:08X}): it is older "
+                        "than this program. Register the Corvane.adc that came with it.",
+                        Code(result)));
     }
 }
 
@@ -233,6 +263,52 @@ bool HostDevice::HasDialogs() {
 }
 void HostDevice::ShowSetting() {
     Driver_->Get(&IADC3::ShowSetting, "ShowSetting");
+}
+
+void HostDevice::SetInteractive(bool interactive) {
+    Check(Driver_->Status->put_Interactive(interactive ? VARIANT_TRUE : VARIANT_FALSE), "Interactive");
+}
+
+bool HostDevice::SetServer(const std::string& address) {
+    const HRESULT result = Driver_->Status->put_Server(Text(address).get());
+    if (result == E_INVALIDARG) return false;
+    Check(result, "Server");
+    return true;
+}
+
+void HostDevice::SetCrateSerial(const std::string& serial) {
+    Check(Driver_->Status->put_CrateSerial(Text(serial).get()), "CrateSerial");
+}
+std::string HostDevice::CrateInfo() const {
+    return TakeText(Driver_->Get(&ICorvaneStatus::get_CrateInfo, "CrateInfo"));
+}
+int16_t HostDevice::ModulesCount() const {
+    return Driver_->Get(&ICorvaneStatus::get_ModulesCount, "ModulesCount");
+}
+
+std::string HostDevice::ModuleInfo(int16_t index) const {
+    BSTR text = nullptr;
+    Check(Driver_->Status->get_ModuleInfo(index, &text), "ModuleInfo");
+    return TakeText(text);
+}
+
+int64_t HostDevice::KadrsRecorded() const {
+    return static_cast<int64_t>(Driver_->Get(&ICorvaneStatus::get_KadrsRecorded, "KadrsRecorded"));
+}
+int64_t HostDevice::KadrsRead() const {
+    return static_cast<int64_t>(Driver_->Get(&ICorvaneStatus::get_KadrsRead, "KadrsRead"));
+}
+
+std::vector<Gap> HostDevice::Gaps() const {
+    const std::vector<int64_t> numbers =
+        TakeArray<double, int64_t>(Driver_->Get(&ICorvaneStatus::get_Gaps, "Gaps"), "Gaps",
+                                   [](double number) { return static_cast<int64_t>(number); });
+    std::vector<Gap> gaps;
+    for (size_t i = 0; i + 3 < numbers.size(); i += 4) {
+        gaps.push_back(
+            {static_cast<int32_t>(numbers[i]), numbers[i + 1], numbers[i + 2], static_cast<GapReason>(numbers[i + 3])});
+    }
+    return gaps;
 }
 
 }  // namespace corvane::recorder

@@ -113,6 +113,15 @@ Array MakeShorts(const std::vector<short>& values, LONG lowerBound) {
     return array;
 }
 
+std::vector<double> GapNumbers(SAFEARRAY* gaps) {
+    VARTYPE type = VT_EMPTY;
+    if (gaps == nullptr || SafeArrayGetDim(gaps) != 2 || FAILED(SafeArrayGetVartype(gaps, &type))) return {-1};
+    const SAFEARRAYBOUND count = gaps->rgsabound[0], four = gaps->rgsabound[1];  // the last dimension comes first
+    if (type != VT_R8 || four.cElements != 4 || four.lLbound != 0 || count.lLbound != 0) return {-2};
+    const double* first = static_cast<const double*>(gaps->pvData);
+    return {first, first + size_t{4} * count.cElements};
+}
+
 void SelectChannels(IADC3* driver, const std::vector<short>& channels) {
     const Array owner = MakeShorts(channels, 0);
     SAFEARRAY* array = owner.get();

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <ADCInterface3.h>
+#include <CorvaneStatus.h>
 #include <Tessmark.h>
 #include <gtest/gtest.h>
 #include <oleauto.h>
@@ -82,6 +83,8 @@ struct ArrayDestroyer {
 using Array = std::unique_ptr<SAFEARRAY, ArrayDestroyer>;
 
 Array MakeShorts(const std::vector<short>& values, LONG lowerBound);
+// The numbers of all gaps, four each; something else when the array isn't made so.
+std::vector<double> GapNumbers(SAFEARRAY* gaps);
 void SelectChannels(IADC3* driver, const std::vector<short>& channels);
 std::vector<short> SelectedChannels(IADC3* driver);
 

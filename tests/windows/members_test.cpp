@@ -270,22 +270,34 @@ TEST_F(Scripts, MistakesHaveAutomationsResults) {
     SysFreeString(text.bstrVal);
 }
 
-// The examples as a user runs them, on the simulator's default crate.
+// The examples as a user runs them: on the simulator's default crate, and on one that pauses for a block.
 TEST_F(Scripts, ExamplesRecordTwoSeconds) {
     const std::wstring folder = ComponentPath().substr(0, ComponentPath().rfind(L'\\') + 1);
-    for (const wchar_t* script : {L"record.vbs", L"record.js"}) {
-        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-        const std::filesystem::path path = folder + L"script-output.txt";
-        const HANDLE output = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
-                                          FILE_ATTRIBUTE_NORMAL, nullptr);
-        EXPECT_EQ(0u, RunProcess(L"cscript //nologo \"" + folder + script + L"\"", 30000, output));
-        CloseHandle(output);
-        std::ifstream file(path);
-        const std::string text{std::istreambuf_iterator<char>(file), {}};
-        for (const char* part : {"LTR27, 32 channels, up to 1000 Hz", " at 100 Hz", " mV; "}) {
-            EXPECT_NE(std::string::npos, text.find(part)) << text;
+    const std::filesystem::path scenario = folder + L"script.toml";
+    std::ofstream(scenario) << SequenceCrate({1}, "1") << "[[fault]]\ncall = \"LTR27_Recv\"\n"
+                            << "after = 5\ntimes = 1\nstall = true\n";
+    // What the script says of either crate.
+    const std::vector<const char*> ofDefault = {"LTR27, 32 channels, up to 1000 Hz", " at 100 Hz", " mV; "};
+    const std::vector<const char*> ofPausing = {"Not measured: module 0, 8 kadrs from 40, reason 2\r\n"};
+    for (const std::wstring script : {L"record.vbs", L"record.js"}) {
+        for (const bool pausing : {false, true}) {
+            SetEnvironmentVariableW(L"LTRSIM_SCENARIO", pausing ? scenario.c_str() : nullptr);
+            SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+            const std::filesystem::path path = folder + L"script-output.txt";
+            const HANDLE output = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
+                                              FILE_ATTRIBUTE_NORMAL, nullptr);
+            EXPECT_EQ(0u, RunProcess(L"cscript //nologo \"" + folder + script + L"\"", 30000, output));
+            CloseHandle(output);
+            std::ifstream file(path, std::ios::binary);
+            const std::string text{std::istreambuf_iterator<char>(file), {}};
+            for (const char* part : pausing ? ofPausing : ofDefault) {
+                EXPECT_NE(std::string::npos, text.find(part)) << text;
+            }
+            EXPECT_EQ(pausing, text.find("Not measured") != std::string::npos) << text;
         }
     }
+    SetEnvironmentVariableW(L"LTRSIM_SCENARIO", nullptr);
+    DeleteFileW(scenario.c_str());
 }
 
 }  // namespace

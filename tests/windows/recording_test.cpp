@@ -127,7 +127,7 @@ void EndSurrogate() {
 
 TEST_F(Recording, WorksFromAnotherProcess) {
     const std::filesystem::path scenario = ComponentPath() + L".toml";
-    std::ofstream(scenario) << SequenceScenario(2);
+    std::ofstream(scenario) << SequenceScenario(2) << "[[fault]]\ncall = \"LTR27_Recv\"\nafter = 1000\nstall = true\n";
     SetEnvironmentVariableW(L"LTRSIM_SCENARIO", scenario.c_str());
     ComPtr<_Corvane> object;
     EXPECT_EQ(S_OK, CoCreateInstance(__uuidof(::Corvane), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&object)));
@@ -137,7 +137,26 @@ TEST_F(Recording, WorksFromAnotherProcess) {
     const bool reached = object && SUCCEEDED(object->GetADC3(driver.GetAddressOf())) && SUCCEEDED(driver.As(&remote));
     EXPECT_EQ("", reached ? Record(remote.Get(), 1000, 10000) : "no driver");
     EXPECT_EQ(0, LtrSim_OpenConnections()) << "it was this process that recorded";
+    // The other interface crosses the border, too; so does its list, empty or not.
+    ComPtr<ICorvaneStatus> status;
+    EXPECT_TRUE(reached && SUCCEEDED(remote.As(&status)));
+    SAFEARRAY* gaps = nullptr;
+    double recorded = 0;
+    std::vector<double> numbers;
+    EXPECT_TRUE(status && status->get_Gaps(&gaps) == S_OK);
+    EXPECT_EQ(numbers, GapNumbers(Array(gaps).get()));
+    const auto silent = [&] {
+        SequenceCheck any(2);
+        TakeInputData(remote.Get(), 32, any);
+        status->get_Gaps(&gaps);
+        numbers = GapNumbers(Array(gaps).get());
+        return !numbers.empty();
+    };
+    EXPECT_TRUE(status && WaitFor(silent, Patience));
+    EXPECT_TRUE(numbers.size() >= 4 && numbers[1] >= 10000 && numbers[3] == 2);
+    EXPECT_TRUE(status && status->get_KadrsRecorded(&recorded) == S_OK && recorded > 10000);
     EXPECT_TRUE(!reached || remote->StopRecord() == S_OK);
+    status.Reset();
     driver.Reset();
     remote.Reset();
     object.Reset();

@@ -33,7 +33,7 @@ TEST_F(Registration, ObjectObeysTheRulesOfIdentity) {
     EXPECT_EQ(own, Query(driver.Get(), EarlierCorvane));
     EXPECT_EQ(own, Query(driver.Get(), __uuidof(IDispatch)));
     for (const GUID& identifier : {__uuidof(IUnknown), __uuidof(IDispatch), __uuidof(_Corvane), EarlierCorvane,
-                                   __uuidof(IADC3), __uuidof(IProvideClassInfo)}) {
+                                   __uuidof(IADC3), __uuidof(ICorvaneStatus), __uuidof(IProvideClassInfo)}) {
         const ComPtr<IUnknown> face = Query(identity.Get(), identifier);
         ASSERT_NE(nullptr, face);
         EXPECT_EQ(identity, Query(face.Get(), __uuidof(IUnknown)));

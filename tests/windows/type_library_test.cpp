@@ -54,8 +54,9 @@ std::string TypeName(ITypeInfo* info, const TYPEDESC& type) {
     if (type.vt == VT_SAFEARRAY) return "array of " + TypeName(info, *type.lptdesc);
     if (type.vt == VT_USERDEFINED) return Title(Referenced(info, type.hreftype).Get());
     const std::map<VARTYPE, const char*> names = {
-        {VT_UI1, "byte"},         {VT_I2, "short"},  {VT_I4, "long"},         {VT_R4, "float"},
-        {VT_BOOL, "bool"},        {VT_BSTR, "BSTR"}, {VT_HRESULT, "HRESULT"}, {VT_DISPATCH, "IDispatch*"},
+        {VT_UI1, "byte"},         {VT_I2, "short"},        {VT_I4, "long"},
+        {VT_R4, "float"},         {VT_R8, "double"},       {VT_BOOL, "bool"},
+        {VT_BSTR, "BSTR"},        {VT_HRESULT, "HRESULT"}, {VT_DISPATCH, "IDispatch*"},
         {VT_UNKNOWN, "IUnknown*"}};
     return names.contains(type.vt) ? names.at(type.vt) : "type " + std::to_string(type.vt);
 }
@@ -142,7 +143,8 @@ TEST(TypeLibraries, SayWhatHostsAreCompiledAgainst) {
     // What the class refers to is found through the registry.
     ASSERT_EQ(S_OK, LoadedComponent().Call("DllRegisterServer"));
     EXPECT_EQ(TestData("type_libraries.txt"), Library(ComponentPath() + L"\\2", 1, {__uuidof(IADC3)}) +
-                                                  Library(ComponentPath(), 3, {__uuidof(::Corvane), EarlierCorvane}));
+                                                  Library(ComponentPath(), 3, {__uuidof(::Corvane), EarlierCorvane}) +
+                                                  Library(ComponentPath() + L"\\3", 1, {__uuidof(ICorvaneStatus)}));
     EXPECT_EQ(S_OK, LoadedComponent().Call("DllUnregisterServer"));
 }
 
