@@ -20,7 +20,8 @@ struct Options {
     double Duration = 0;                           // s
     double StallTimeout = 0;                       // s; 0: no limit
     std::string OutputPath;
-    std::string PlotPath;  // empty: no plot
+    std::string PlotPath;     // empty: no plot
+    bool KeepFilled = false;  // write what the driver filled in where nothing was measured
     bool Quiet = false;
 };
 

@@ -12,7 +12,11 @@ constexpr auto WriteInterval = std::chrono::seconds(2);  // no more is lost when
 }  // namespace
 
 RecordingFiles::RecordingFiles(const Options& options, const RecordingTask& task)
-    : Task_(task), Csv_(task.Channels, task.Rate), CsvFile_(options.OutputPath), Envelope_(task.Channels.size()) {
+    : KeepFilled_(options.KeepFilled),
+      Task_(task),
+      Csv_(task.Channels, task.Rate),
+      CsvFile_(options.OutputPath),
+      Envelope_(MissingBits(task.Channels)) {
     if (!options.PlotPath.empty()) PlotFile_.emplace(options.PlotPath);
 }
 
@@ -24,9 +28,10 @@ void RecordingFiles::Begin(const std::string& device) {
     LastWrite_ = Clock::now();
 }
 
-void RecordingFiles::Add(std::span<const int16_t> samples) {
-    Csv_.AppendRows(CsvFile_.Buffer(), samples);
-    Envelope_.Add(samples);
+void RecordingFiles::Add(TakenKadrs kadrs) {
+    if (KeepFilled_) kadrs.Missing = {};
+    Csv_.AppendRows(CsvFile_.Buffer(), kadrs);
+    Envelope_.Add(kadrs);
     CsvFile_.WriteWhenLarge();
 }
 
@@ -36,16 +41,16 @@ void RecordingFiles::WriteWhenDue() {
     LastWrite_ = Clock::now();
 }
 
-void RecordingFiles::Finish(const std::vector<std::string>& remarks) {
+void RecordingFiles::Finish(const std::vector<std::string>& remarks, std::span<const Gap> gaps) {
     for (const std::string& remark : remarks) CsvFile_.Buffer() += fmt::format("# {}\n", remark);
     CsvFile_.Close();
-    if (PlotFile_) WritePlot();
+    if (PlotFile_) WritePlot(gaps);
 }
 
-void RecordingFiles::WritePlot() {
+void RecordingFiles::WritePlot(std::span<const Gap> gaps) {
     const std::string details =
         fmt::format("{}, {:.6g} Hz, {} kadrs", Iso8601(StartTime_), Task_.Rate, Envelope_.Kadrs());
-    PlotFile_->Buffer() = RenderPlot({Device_, details, Task_.Rate, Task_.Channels, Envelope_});
+    PlotFile_->Buffer() = RenderPlot({Device_, details, Task_.Rate, Task_.Channels, Envelope_, Task_.Modules, gaps});
     PlotFile_->Close();
 }
 
