@@ -79,8 +79,8 @@ void CsvWriter::AppendRows(std::string& text, const TakenKadrs& kadrs) {
         Times_.Append(text, Row_++);
         for (size_t channel = 0; channel < count; channel++) {
             text += ',';
-            if ((missing & MissingBits_[channel]) == 0)
-                AppendValue(text, channel, kadrs.Samples[kadr * count + channel]);
+            if ((missing & MissingBits_[channel]) != 0) continue;
+            AppendValue(text, channel, kadrs.Samples[kadr * count + channel]);
         }
         text += '\n';
     }

@@ -71,7 +71,7 @@ TEST(RecorderCommandLine, ExitCodesAndWordsTellHowItEnded) {
          "of 5000 kadrs, nothing was measured for 0.4 s", "# incomplete: "},
         {"", "slot = 5\ncall = 'LTR27_Recv'\nafter = 2\nerror = -12", " -d 700ms --stall-timeout 400ms",
          ExitCode::Incomplete, "(0.7 s), all kadrs written, but not all measured\n", "# note: after a gap"},
-        {"", "slot = 5\ncall = 'LTR27_Recv'\nafter = 2\ntimes = 2\nerror = -12", " -d 400ms", ExitCode::Incomplete,
+        {"", "slot = 5\ncall = 'LTR27_Recv'\nafter = 2\ntimes = 5\nerror = -12", " -d 600ms", ExitCode::Incomplete,
          "The module in slot 5 sends nothing: check the crate, its cable and the LTR server.\n"
          "The module in slot 5 sends again after 0.",
          "# note: after a gap"},
@@ -226,15 +226,16 @@ TEST(RecorderSilence, IsToldAtOnceButNotAllTheTime) {
 
 TEST(RecorderPlot, BreaksTheCurveAndShadesWhereNothingWasMeasured) {
     Envelope data({MissingBit(0)});
-    data.Add({Numbers{1, 2, 3, 4, 5}, std::vector<uint8_t>{0, 0, MissingBit(0), 0, 0}});
+    data.Add({Numbers{1, 2, 3, 4, 5}, std::vector<uint8_t>{0, 0, MissingBit(0), MissingBit(0), 0}});
     const std::vector<Channel> channels = {{0, "a", "", "V", 1, 0}};
     const std::vector<RecordedModule> modules = {{0, 5}};
-    const std::vector<Gap> gaps = {{0, 2, 1, GapReason::NothingCame}, {1, 0, 5, GapReason::NothingCame}};
+    const std::vector<Gap> gaps = {
+        {0, 2, 1, GapReason::CutShort}, {0, 3, 1, GapReason::NothingCame}, {1, 0, 5, GapReason::NothingCame}};
     const std::string svg = RenderPlot({"", "", 10, channels, data, modules, gaps});
-    // The plot is 936 pixels wide from 78 on, half a second; the gap reaches half way to its neighbours.
-    EXPECT_NE(svg.find("<path fill='url(#gap0)' d='M358.8 82.0H546.0V502.0H358.8Z'/>"), std::string::npos) << svg;
+    // The plot is 936 pixels wide from 78 on, half a second; the gaps are one span, half way to their neighbours.
+    EXPECT_NE(svg.find("<path fill='url(#gap0)' d='M358.8 82.0H733.2V502.0H358.8Z'/>"), std::string::npos) << svg;
     EXPECT_NE(svg.find(">not measured, slot 5</text>"), std::string::npos) << svg;
-    EXPECT_NE(svg.find(">0.1 s in 1 gap</text>"), std::string::npos) << svg;
+    EXPECT_NE(svg.find(">0.2 s in 2 gaps</text>"), std::string::npos) << svg;
     const size_t curve = svg.find("<path class='line'");
     const std::string path = svg.substr(curve, svg.find("/>", curve) - curve);
     EXPECT_EQ(std::ranges::count(path, 'M'), 2) << path;
