@@ -17,7 +17,7 @@ namespace corvane {
 
 namespace {
 
-// The design-time text stays where there is no other.
+// The built-in caption stays when there is no text with this number.
 void Localize(std::string& caption, TextNumber number) {
     const std::string text = ResourceText(number);
     if (!text.empty()) caption = text;
@@ -52,7 +52,7 @@ bool ShowSetting(const DeviceInfo& device, const EngineState& engine, CrateInfo&
 dlgSetup::dlgSetup(const DeviceInfo& device, const EngineState& engine, CrateInfo& crate, const std::string& helpFile)
     : Device_(device), Engine_(engine), Crate_(crate) {
     constexpr size_t ExtensionLength = 4;
-    constexpr size_t NameLetters = 3;  // of LTR27: the rest is the topic's number
+    constexpr size_t NameLetters = 3;  // the LTR of LTR27; the digits are the topic's number
     LocalizeCaptions();
     if (helpFile.size() > ExtensionLength) {
         const std::string& name = device.ADCName;
