@@ -16,7 +16,7 @@ inline std::string DottedText(uint32_t value) {
            std::to_string(value >> 8 & 255) + "." + std::to_string(value & 255);
 }
 
-constexpr size_t OctetDigits = 3;  // most digits of an octet
+constexpr size_t OctetDigits = 3;  // an octet has no more
 
 // A number from 0 to 255 in the digits 0 to 9, with any number of leading zeros. Everything else that a locale may
 // accept as a number (signs, fractions, digits of other scripts) is refused.

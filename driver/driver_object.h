@@ -82,7 +82,7 @@ public:
     int16_t ModulesCount() const;                    // opened modules
     std::string ModuleInfo(int16_t index) const;     // empty: there is no such module
     int64_t KadrsRecorded() const;                   // since the last start of a recording
-    int64_t KadrsRead() const;                       // of these by the host; also the number of its next kadr
+    int64_t KadrsRead() const;                       // of these, read by the host; the number of the next one
     std::vector<Gap> Gaps() const;                   // of the last recording, as far as it is stored
 
 private:

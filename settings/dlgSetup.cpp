@@ -10,6 +10,7 @@
 #include "base/utf8.h"
 #include "common/mTypes3.h"
 #include "platform/user_interface.h"
+#include "resources/icons.h"
 #include "resources/texts.h"
 #include "selection/name_pattern.h"
 
@@ -85,10 +86,10 @@ void dlgSetup::FillContents() {
 }
 
 void dlgSetup::FillModuleTree() {
-    tvwLTR = {{"C" + Crate_.Serial, Crate_.TypeName, platform::CratePicture, -1}};
+    tvwLTR = {{"C" + Crate_.Serial, Crate_.TypeName, CratePicture, -1}};
     for (const ModuleRecord& module : Engine_.Opened()) {
-        tvwLTR.push_back({"M" + std::to_string(tvwLTR.size() - 1), TwoDigits(module.Slot) + ". " + module.Name,
-                          platform::ModulePicture, 0});
+        tvwLTR.push_back(
+            {"M" + std::to_string(tvwLTR.size() - 1), TwoDigits(module.Slot) + ". " + module.Name, ModulePicture, 0});
     }
 }
 

@@ -19,7 +19,7 @@ std::wstring ComponentPath() {
         const DWORD length = GetModuleFileNameW(ComponentModule(), path.data(), static_cast<DWORD>(path.size()));
         if (length == 0) ThrowLastError();
         if (length < path.size()) return path.substr(0, length);
-        path.resize(path.size() * 2);  // paths end at 32767 characters
+        path.resize(path.size() * 2);  // a path has at most 32767 characters
     }
 }
 

@@ -11,6 +11,7 @@
 #include "platform/win32/help.h"
 #include "platform/win32/tree_window.h"
 #include "platform/win32/wide_text.h"
+#include "resources/icons.h"
 #include "resources/texts.h"
 #include "settings/dlgSetup.h"
 
@@ -83,7 +84,7 @@ private:
     }
 
     void Placed() override {
-        Tree_.LoadPictures(Control(tvwLTR), Pixels(PictureSize));
+        Tree_.LoadPictures(Control(tvwLTR), TreeIcons, Pixels(PictureSize));
         SendMessageW(Control(txtInfo), EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, 0);  // there is no room for them
         std::array<int, 3> stops = dlgSetup::TabStops;
         SendMessageW(Control(lstMezzanines), LB_SETTABSTOPS, stops.size(), reinterpret_cast<LPARAM>(stops.data()));
