@@ -51,7 +51,7 @@ bool TLTRAPI::LibraryPresent() {
     return true;
 }
 
-// Opens the connection record anew. An all-zero serial addresses the server itself.
+// Closes the connection and opens another one. An all-zero serial addresses the server itself.
 bool TLTRAPI::Connect(uint32_t netAddr, const char (&serial)[VendorTextSize]) {
     LTR_Close(&Connection_);
     Connection_ = {};

@@ -59,7 +59,7 @@ int16_t EnumerateCrates(CrateSearch& search, uint32_t netAddr, const std::string
     search.CrateListCount = 0;
     TLTRAPI crates;
     const int32_t count = crates.GetCrates(netAddr);
-    // Where a failure has a positive code there are no crates behind that number.
+    // A failure may have a positive code, too; the crates are forgotten then, so no modules are found below.
     for (int32_t i = 0; i < std::min(count, MaxCrates); i++) {
         std::vector<ModuleListEntry> modules = MatchingModules(crates, i, moduleFilter);
         if (modules.empty()) continue;

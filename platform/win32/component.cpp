@@ -21,7 +21,7 @@ std::wstring PathOf(HMODULE module) {
     for (;;) {
         const DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
         if (length < path.size()) return path.substr(0, length);
-        path.resize(path.size() * 2);  // paths end at 32767 characters
+        path.resize(path.size() * 2);  // a path has at most 32767 characters
     }
 }
 

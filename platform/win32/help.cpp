@@ -7,10 +7,10 @@ namespace corvane::platform {
 bool ShowHelp(HWND window, const std::string& file, int32_t topic) {
     constexpr UINT HelpContext = 0x000F;  // HH_HELP_CONTEXT
     using HtmlHelpFunction = HWND(WINAPI*)(HWND, const wchar_t*, UINT, DWORD_PTR);
-    // The file itself is asked for first: some viewers open an empty window for a missing one, or none without a word.
+    // Checked here, because for a missing file some viewers open an empty window, or none and report no failure.
     const std::wstring path = Wide(file);
     if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
-    // Loaded when it is needed, and kept: its windows have a thread of their own.
+    // Loaded when it is first needed and never unloaded, because its windows have a thread of their own.
     static const HMODULE viewer = LoadLibraryW(L"hhctrl.ocx");
     if (viewer == nullptr) return false;
     const auto htmlHelp =
