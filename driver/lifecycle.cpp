@@ -1,5 +1,7 @@
 #include "driver/lifecycle.h"
 
+#include <corvane_version.h>
+
 #include <algorithm>
 #include <atomic>
 #include <memory>
@@ -10,6 +12,8 @@
 #include "common/mTypes3.h"
 #include "engine/device.h"
 #include "engine/driver_settings.h"
+#include "platform/component.h"
+#include "platform/event_log.h"
 #include "platform/threads.h"
 #include "selection/mQuorn.h"
 
@@ -45,6 +49,9 @@ auto EntryOf(const DriverState& state) {
 }
 
 std::unique_ptr<DriverState> MakeState() {
+    platform::LogEvent([&] {
+        return "Corvane " CORVANE_VERSION ": " + platform::ComponentFile() + ", host " + platform::HostProgram();
+    });
     auto state = std::make_unique<DriverState>();
     state->Device.ADCName = "LTR27";
     InitSettingsLocation(state->Settings, state->Device.DriverName, state->Device.ADCName);
