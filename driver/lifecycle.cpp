@@ -29,7 +29,7 @@ struct ThreadEntry {
 // All states; any thread may look one up. A thread's own state is found by the token that the thread keeps. No token is
 // used twice. The system's thread ids and the addresses of states are used again later: with these a new thread could
 // get the device of a dead one. The lock is held only briefly, and no call that needs the loader's lock is made
-// meanwhile: LeaveThread may be called by a thread that holds that one.
+// meanwhile: LeaveThread may be called while that lock is held.
 std::vector<ThreadEntry> ThreadEntries;
 platform::Mutex EntriesLock;
 std::atomic<uintptr_t> LastToken = 0;

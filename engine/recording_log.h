@@ -12,7 +12,7 @@ namespace corvane {
 // The recording that has just begun.
 void LogStarted(EngineState& engine, const CrateInfo& crate);
 
-// How many kadrs the last recording has, and its gaps, once its thread has ended and only the first time.
+// The last recording's kadrs and gaps, at the first call after its thread has ended.
 void LogEnded(EngineState& engine);
 
 }  // namespace corvane

@@ -1,6 +1,6 @@
 // A log for whoever looks for the cause of a problem. It is kept only where the user wants it: in the file Corvane.log
-// of the user's profile folder, or in the one that the environment variable CORVANE_LOG names, when that file exists. A
-// log that can't be written, or no memory for its lines, changes nothing.
+// of the user's profile folder, or in the one that the environment variable CORVANE_LOG names, when that file exists.
+// When the log can't be written, or there is no memory for a line, the driver works on without it.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ bool LogKept() noexcept;
 // again, so it is not for the recording thread.
 void AppendToLog(std::string_view event) noexcept;
 
-// The same for the text that `compose` returns. It is only asked when a log is kept, and may throw.
+// The same for the text that `compose` returns. `compose` is called only when a log is kept, and may throw.
 template <class Compose>
 void LogEvent(Compose compose) noexcept {
     try {

@@ -3,7 +3,7 @@
 namespace corvane::platform {
 
 std::string LogLine(std::string_view time, uint32_t process, uint32_t thread, std::string_view event) {
-    constexpr size_t LengthMax = 2000;  // bytes of an event
+    constexpr size_t LengthMax = 2000;  // bytes of an event; the rest is left out
     std::string line(time);
     line += ' ' + std::to_string(process) + '.' + std::to_string(thread) + ' ';
     bool space = false;

@@ -28,7 +28,7 @@ public:
     bool OKEnabled() const { return Selection >= 0; }
 
     std::string Caption = "Select Device";
-    std::vector<platform::TreeNode> tvwLTR;  // all expanded; the first one is selected at first
+    std::vector<platform::TreeNode> tvwLTR;  // all expanded; initially the first node is selected
     int16_t Selection = -1;                  // index in CrateList
 };
 

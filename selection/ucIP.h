@@ -36,7 +36,7 @@ public:
     int TextChanged(int box);
     void DoubleClick(int box);
 
-    // The box where the user is to correct an address that was none: the leftmost empty one, otherwise the leftmost.
+    // The box that gets the focus when the boxes hold no address: the leftmost empty one, otherwise the leftmost.
     int BoxToFill() const;
 
     std::array<OctetBox, 4> txtIP;

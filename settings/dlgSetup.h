@@ -40,10 +40,10 @@ public:
     std::string MarkSTARTCaption = "Use START &Mark:";
     std::string CancelCaption = "Cancel";
     std::string HelpCaption = "Help";
-    std::vector<platform::TreeNode> tvwLTR;  // always expanded; the first one is selected at first
+    std::vector<platform::TreeNode> tvwLTR;  // always expanded; initially the first node is selected
     std::string txtInfo;                     // describes the node that was clicked
     std::vector<std::string> lstMezzanines;
-    int cboMarkSTART = 0;   // entry that is selected at first
+    int cboMarkSTART = 0;   // entry that is selected initially
     std::string HelpFile;   // full path; empty: there is no help
     int32_t HelpTopic = 0;  // context number in it
 

@@ -1,8 +1,8 @@
 // Frees what would be left when a thread ends or the library is unloaded.
 //
-// Slots: the driver allocates one thread-local slot, and the compiler's thread runtime, which is linked into this
-// library, another one and two handles for each thread that uses it. The runtime closes the handles when their thread
-// ends, but it never frees its slot: after about a thousand loads in one process there would be no slot left.
+// Slots: the driver allocates a thread-local slot, and so does the compiler's thread runtime, which is linked into this
+// library. The runtime also opens two handles for each thread that uses it. It closes them when the thread ends, but it
+// never frees its slot: after about a thousand loads in one process there would be no slot left.
 //
 // Devices: while objects exist, DllCanUnloadNow says no, but the last CoUninitialize of a process unloads the library
 // all the same. While the loader's lock is held no thread can end, so none can be waited for here. None needs to be:

@@ -22,7 +22,7 @@ std::string LogPath() {
 
 int OpenLog(const std::string& path, int flags) {
     return open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK | flags,
-                0666);  // a pipe without a reader would hang
+                0666);  // a pipe would block otherwise
 }
 
 // A log with room for one more line, or -1.

@@ -10,7 +10,7 @@ namespace corvane::platform {
 namespace {
 
 std::wstring Environment(const wchar_t* name) {
-    std::wstring text(32768, L'\0');  // the longest there can be
+    std::wstring text(32768, L'\0');  // no variable is longer
     text.resize(GetEnvironmentVariableW(name, text.data(), static_cast<DWORD>(text.size())));
     return text;
 }

@@ -30,7 +30,7 @@ bool WriteWhole(HANDLE file, std::string_view bytes) {
     return FlushFileBuffers(file);
 }
 
-// What a file that replaces another one must have of it: attributes, owner and list of rights.
+// What a new file gets from the file that it replaces: attributes, owner and list of rights.
 struct Protection {
     DWORD Attributes = FILE_ATTRIBUTE_NORMAL;
     std::vector<BYTE> Descriptor;  // empty: the folder's default
@@ -99,7 +99,8 @@ std::string ReadFileStart(const std::string& path, size_t limit) {
 
 bool ReplaceContent(const std::string& path, std::string_view bytes) {
     const std::wstring target = Wide(path);
-    // Moving a file over another needs no right to write to that one: without this check a protected one would go.
+    // Moving a file over another needs no right to write to that one: this check keeps it from replacing a protected
+    // file.
     HANDLE file = OpenToWrite(target);
     const bool isNew = file == INVALID_HANDLE_VALUE;
     if (isNew && GetLastError() != ERROR_FILE_NOT_FOUND) return false;

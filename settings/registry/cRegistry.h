@@ -89,8 +89,8 @@ public:
     int32_t EnumValues(uint32_t root, const std::string& path, std::vector<std::string>& names);
 
     // The key in the registry editor's text form, without the header line; empty when it can't be opened. Of several
-    // texts in one value only the first is written, and of a text the spaces around it are not. Double quotes are
-    // written as they are, and the editor can't import such a text.
+    // texts in one value only the first is written, without the spaces around it. Double quotes are written as they
+    // are, and the editor can't import such a text.
     std::string ExportKey(uint32_t root, const std::string& path, bool includeSubKeys);
     static std::string RootKeyName(uint32_t root);  // empty for anything but a predefined root
 
