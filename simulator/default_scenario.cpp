@@ -5,7 +5,7 @@
 namespace ltrsim {
 
 const char* const DefaultScenario = R"toml(
-# 1.0 is real time, 10 ten times as fast, 0 as fast as the words are taken.
+# 1.0 is real time, 10 ten times as fast, 0 as fast as the words are read.
 speed = 1.0
 
 [[server]]
@@ -20,7 +20,7 @@ interface = "USB"            # or Ethernet
 # seconds later or, without that key, never. "at once" and "never" apply to all modes.
 start_marks = "by mode"
 # start_mark_after = 0.3
-# At speed 0 a mark made at once shows so many kadrs after the next one that is delivered.
+# At speed 0 a mark made at once appears this many kadrs after the next one that is delivered.
 start_mark_kadr = 3
 
 [[server.crate.module]]

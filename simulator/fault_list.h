@@ -17,7 +17,7 @@ struct Target {
     uint32_t Slot = 0;
 };
 
-// What the faults make of one call.
+// What the faults do to one call.
 struct Verdict {
     int32_t Error = 0;
     double Delay = 0;               // s, before the call goes on

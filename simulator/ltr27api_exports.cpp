@@ -55,7 +55,7 @@ int32_t ModuleCall(const char* function, TLTR27* record, Body body) noexcept {
     });
 }
 
-// Words must be whole and in order from channel 0 on: their lower halves count up by one.
+// Words must begin with channel 0 and have no gap: their lower halves count up by one.
 bool WordsInOrder(const uint32_t* words, uint32_t count) {
     const uint32_t first = words[0] & 0xFFFF;
     uint32_t differences = first % ModuleChannels;

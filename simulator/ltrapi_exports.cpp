@@ -11,7 +11,7 @@ using corvane::CrateConnection;
 
 namespace {
 
-// LTR_Init leaves the server's port in the record's first reserved field, by which a prepared record is known.
+// LTR_Init writes the server's port to the record's first reserved field, which shows that a record has been prepared.
 constexpr uint16_t ServerPort = corvane::ModulePort;
 
 bool Prepared(const CrateConnection& record) {

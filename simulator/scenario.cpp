@@ -221,8 +221,8 @@ void ReadFaultAction(const TomlTable& table, Fault& fault) {
     }
 }
 
-// A fault can only be aimed by what its call is told: the Init functions don't know yet where the record will lead to,
-// and no crate function knows a slot.
+// A fault can choose its calls only by what they are passed: the Init functions don't know yet what the record will be
+// connected to, and no crate function knows a slot.
 void CheckAim(const TomlTable& table, const Fault& fault) {
     const bool init = fault.Call == "LTR_Init" || fault.Call == "LTR27_Init";
     for (const std::string_view key : {"server", "crate", "slot"}) {

@@ -105,7 +105,7 @@ TEST_F(RecordingTest, AStartThatRunsOutOfMemoryLeavesNothingRunning) {
         ASSERT_EQ(Driver->Busy(), started) << allocation;
         ASSERT_EQ(LtrSim_RunningModules(), started ? 2 : 0) << allocation;
         ASSERT_TRUE(started || !State().Engine.Thread.Running()) << allocation;
-        ASSERT_EQ(started, unused > 0);
+        ASSERT_TRUE(started || unused == 0) << "only the log does without its memory";
     }
 }
 
