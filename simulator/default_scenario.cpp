@@ -157,8 +157,16 @@ signal = [{ kind = "ramp", amplitude = 40, frequency = 0.01, offset = 60 },
 # Faults. What they aim at: call (a function's name), server, crate (serial), slot; each left out is any. LTR_ functions
 # don't know a slot, and the two Init functions not even where they will connect to: they can't be aimed by these. When:
 # after (so many matching calls pass first), at (seconds since the start), times (so many calls are affected; left out:
-# all). What they do, exactly one of: error = n; delay = seconds; short = words that LTR27_Recv delivers at most;
-# stall = true, LTR27_Recv delivers nothing; unplug = true, all later calls for the server, crate or slot fail.
+# all). What they do, exactly one of:
+#   error = n       the call fails
+#   delay = s       it takes so many seconds longer
+#   unplug = true   all later calls for the server, crate or slot fail, and its modules stop
+#   short = n       LTR27_Recv delivers n words at most
+#   excess = n      it claims n words more than it was asked for
+#   stall = true    it delivers nothing
+#   marks = n       it delivers senseless time marks, from n on; so does LTR_Open
+#   value = x       LTR27_ProcessData gives x for channel 0 once; nan and inf can be given, too
+#   size = n        it claims to have made n values
 # [[fault]]
 # call = "LTR27_Recv"
 # slot = 3

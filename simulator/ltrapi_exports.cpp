@@ -86,7 +86,7 @@ int32_t VENDOR_CALL LTR_Open(CrateConnection* connection) {
         uint32_t timeMark = 0;
         const int32_t code = world.OpenLink(connection->ServerAddress, serial, id, timeMark);
         SetId(*connection, id);
-        if (code == Success) connection->TimeMark = timeMark;
+        if (code == Success) connection->TimeMark = verdict.Marks.value_or(timeMark);
         return code;
     });
 }

@@ -78,7 +78,7 @@ struct Server {
     std::vector<Crate> Crates;
 };
 
-enum class FaultKind { Error, Delay, Short, Stall, Unplug };
+enum class FaultKind { Error, Delay, Short, Excess, Stall, Marks, Value, Size, Unplug };
 
 struct Fault {
     std::string Call;  // export; empty: any
@@ -89,9 +89,9 @@ struct Fault {
     double At = 0;                 // s since the scenario was set; earlier calls pass and are not counted
     std::optional<int64_t> Times;  // calls that it acts on; none: all
     FaultKind Kind = FaultKind::Error;
-    int32_t Code = 0;    // of Error
-    double Seconds = 0;  // of Delay
-    uint32_t Words = 0;  // of Short
+    int32_t Code = 0;     // of Error
+    double Number = 0;    // of Delay (s) and Value
+    uint32_t Amount = 0;  // of Short, Excess, Marks and Size
 };
 
 struct Scenario {
