@@ -224,7 +224,8 @@ void Acquisition::ListGaps() {
 void Acquisition::ListGapsOf(const ModuleRecord& module, size_t index) {
     GapList& gaps = Engine_.Target->Gaps;
     const auto number = static_cast<int32_t>(index);
-    for (int32_t kadr = 0; kadr < module.Measured; kadr++) {
+    const bool numbers = AllNumbers(module.Block.data(), module.Measured);
+    for (int32_t kadr = 0; !numbers && kadr < module.Measured; kadr++) {
         const double* values = module.Block.data() + ptrdiff_t{kadr} * ModuleChannels;
         const auto measured = [&](size_t channel) { return std::isfinite(values[channel]); };
         if (std::ranges::all_of(Recorded_[index], measured)) continue;

@@ -82,6 +82,19 @@ bool WholeModules(const std::vector<int16_t>& table) {
 
 }  // namespace
 
+// The exponent of what is no number has every bit set: one more in its lowest bit carries into the sign, which no
+// number's does.
+bool AllNumbers(const double* block, int32_t kadrs) {
+    const __m128i exponent = _mm_set1_epi64x(0x7FF0'0000'0000'0000);
+    const __m128i lowestBit = _mm_set1_epi64x(0x0010'0000'0000'0000);
+    __m128i carries = _mm_setzero_si128();
+    for (const double* end = block + ptrdiff_t{kadrs} * ModuleChannels; block < end; block += 2) {
+        const __m128i bits = _mm_castpd_si128(_mm_loadu_pd(block));
+        carries = _mm_or_si128(carries, _mm_add_epi64(_mm_and_si128(bits, exponent), lowestBit));
+    }
+    return _mm_movemask_pd(_mm_castsi128_pd(carries)) == 0;
+}
+
 StorePlan MakeStorePlan(const EngineState& engine, const std::vector<int16_t>& table) {
     StorePlan plan;
     plan.Channels = static_cast<int16_t>(table.size());

@@ -34,6 +34,9 @@ StorePlan MakeStorePlan(const EngineState& engine, const std::vector<int16_t>& t
 // The sample for one calibrated code.
 int16_t SampleOf(double code);
 
+// Whether a module's block holds numbers only, in its first `kadrs` kadrs: neither NaN nor infinity.
+bool AllNumbers(const double* block, int32_t kadrs);
+
 // Writes `kadrs` kadrs to `ring`, which was cleared before the recording: samples of empty positions stay 0.
 void StoreBlock(const StorePlan& plan, int32_t kadrs, int16_t* ring);
 

@@ -98,6 +98,9 @@ protected:
             std::fill(ring.begin(), ring.end(), int16_t{0});
             ring.back() = 4711;
             StoreBlock(plan, kadrs, ring.data());
+            const double* const block = Engine.Modules[0].Block.data();
+            ASSERT_EQ(AllNumbers(block, kadrs), std::all_of(block, block + kadrs * ModuleChannels,
+                                                            [](double code) { return std::isfinite(code); }));
             for (size_t i = 0; i < 64 * table.size(); i++) {
                 const int16_t channel = table[i % table.size()];
                 const ModuleRecord& module = Engine.Modules[static_cast<size_t>(channel / ModuleChannels)];
