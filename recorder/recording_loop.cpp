@@ -15,13 +15,6 @@ constexpr size_t TakeKadrs = 4096;  // kadrs taken by one call at most
 constexpr auto PollInterval = std::chrono::milliseconds(40);
 constexpr double StallWarning = 10;  // s
 
-// Whether any recorded module has measured any of the kadrs.
-bool SomeMeasured(std::span<const uint8_t> missing, const std::vector<RecordedModule>& modules) {
-    uint8_t all = 0;
-    for (const RecordedModule& module : modules) all |= MissingBit(module.Index);
-    return std::ranges::any_of(missing, [all](uint8_t bits) { return (bits & all) != all; });
-}
-
 }  // namespace
 
 RecordingLoop::RecordingLoop(double stallTimeout, HostDevice& device, const RecordingTask& task, RecordingFiles& files,
@@ -78,9 +71,20 @@ bool RecordingLoop::Take() {
     const auto missing = Gaps_.Add(kadrs, Device_.Gaps());
     Files_.Add({samples, missing});
     Kadrs_ += kadrs;
-    if (SomeMeasured(missing, Task_.Modules)) LastMeasured_ = now;
+    if (SomeMeasured(missing)) LastMeasured_ = now;
     WatchModules(now);
     return true;
+}
+
+// Whether any recorded module has measured any of the kadrs just taken. Once the driver's list of gaps is full it may
+// say less than was measured: then it has the benefit of the doubt.
+bool RecordingLoop::SomeMeasured(std::span<const uint8_t> missing) const {
+    uint8_t all = 0;
+    for (const RecordedModule& module : Task_.Modules) {
+        if (Gaps_.NewestReason(module.Index) == GapReason::Various) return true;
+        all |= MissingBit(module.Index);
+    }
+    return std::ranges::any_of(missing, [all](uint8_t bits) { return (bits & all) != all; });
 }
 
 void RecordingLoop::WatchModules(Clock::time_point now) {

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,7 @@ private:
 
     End TakeUntilEnd();
     bool Take();
+    bool SomeMeasured(std::span<const uint8_t> missing) const;
     void WatchModules(Clock::time_point now);
     bool Stalled();
     void WarnOnDoubt();

@@ -48,7 +48,7 @@ int SlotIn(const std::string& moduleInfo) {
 std::vector<RecordedModule> ModulesOf(const std::vector<Channel>& channels, const HostDevice& device) {
     std::vector<RecordedModule> modules;
     for (const Channel& channel : channels) {
-        const int16_t index = channel.Number / ModuleChannels;
+        const auto index = static_cast<int16_t>(channel.Number / ModuleChannels);
         if (modules.empty() || modules.back().Index != index)
             modules.push_back({index, SlotIn(device.ModuleInfo(index))});
     }

@@ -12,8 +12,9 @@ constexpr int AtOnce = 5;                            // tellings before they hav
 }  // namespace
 
 std::string SilenceWatch::Observe(std::optional<GapReason> missing, Clock::time_point now) {
-    // A receive that was cut short brought something, and the next one will show whether more comes.
-    const bool silent = missing && *missing != GapReason::CutShort;
+    // A receive that was cut short brought something, and a gap for various reasons doesn't tell: what was measured
+    // between its parts is not known.
+    const bool silent = missing == GapReason::NothingCame || missing == GapReason::NotProcessed;
     if (!silent) return missing || !Since_ ? "" : TellReturn(now);
     if (!Since_) Since_ = now;
     return Told_ != missing && MayTell(now) ? TellSilence(*missing) : "";

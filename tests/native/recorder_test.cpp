@@ -107,6 +107,19 @@ TEST(RecorderCommandLine, ExitCodesAndWordsTellHowItEnded) {
     Interrupted = false;
 }
 
+TEST(RecorderCommandLine, MoreGapsThanTheDriverListsAreNoSilence) {
+    const std::string csv = testing::TempDir() + "recorder_test.csv";
+    const std::string fault = "[[fault]]\nslot = 3\nshort = 100\n";  // a part of every block is measured
+    ASSERT_EQ(LtrSim_Configure((SequenceCrate({3, 5}, "0") + fault).c_str()), 0) << LtrSim_Message();
+    Said.clear();
+    platform::SkipSleeps = true;
+    EXPECT_EQ(RunCommandLine({"record", "-r", "1000", "-d", "600s", "-c", "0", "-o", csv, "--stall-timeout", "100ms"}),
+              ExitCode::Incomplete);
+    platform::SkipSleeps = false;
+    EXPECT_NE(Said.find("600000 kadrs of 1 channels at 1000 Hz (600 s), all kadrs written"), std::string::npos) << Said;
+    EXPECT_EQ(Said.find("sends nothing"), std::string::npos) << Said;
+}
+
 TEST(RecorderCsv, ValuesLieWithinATwentiethOfACode) {
     // Scale, offset, decimals.
     const std::tuple<double, double, size_t> cases[] = {
