@@ -3,8 +3,19 @@
 #include <fmt/format.h>
 
 #include "recorder/console.h"
+#include "recorder/output_file.h"
+#include "recorder/words.h"
 
 namespace corvane::recorder {
+
+namespace {
+
+// Standard output belongs to the data when that goes there.
+std::FILE* MessageStream(const Options& options) {
+    return options.OutputPath == StandardOutput ? stderr : stdout;
+}
+
+}  // namespace
 
 std::vector<std::string> Remarks(const Verdict& verdict) {
     std::vector<std::string> remarks = verdict.Doubts;
@@ -20,10 +31,12 @@ void WarnOfVerdict(const Options& options, const Verdict& verdict, Progress& pro
 
 void WriteSummary(const Options& options, const RecordingTask& task, const Verdict& verdict) {
     if (options.Quiet) return;
-    WriteText(stdout, fmt::format("{}: {} kadrs of {} channels at {:.6g} Hz ({:.6g} s), {}\n", options.OutputPath,
-                                  verdict.Kadrs, task.Channels.size(), task.Rate,
-                                  static_cast<double>(verdict.Kadrs) / task.Rate, verdict.Outcome()));
-    if (!options.PlotPath.empty()) WriteText(stdout, options.PlotPath + ": plot\n");
+    WriteText(
+        MessageStream(options),
+        fmt::format("{}: {} of {} at {:.6g} Hz ({:.6g} s), {}\n", options.OutputPath, Counted(verdict.Kadrs, "kadr"),
+                    Counted(static_cast<int64_t>(task.Channels.size()), "channel"), task.Rate,
+                    static_cast<double>(verdict.Kadrs) / task.Rate, verdict.Outcome()));
+    if (!options.PlotPath.empty()) WriteText(MessageStream(options), options.PlotPath + ": plot\n");
 }
 
 }  // namespace corvane::recorder

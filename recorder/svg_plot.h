@@ -14,7 +14,8 @@ struct Plot {
     std::string Details;  // below the title
     double Rate;          // Hz
     std::span<const Channel> Channels;
-    const Envelope& Data;  // of the same channels
+    const Envelope& Data;                     // of the same channels
+    std::span<const std::string> Notes = {};  // at the bottom, a line each
 };
 
 // Draws each kadr while every one has a bin of its own, else the band between smallest and largest samples. A unit with
