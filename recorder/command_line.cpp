@@ -6,9 +6,9 @@
 #include "recorder/console.h"
 #include "recorder/host_device.h"
 #include "recorder/list_command.h"
+#include "recorder/open_device.h"
 #include "recorder/options.h"
 #include "recorder/record_command.h"
-#include "recorder/settings_command.h"
 
 namespace corvane::recorder {
 namespace {
@@ -19,11 +19,11 @@ ExitCode Run(const Options& options) {
         return ExitCode::Success;
     }
     HostDevice device;
+    OpenDevice(options, device);
     if (options.Action == Command::Settings) {
-        ShowSettings(device);
+        device.ShowSetting();
         return ExitCode::Success;
     }
-    OpenDevice(device);
     if (options.Action == Command::Record) return Record(options, device);
     WriteText(stdout, ListDevice(device));
     return ExitCode::Success;

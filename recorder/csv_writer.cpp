@@ -1,6 +1,5 @@
 #include "recorder/csv_writer.h"
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 #include <algorithm>
 #include <charconv>
@@ -35,15 +34,6 @@ std::string CsvField(const std::string& text) {
     return quoted + '"';
 }
 
-std::string Iso8601(std::time_t time) {
-    const std::tm local = fmt::localtime(time);
-    std::tm utc = fmt::gmtime(time);
-    utc.tm_isdst = local.tm_isdst;
-    const auto minutes = static_cast<int>(std::difftime(time, std::mktime(&utc)) / 60);
-    return fmt::format("{:%Y-%m-%dT%H:%M:%S}{}{:02}:{:02}", local, minutes < 0 ? '-' : '+', std::abs(minutes) / 60,
-                       std::abs(minutes) % 60);
-}
-
 // The driver's rates are 1000 Hz divided by a whole number, so the period is a whole number of ms and the times are
 // exact. Any other rate is kept to the us.
 TimeColumn::TimeColumn(double rate) : Period_(std::llround(1e6 / rate)), Decimals_(Period_ % 1000 == 0 ? 3 : 6) {}
@@ -59,11 +49,8 @@ CsvWriter::CsvWriter(std::vector<Channel> channels, double rate)
     for (const Channel& channel : Channels_) Decimals_.push_back(DecimalsFor(channel.Scale));
 }
 
-void CsvWriter::AppendHeader(std::string& text, const std::string& device, std::time_t start,
-                             int64_t wantedKadrs) const {
-    auto out = std::back_inserter(text);
-    fmt::format_to(out, "# Device: {}\n# Start: {}\n# Rate: {:.6g} Hz\n# Channels: {}\n# Kadrs wanted: {}\n", device,
-                   Iso8601(start), Rate_, Channels_.size(), wantedKadrs);
+void CsvWriter::AppendHeader(std::string& text, std::span<const std::string> remarks) const {
+    for (const std::string& remark : remarks) text += "# " + remark + '\n';
     text += "time (s)";
     for (const Channel& channel : Channels_) {
         text += ',';

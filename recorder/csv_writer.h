@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <ctime>
 #include <span>
 #include <string>
 #include <vector>
@@ -15,9 +14,6 @@ namespace corvane::recorder {
 
 // Quoted when it holds a comma, a quote or a line break.
 std::string CsvField(const std::string& text);
-
-// Local time with its distance from UTC: 2025-03-09T14:05:00+03:00.
-std::string Iso8601(std::time_t time);
 
 // The times of a recording's rows.
 class TimeColumn {
@@ -36,8 +32,8 @@ class CsvWriter {
 public:
     CsvWriter(std::vector<Channel> channels, double rate);
 
-    // Appends the comment lines and the header row.
-    void AppendHeader(std::string& text, const std::string& device, std::time_t start, int64_t wantedKadrs) const;
+    // Appends the remarks as comment lines, and the header row.
+    void AppendHeader(std::string& text, std::span<const std::string> remarks) const;
 
     // Appends a row for each kadr. A value has the fewest decimals that keep it within a twentieth of a code of the
     // exact one; the cell of a sample that was not measured stays empty.

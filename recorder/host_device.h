@@ -14,6 +14,14 @@
 
 namespace corvane::recorder {
 
+// One of the files that make up the driver.
+struct Library {
+    std::string Name;
+    std::string Version;     // empty: unknown
+    std::string File;        // full path; empty: unknown, or a part of this program
+    bool Simulated = false;  // no real one of the vendor
+};
+
 class HostDevice {
 public:
     HostDevice();
@@ -58,6 +66,10 @@ public:
     int64_t KadrsRead() const;                       // of these; the number of the first kadr that GetData gives next
     // All kadrs since the last StartRecord that were not measured; of each kadr that can be read, it is known here.
     std::vector<Gap> Gaps() const;
+
+    std::vector<Library> Libraries() const;  // the driver, then the vendor's
+    int StartMarkMode() const;               // 0 to 7: in the order of the setup dialog's list
+    static bool ReadsModuleTexts();          // false: the system takes the modules' texts for another language's
 
 private:
     struct Driver;

@@ -6,7 +6,8 @@
 
 #include "base/utf8.h"
 #include "recorder/channel.h"
-#include "recorder/failure.h"
+#include "recorder/device_summary.h"
+#include "recorder/words.h"
 
 namespace corvane::recorder {
 namespace {
@@ -39,21 +40,10 @@ void AppendRow(std::string& text, const Row& row, const std::array<size_t, Colum
 
 }  // namespace
 
-void OpenDevice(HostDevice& device) {
-    if (device.Test()) return;
-    const std::string reason = device.LastError();
-    // The driver has nothing to say when the user has chosen none of the crates.
-    if (reason.empty()) throw Failure(ExitCode::NoDevice, "No device was chosen, or none has an LTR27 module.");
-    throw Failure(
-        ExitCode::NoDevice,
-        fmt::format("No LTR27 module could be opened. {}\nCheck that the LTR server is running, that the crate "
-                    "is connected to it and switched on, and that an LTR27 module is in it.",
-                    reason));
-}
-
 std::string ListDevice(HostDevice& device) {
+    const std::vector<Channel> channels = ReadChannels(device);
     std::vector<Row> rows = {{"No", "Name", "Range", "Unit", "Samples/unit", "Offset"}};
-    for (const Channel& channel : ReadChannels(device)) rows.push_back(ChannelRow(channel));
+    for (const Channel& channel : channels) rows.push_back(ChannelRow(channel));
 
     std::array<size_t, Columns> widths{};
     for (const Row& row : rows) {
@@ -61,10 +51,14 @@ std::string ListDevice(HostDevice& device) {
             widths[column] = std::max(widths[column], CharacterCount(row[column]));
         }
     }
-    std::string text =
-        fmt::format("{}: {} channels, {} bits, up to {:.6g} Hz, now set to {:.6g} Hz\n\n", device.ADCName(),
-                    rows.size() - 1, device.Resolution(), device.RateMax(), device.Rate());
+    const DeviceSummary summary = SummaryOf(device);
+    std::string text = fmt::format("{}: {}, {} bits, up to {:.6g} Hz, now set to {:.6g} Hz\n", summary.Device,
+                                   Counted(static_cast<int64_t>(channels.size()), "channel"), device.Resolution(),
+                                   device.RateMax(), device.Rate());
+    for (const std::string& line : summary.Lines) text += line + '\n';
+    text += '\n';
     for (const Row& row : rows) AppendRow(text, row, widths);
+    if (const std::string advice = UnitsAdvice(channels); !advice.empty()) text += '\n' + advice + '\n';
     return text;
 }
 

@@ -7,10 +7,7 @@
 
 namespace corvane::recorder {
 
-// Opens the crate, as all commands do first. Throws Failure with ExitCode::NoDevice when there is none.
-void OpenDevice(HostDevice& device);
-
-// The device and a table of its channels, as text.
+// What the opened device is, and a table of its channels.
 std::string ListDevice(HostDevice& device);
 
 }  // namespace corvane::recorder

@@ -1,7 +1,10 @@
 #include "recorder/options.h"
 
+#include <corvane_version.h>
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <set>
@@ -9,24 +12,26 @@
 #include <string_view>
 
 #include "recorder/failure.h"
+#include "recorder/output_file.h"
 
 namespace corvane::recorder {
 namespace {
 
-constexpr const char* Version = "ltr27rec 3.2.0.1";
+constexpr const char* Version = "ltr27rec " CORVANE_VERSION;
 constexpr double DurationMax = 10000 * 3600.0;  // s; over a year of recording is a typing mistake
 
 constexpr const char* Footer = R"(Examples:
   ltr27rec list
   ltr27rec record -o run.csv
   ltr27rec record --channels 0-15,17 --rate 500 --duration 2m -o run.csv --plot run.svg
+  ltr27rec record --crate 3T123456 -c all -d 1h30m -o - | gzip > run.csv.gz
   ltr27rec settings
 
 Exit codes:
   0    done
   1    the command line is wrong, or asks for a window where the driver has none
   2    the driver can't be loaded: not registered, or a library of the LTR software is missing
-  3    no crate or no module was found
+  3    no crate or no module was found, or several crates and --crate names none of them
   4    the recording could not be started
   5    a file could not be written
   6    not every kadr was measured, in order, and written: the end of the CSV file lists
@@ -61,10 +66,14 @@ bool AddChannels(std::string_view item, std::set<int16_t>& channels) {
     return true;
 }
 
+bool IsHz(std::string_view unit) {
+    return unit.size() == 2 && (unit[0] == 'H' || unit[0] == 'h') && (unit[1] == 'z' || unit[1] == 'Z');
+}
+
 double ParseRate(const std::string& text) {
     std::string_view rest = text;
     const auto rate = TakeNumber<double>(rest);
-    if (!rate || !(rest.empty() || rest == "Hz") || !std::isfinite(*rate) || *rate <= 0) {
+    if (!rate || !(rest.empty() || IsHz(rest)) || !std::isfinite(*rate) || *rate <= 0) {
         ThrowUsage("--rate {}: give a number of Hz above 0, for example 500.", text);
     }
     return *rate;
@@ -78,13 +87,24 @@ struct RawOptions {
     std::string StallTimeout = "60s";
 };
 
+void AddDeviceChoice(CLI::App* command, Options& options) {
+    command->add_option("--server", options.Server, "Address of the LTR server (default: this machine's)");
+    command->add_option("--crate", options.Crate, "Serial number of the crate, where the server has several");
+    command->add_flag("--dialogs", options.Dialogs, "Let the driver ask in windows of its own (Windows only)");
+}
+
 CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
     CLI::App* record = app.add_subcommand("record", "Record channels to a CSV file");
-    record->add_option("-c,--channels", raw.Channels,
-                       "Channel numbers, for example 0-15,17 (default: all fitted ones)");
+    record
+        ->add_option("-c,--channels", raw.Channels,
+                     "Channels: 0-15,17 or fitted or all; given again, it adds to them (default: fitted)")
+        ->multi_option_policy(CLI::MultiOptionPolicy::Join);
     record->add_option("-r,--rate", raw.Rate, "Kadrs per second, in Hz (default: what the driver is set to)");
-    record->add_option("-d,--duration", raw.Duration, "500ms, 10s, 2m, 1.5h or plain seconds (default: 10s)");
-    record->add_option("-o,--output", options.OutputPath, "CSV file to write; an existing one is replaced")->required();
+    record->add_option("-d,--duration", raw.Duration, "500ms, 10s, 2m, 1h30m or plain seconds (default: 10s)");
+    record
+        ->add_option("-o,--output", options.OutputPath,
+                     "CSV file to write; it replaces an existing one when it is complete. -: standard output")
+        ->required();
     record->add_option("-p,--plot", options.PlotPath, "SVG picture of the recording to write");
     record->add_option("--stall-timeout", raw.StallTimeout,
                        "End the recording when nothing is measured for so long; 0: wait till Ctrl+C (default: 60s)");
@@ -96,33 +116,45 @@ CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
 
 }  // namespace
 
-std::optional<std::vector<int16_t>> ParseChannelList(const std::string& text) {
-    if (text == "fitted") return std::nullopt;
-    std::set<int16_t> channels;
+ChannelChoice ParseChannelList(const std::string& text) {
+    ChannelChoice choice;
     for (std::string_view rest = text;;) {
         const size_t comma = rest.find(',');
         const std::string_view item = rest.substr(0, comma);
-        if (!AddChannels(item, channels)) {
-            ThrowUsage("--channels {}: \"{}\" is no channel number or ascending range. Write it like 0-15,17.", text,
-                       item);
+        if (item == "all") {
+            choice.All = true;
+        } else if (item == "fitted") {
+            choice.Fitted = true;
+        } else if (!AddChannels(item, choice.Numbers)) {
+            ThrowUsage(
+                "--channels {}: \"{}\" is no channel number or ascending range. Write it like 0-15,17 or fitted or "
+                "all.",
+                text, item);
         }
-        if (comma == std::string_view::npos) return std::vector<int16_t>(channels.begin(), channels.end());
+        if (comma == std::string_view::npos) return choice;
         rest.remove_prefix(comma + 1);
     }
 }
 
 double ParseDuration(const std::string& text) {
-    static constexpr std::pair<std::string_view, double> Units[] = {{"", 1},   {"ms", 0.001}, {"s", 1},
-                                                                    {"m", 60}, {"min", 60},   {"h", 3600}};
-    std::string_view unit = text;
-    const auto number = TakeNumber<double>(unit);
-    for (const auto& [name, seconds] : Units) {
-        if (!number || unit != name) continue;
-        const double duration = *number * seconds;
-        if (duration >= 0 && duration <= DurationMax) return duration;  // false for NaN
-        ThrowUsage("{}: a time is between 0 and 10000h.", text);
-    }
-    ThrowUsage("{}: not understood as a time. Write it like 500ms, 10s, 2m or 1.5h.", text);
+    // A longer name before one that it starts with.
+    static constexpr std::pair<std::string_view, double> Units[] = {
+        {"ms", 0.001}, {"min", 60}, {"h", 3600}, {"m", 60}, {"s", 1}};
+    double duration = 0;
+    std::string_view rest = text;
+    do {
+        const bool first = rest.size() == text.size();
+        const auto number = TakeNumber<double>(rest);
+        const auto* unit = std::ranges::find_if(Units, [&](const auto& each) { return rest.starts_with(each.first); });
+        const bool seconds = first && rest.empty();
+        if (!number || !(*number >= 0) || (unit == std::end(Units) && !seconds)) {
+            ThrowUsage("{}: not understood as a time. Write it like 500ms, 10s, 2m, 1.5h or 1h30m.", text);
+        }
+        duration += *number * (seconds ? 1 : unit->second);
+        if (!seconds) rest.remove_prefix(unit->first.size());
+    } while (!rest.empty());
+    if (duration <= DurationMax) return duration;
+    ThrowUsage("{}: a time is between 0 and 10000h.", text);
 }
 
 Options ParseCommandLine(const std::vector<std::string>& arguments) {
@@ -132,9 +164,16 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     app.footer(Footer);
     app.set_version_flag("--version", Version);
     app.require_subcommand(1);
-    app.add_subcommand("list", "Show the device and its channels");
-    const CLI::App* settings = app.add_subcommand("settings", "Open the driver's setup dialog (Windows only)");
-    const CLI::App* record = AddRecord(app, raw, options);
+    CLI::App* list = app.add_subcommand("list", "Show the device and its channels");
+    CLI::App* settings = app.add_subcommand("settings", "Open the driver's setup dialog (Windows only)");
+    CLI::App* record = AddRecord(app, raw, options);
+    const std::array commands = {list, settings, record};
+    for (CLI::App* command : commands) AddDeviceChoice(command, options);
+    if (!arguments.empty() && !arguments.front().starts_with('-') &&
+        std::ranges::none_of(commands, [&](const CLI::App* each) { return each->get_name() == arguments.front(); })) {
+        ThrowUsage("There is no command \"{}\": ltr27rec has list, record and settings. Run ltr27rec --help for help.",
+                   arguments.front());
+    }
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // it takes them from the back
     } catch (const CLI::Success& request) {
@@ -153,14 +192,13 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
         return options;
     }
     options.Action = Command::Record;
+    std::ranges::replace(raw.Channels, '\n', ',');  // between the values of several -c
     options.Channels = ParseChannelList(raw.Channels);
     if (!raw.Rate.empty()) options.Rate = ParseRate(raw.Rate);
     options.Duration = ParseDuration(raw.Duration);
     if (options.Duration <= 0) ThrowUsage("--duration {}: must be above 0.", raw.Duration);
     options.StallTimeout = ParseDuration(raw.StallTimeout);
-    if (options.OutputPath == options.PlotPath) {
-        ThrowUsage("--output and --plot both name {}: give them different files.", options.OutputPath);
-    }
+    if (options.PlotPath == StandardOutput) ThrowUsage("--plot needs a file: only the CSV can go to standard output.");
     return options;
 }
 

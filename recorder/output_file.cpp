@@ -1,22 +1,94 @@
 #include "recorder/output_file.h"
 
 #include <fmt/format.h>
-#include <cerrno>
-#include <cstring>
+#include <utility>
 
 #include "recorder/console.h"
 #include "recorder/failure.h"
+#include "recorder/file_system.h"
 
 namespace corvane::recorder {
 namespace {
 
 constexpr size_t LargeBuffer = 256 * 1024;  // bytes
+constexpr int LeftoversMax = 1000;
+
+bool Empty(std::FILE* file) {
+    return std::fseek(file, 0, SEEK_END) == 0 && std::ftell(file) == 0;
+}
 
 }  // namespace
 
-OutputFile::OutputFile(std::string path) : Path_(std::move(path)), File_(OpenForWriting(Path_)) {
-    if (!File_) ThrowFailure("can't be created. Choose a folder that exists and that you may write to");
+OutputFile::OutputFile(const std::string& path, const OutputFile* whileOpen)
+    : Path_(path == StandardOutput ? "Standard output" : path), Target_(FollowLinks(path)) {
     Buffer_.reserve(2 * LargeBuffer);
+    if (path == StandardOutput) return;
+    if (whileOpen != nullptr) RefuseSameFile(*whileOpen);
+    if (KindOf(Target_) != FileKind::Device) {
+        RefuseIrreplaceable();
+        OpenPart();
+        return;
+    }
+    File_.reset(OpenForWriting(Target_));
+    if (!File_) ThrowFailure(Path_ + " can't be opened for writing");
+}
+
+OutputFile::~OutputFile() {
+    if (!File_ || Part_.empty()) return;
+    File_.reset();
+    if (!Written_) {
+        Remove(Part_);
+        return;
+    }
+    WriteText(stderr, fmt::format("What was written until then is in {}.\n", Part_));
+}
+
+void OutputFile::RefuseSameFile(const OutputFile& other) const {
+    const std::string part = Target_ + ".part";
+    if (!SameFile(Target_, other.Target_) && (other.Part_.empty() || !SameFile(part, other.Part_))) return;
+    throw Failure(ExitCode::Usage,
+                  fmt::format("--output {} and --plot {} are one file: give them different ones.", other.Path_, Path_));
+}
+
+void OutputFile::RefuseIrreplaceable() const {
+    const FileKind kind = KindOf(Target_);
+    if (kind == FileKind::Folder) {
+        throw Failure(ExitCode::Output, fmt::format("{} is a folder. Give the name of a file in it.", Path_));
+    }
+    if (kind == FileKind::File && !MayReplace(Target_)) {
+        ThrowFailure(fmt::format("{} can't be replaced: it is write-protected or open in another program", Path_));
+    }
+}
+
+void OutputFile::OpenPart() {
+    const std::string part = Target_ + ".part";
+    constexpr int Tries = 3;  // one file can be left over, and another recorder can come first
+    for (int i = 0; i < Tries; i++) {
+        bool taken = false;
+        File_.reset(OpenAlone(part, taken));
+        if (taken) {
+            throw Failure(ExitCode::Output,
+                          fmt::format("Another recorder is writing {}. Give this one another file.", Path_));
+        }
+        if (!File_) ThrowFailure(Path_ + " can't be created. Choose a folder that exists and that you may write to");
+        Part_ = part;
+        if (Empty(File_.get())) return;
+        PutAside();
+    }
+    ThrowFailure(part + " can't be used: another program keeps it");
+}
+
+// The lock on the file is kept meanwhile: another recorder that starts now can't mistake a new file for the old one.
+void OutputFile::PutAside() const {
+    for (int number = 1; number <= LeftoversMax; number++) {
+        const std::string name = fmt::format("{}.{}", Part_, number);
+        if (KindOf(name) != FileKind::None) continue;
+        if (!Move(Part_, name)) break;
+        WriteText(stderr, fmt::format("A recording of {} was ended by force; what there is of it is now in {}.\n",
+                                      Path_, name));
+        return;
+    }
+    ThrowFailure(Part_ + " holds a recording that was ended by force, and can't be put aside: rename or delete it");
 }
 
 void OutputFile::WriteWhenLarge() {
@@ -24,20 +96,27 @@ void OutputFile::WriteWhenLarge() {
 }
 
 void OutputFile::Write() {
-    if (std::fwrite(Buffer_.data(), 1, Buffer_.size(), File_.get()) != Buffer_.size()) {
-        ThrowFailure("can't be written on. What was written until then is kept; free some disk space");
-    }
+    const bool written = File_ ? std::fwrite(Buffer_.data(), 1, Buffer_.size(), File_.get()) == Buffer_.size()
+                               : WriteText(stdout, Buffer_);
+    if (!written) ThrowFailure(Path_ + " can't be written on. See that there is room, and that nobody closes it");
+    Written_ = Written_ || !Buffer_.empty();
     Buffer_.clear();
 }
 
-void OutputFile::Close() {
+void OutputFile::Complete() {
     Write();
-    if (std::fclose(File_.release()) != 0) ThrowFailure("can't be completed. Free some disk space");
+    if (!File_) return;
+    if (!Flush(File_.get())) ThrowFailure(Path_ + " can't be completed. Free some disk space");
+    const std::string part = std::exchange(Part_, "");
+    if (!part.empty() && !MoveOver(part, Target_)) {
+        ThrowFailure(fmt::format("{} can't be replaced. Everything is in {}: rename it", Path_, part));
+    }
+    if (std::fclose(File_.release()) != 0) ThrowFailure(Path_ + " can't be completed. Free some disk space");
 }
 
-void OutputFile::ThrowFailure(const char* what) const {
-    const int error = errno;
-    throw Failure(ExitCode::Output, fmt::format("{} {} ({}).", Path_, what, std::strerror(error)));
+void OutputFile::ThrowFailure(const std::string& what) {
+    const std::string reason = SystemErrorText();
+    throw Failure(ExitCode::Output, fmt::format("{} ({}).", what, reason));
 }
 
 }  // namespace corvane::recorder

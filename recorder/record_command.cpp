@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "recorder/console.h"
+#include "recorder/device_summary.h"
 #include "recorder/recording_loop.h"
 #include "recorder/report.h"
 
@@ -25,12 +26,14 @@ void Start(HostDevice& device) {
 
 ExitCode Record(const Options& options, HostDevice& device) {
     const RecordingTask task = PrepareTask(options, device);
-    RecordingFiles files(options, task);
+    const DeviceSummary summary = SummaryOf(device);
+    RecordingFiles files(options, task, summary);
     DataCheck check(task);
     Progress progress(task.WantedKadrs, options.Quiet);
     TellDifferences(options, task, progress);
+    if (const std::string advice = UnitsAdvice(task.Channels); !advice.empty()) progress.Warn(advice);
     Start(device);
-    files.Begin(device.ADCName());
+    files.Begin();
     const Verdict verdict = RecordingLoop(options.StallTimeout, device, task, files, check, progress).Run();
     progress.EndLine();
     WarnOfVerdict(options, task, verdict, progress);

@@ -4,13 +4,13 @@
 
 #include <chrono>
 #include <cstdint>
-#include <ctime>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "recorder/csv_writer.h"
+#include "recorder/device_summary.h"
 #include "recorder/envelope.h"
 #include "recorder/options.h"
 #include "recorder/output_file.h"
@@ -21,15 +21,15 @@ namespace corvane::recorder {
 
 class RecordingFiles {
 public:
-    // Creates the files; existing ones are emptied. `task` must outlive this object.
-    RecordingFiles(const Options& options, const RecordingTask& task);
+    // Both references must outlive this object.
+    RecordingFiles(const Options& options, const RecordingTask& task, const DeviceSummary& summary);
 
     // The recording has started: writes the CSV's header.
-    void Begin(const std::string& device);
+    void Begin();
     void Add(TakenKadrs kadrs);
     // Writes what waits in memory when the last time is long ago. To be called again and again.
     void WriteWhenDue();
-    // Adds the remarks as comment lines, draws the plot with the gaps shaded and closes the files.
+    // Adds the remarks as comment lines, draws the plot with the gaps shaded and gives the files their names.
     void Finish(const std::vector<std::string>& remarks, std::span<const Gap> gaps);
 
 private:
@@ -37,14 +37,16 @@ private:
 
     void WritePlot(std::span<const Gap> gaps);
 
+    std::vector<std::string> Head() const;
+
     bool KeepFilled_;
     const RecordingTask& Task_;
+    const DeviceSummary& Summary_;
     CsvWriter Csv_;
     OutputFile CsvFile_;
     std::optional<OutputFile> PlotFile_;
     Envelope Envelope_;
-    std::string Device_;
-    std::time_t StartTime_ = 0;
+    std::chrono::system_clock::time_point StartTime_;
     Clock::time_point LastWrite_;
 };
 

@@ -12,18 +12,17 @@
 namespace corvane::recorder {
 namespace {
 
-std::vector<int16_t> WantedNumbers(const Options& options, const std::vector<Channel>& all) {
-    if (options.Channels) return *options.Channels;
-    std::vector<int16_t> fitted;
+std::vector<int16_t> WantedNumbers(const ChannelChoice& choice, const std::vector<Channel>& all) {
+    std::set<int16_t> numbers = choice.Numbers;
     for (const Channel& channel : all) {
-        if (channel.Fitted()) fitted.push_back(channel.Number);
+        if (choice.All || (choice.Fitted && channel.Fitted())) numbers.insert(channel.Number);
     }
-    return fitted;
+    return {numbers.begin(), numbers.end()};
 }
 
 std::vector<Channel> SelectChannels(const Options& options, HostDevice& device) {
     const std::vector<Channel> all = ReadChannels(device);
-    const std::vector<int16_t> numbers = WantedNumbers(options, all);
+    const std::vector<int16_t> numbers = WantedNumbers(options.Channels, all);
     if (numbers.empty()) {
         throw Failure(ExitCode::NoDevice, "The module has no mezzanine fitted: there is nothing to record.");
     }

@@ -6,6 +6,8 @@
 
 #include "recorder/console.h"
 #include "recorder/csv_writer.h"
+#include "recorder/output_file.h"
+#include "recorder/words.h"
 
 namespace corvane::recorder {
 
@@ -59,6 +61,11 @@ std::vector<std::string> GapTotals(const RecordingTask& task, const Verdict& ver
     return lines;
 }
 
+// Standard output belongs to the data when that goes there.
+std::FILE* MessageStream(const Options& options) {
+    return options.OutputPath == StandardOutput ? stderr : stdout;
+}
+
 }  // namespace
 
 std::vector<std::string> Remarks(const RecordingTask& task, const Verdict& verdict) {
@@ -83,16 +90,18 @@ void WarnOfVerdict(const Options& options, const RecordingTask& task, const Verd
 void WriteSummary(const Options& options, const RecordingTask& task, const Verdict& verdict) {
     if (options.Quiet) return;
     std::string text =
-        fmt::format("{}: {} kadrs of {} channels at {:.6g} Hz ({:.6g} s), {}\n", options.OutputPath, verdict.Kadrs,
-                    task.Channels.size(), task.Rate, static_cast<double>(verdict.Kadrs) / task.Rate, verdict.Outcome());
+        fmt::format("{}: {} of {} at {:.6g} Hz ({:.6g} s), {}\n", options.OutputPath, Counted(verdict.Kadrs, "kadr"),
+                    Counted(static_cast<int64_t>(task.Channels.size()), "channel"), task.Rate,
+                    static_cast<double>(verdict.Kadrs) / task.Rate, verdict.Outcome());
     for (const Gap& gap : std::span(verdict.Gaps).first(std::min(GapsShown, verdict.Gaps.size()))) {
         text += fmt::format("  {}\n", GapLine(task, gap));
     }
     if (verdict.Gaps.size() > GapsShown) {
-        text += fmt::format("  and {} more gaps, listed at the end of the file\n", verdict.Gaps.size() - GapsShown);
+        text += fmt::format("  and {}, listed at the end of the file\n",
+                            Counted(static_cast<int64_t>(verdict.Gaps.size() - GapsShown), "more gap"));
     }
     if (!options.PlotPath.empty()) text += options.PlotPath + ": plot\n";
-    WriteText(stdout, text);
+    WriteText(MessageStream(options), text);
 }
 
 }  // namespace corvane::recorder

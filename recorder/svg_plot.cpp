@@ -23,6 +23,7 @@ constexpr double Top = 82;
 constexpr double Bottom = 58;
 constexpr double PanelGap = 34;
 constexpr double LegendRow = 31;
+constexpr double NoteRow = 15;
 constexpr double PlotRight = Width - Right;
 constexpr size_t LegendTextMax = 28;  // characters that fit beside the panel
 
@@ -328,7 +329,8 @@ std::string EscapeXml(const std::string& text) {
 std::string RenderPlot(const Plot& plot) {
     const bool empty = plot.Data.Kadrs() == 0;
     const std::vector<Panel> panels = empty ? std::vector<Panel>() : MakePanels(plot);
-    const double height = empty ? Top + Bottom : panels.back().Bottom() + Bottom;
+    const double notesTop = empty ? Top + Bottom : panels.back().Bottom() + Bottom;
+    const double height = notesTop + NoteRow * static_cast<double>(plot.Notes.size());
     std::string svg;
     Append(svg,
            "<svg xmlns='http://www.w3.org/2000/svg' width='{0:.0f}' height='{1:.0f}' viewBox='0 0 {0:.0f} {1:.0f}'>\n"
@@ -351,6 +353,10 @@ std::string RenderPlot(const Plot& plot) {
         }
         AppendLegend(svg, plot, panel);
         if (&panel == &panels.back()) AppendTimeLabels(svg, panel, time, unit.Name);
+    }
+    for (size_t i = 0; i < plot.Notes.size(); i++) {
+        Append(svg, "<text class='small' x='{:.0f}' y='{:.1f}'>{}</text>\n", Left,
+               notesTop + NoteRow * static_cast<double>(i), EscapeXml(plot.Notes[i]));
     }
     return svg + "</svg>\n";
 }

@@ -18,6 +18,7 @@ struct Plot {
     const Envelope& Data;  // of the same channels
     std::span<const RecordedModule> Modules = {};
     std::span<const Gap> Gaps = {};
+    std::span<const std::string> Notes = {};  // at the bottom, a line each
 };
 
 // Draws each kadr while every one has a bin of its own, else the band between smallest and largest samples. A unit with

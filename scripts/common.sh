@@ -1,11 +1,34 @@
 # Sourced by the other scripts, which run in the project's folder: building, and a private Wine on a private display.
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+script=$(realpath "${BASH_SOURCE[1]-/}")
+cd -P "$(dirname "${BASH_SOURCE[0]}")/.."
 root=$PWD
+
+# What an earlier run as root, through sudo, say, left in build/ can't be written by another user.
+writable_build() {
+  local foreign
+  mkdir -p build
+  foreign=$(find build -maxdepth 2 ! -type l ! -writable -print -quit)
+  [ -n "$foreign" ] || return 0
+  echo "$foreign belongs to $(stat -c %U "$foreign"), and $(id -un) may not write there: an earlier run was another user's." >&2
+  echo "Remove what it left (sudo rm -rf $root/build), or run this as that user." >&2
+  return 1
+}
+
+# Two scripts in one folder would pull Wine and the build from under each other: the second one waits. The lock is that of
+# a process around the script, so that nothing which the script starts can keep it. A script that runs another one of this
+# folder has the lock already.
+if [[ $script == "$root"/scripts/* && ${CORVANE_SCRIPT-} != "$root" ]]; then
+  writable_build || exit 1
+  export CORVANE_SCRIPT=$root
+  flock -n build/lock true || echo "Another script is at work in $root: waiting for its end, two hours at most." >&2
+  exec flock -o -w 7200 build/lock "$script" "$@"
+fi
 
 # Configures and builds one preset; shows the compiler's words only when something fails.
 build() { # preset [target...]
   mkdir -p build
   local log=build/$1.log
+  : >"$log" || return 1
   if ! { cmake --preset "$1" && cmake --build --preset "$1" ${2+--target "${@:2}"}; } >"$log" 2>&1; then
     tail -n 40 "$log" >&2
     echo "Building '$1' failed; the whole log is $log" >&2

@@ -1,6 +1,8 @@
 #include "recorder/host_device.h"
 
+#include <corvane_version.h>
 #include "driver/driver_object.h"
+#include "driver/lifecycle.h"
 
 namespace corvane::recorder {
 
@@ -118,6 +120,24 @@ int64_t HostDevice::KadrsRead() const {
 }
 std::vector<Gap> HostDevice::Gaps() const {
     return Driver_->Object.Gaps();
+}
+
+// The simulator is linked in.
+std::vector<Library> HostDevice::Libraries() const {
+    return {{"Corvane, native build", CORVANE_VERSION, "", false},
+            {"ltrapi", CORVANE_VERSION, "", true},
+            {"ltr27api", CORVANE_VERSION, "", true}};
+}
+
+int HostDevice::StartMarkMode() const {
+    DriverState& state = AttachObject();
+    const int mode = state.Crate.MarkSTARTMode;
+    DetachObject(state);
+    return mode;
+}
+
+bool HostDevice::ReadsModuleTexts() {
+    return true;
 }
 
 }  // namespace corvane::recorder

@@ -18,9 +18,8 @@ std::vector<std::string> CommandLineArguments(int count, const char* const* valu
     return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
 }
 
-void WriteText(std::FILE* stream, std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stream);
-    std::fflush(stream);
+bool WriteText(std::FILE* stream, std::string_view text) {
+    return std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fflush(stream) == 0;
 }
 
 bool IsTerminal(std::FILE* stream) {
@@ -33,16 +32,19 @@ void WatchInterrupt() {
     action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;  // the second signal has the default effect
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+
+    // A terminal that closes says so more than once. Who has asked not to hear of it is left in peace.
+    struct sigaction before {};
+    sigaction(SIGHUP, nullptr, &before);
+    action.sa_flags = SA_RESTART;
+    if (before.sa_handler != SIG_IGN) sigaction(SIGHUP, &action, nullptr);
+    // A reader that goes makes writing fail, and doesn't end the program.
+    action.sa_handler = SIG_IGN;
+    sigaction(SIGPIPE, &action, nullptr);
 }
 
 bool InterruptRequested() {
     return Interrupted != 0;
-}
-
-std::FILE* OpenForWriting(const std::string& path) {
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    if (file != nullptr) std::setvbuf(file, nullptr, _IONBF, 0);
-    return file;
 }
 
 }  // namespace corvane::recorder

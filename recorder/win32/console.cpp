@@ -4,7 +4,6 @@
 // windows.h first: the other builds on it.
 #include <shellapi.h>
 
-#include <io.h>
 #include <atomic>
 
 #include "platform/win32/wide_text.h"
@@ -19,10 +18,11 @@ HANDLE ConsoleOf(std::FILE* stream) {
 }
 
 BOOL WINAPI OnConsoleEvent(DWORD event) {
-    if (Interrupted.exchange(true)) return FALSE;
+    const bool again = Interrupted.exchange(true);
+    if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) return again ? FALSE : TRUE;
     // The system ends the process as soon as this returns from a closing event, and after 5 s anyway: the time between
     // is for the recording to end in order.
-    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(4500);
+    Sleep(4500);
     return TRUE;
 }
 
@@ -38,19 +38,19 @@ std::vector<std::string> CommandLineArguments(int, const char* const*) {
 }
 
 // A console takes UTF-16, whatever its code page and font can do; a pipe or file gets the UTF-8 as it is.
-void WriteText(std::FILE* stream, std::string_view text) {
+bool WriteText(std::FILE* stream, std::string_view text) {
     if (IsTerminal(stream)) {
+        bool whole = true;
         const std::wstring utf16 = platform::Wide(text);
         constexpr size_t Piece = 8192;  // units; old consoles refuse more than 64 KB at once
         for (size_t start = 0; start < utf16.size(); start += Piece) {
             const auto length = static_cast<DWORD>(std::min(Piece, utf16.size() - start));
             DWORD written = 0;
-            WriteConsoleW(ConsoleOf(stream), utf16.data() + start, length, &written, nullptr);
+            whole = WriteConsoleW(ConsoleOf(stream), utf16.data() + start, length, &written, nullptr) != FALSE && whole;
         }
-        return;
+        return whole;
     }
-    std::fwrite(text.data(), 1, text.size(), stream);
-    std::fflush(stream);
+    return std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fflush(stream) == 0;
 }
 
 bool IsTerminal(std::FILE* stream) {
@@ -64,12 +64,6 @@ void WatchInterrupt() {
 
 bool InterruptRequested() {
     return Interrupted;
-}
-
-std::FILE* OpenForWriting(const std::string& path) {
-    std::FILE* file = _wfopen(platform::Wide(path).c_str(), L"wb");
-    if (file != nullptr) std::setvbuf(file, nullptr, _IONBF, 0);
-    return file;
 }
 
 }  // namespace corvane::recorder

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -14,6 +15,7 @@
 #include "recorder/envelope.h"
 #include "recorder/failure.h"
 #include "recorder/options.h"
+#include "recorder/output_file.h"
 #include "recorder/recorded_gaps.h"
 #include "recorder/silence_watch.h"
 #include "recorder/svg_plot.h"
@@ -27,29 +29,33 @@ namespace {
 using Numbers = std::vector<int16_t>;
 
 TEST(RecorderOptions, ListsAndTimesAreUnderstoodOrRefused) {
-    const std::pair<const char*, Numbers> lists[] = {{"5-5", {5}}, {"17,2,0-2", {0, 1, 2, 17}}, {"32767", {32767}}};
-    for (const auto& [text, numbers] : lists) EXPECT_EQ(ParseChannelList(text), numbers) << text;
-    EXPECT_EQ(ParseChannelList("fitted"), std::nullopt);
+    const std::pair<const char*, ChannelChoice> lists[] = {{"5-5", {false, false, {5}}},
+                                                           {"17,2,0-2", {false, false, {0, 1, 2, 17}}},
+                                                           {"32767", {false, false, {32767}}},
+                                                           {"all", {true, false, {}}},
+                                                           {"fitted,7", {false, true, {7}}}};
+    for (const auto& [text, choice] : lists) EXPECT_EQ(ParseChannelList(text), choice) << text;
     for (const char* text : {"", "1,", "3-1", "-1", "1-", "1-2-3", "a", "1 2", "32768", "1.5"}) {
         EXPECT_THROW(ParseChannelList(text), Failure) << text;
     }
-    const std::pair<const char*, double> times[] = {{"500ms", 0.5}, {"10s", 10},    {"2m", 120},
-                                                    {"2min", 120},  {"1.5h", 5400}, {"0.25", 0.25}};
+    const std::pair<const char*, double> times[] = {{"500ms", 0.5}, {"10s", 10},    {"2m", 120},     {"2min", 120},
+                                                    {"1.5h", 5400}, {"0.25", 0.25}, {"1h30m", 5400}, {"1m500ms", 60.5}};
     for (const auto& [text, seconds] : times) EXPECT_DOUBLE_EQ(ParseDuration(text), seconds) << text;
-    for (const char* text : {"", "s", "-1s", "1x", "nan", "10001h", "1e999", "1,5h"}) {
+    for (const char* text : {"", "s", "-1s", "1x", "1h30", "30 1h", "nan", "10001h", "1e999", "1,5h"}) {
         EXPECT_THROW(ParseDuration(text), Failure) << text;
     }
 }
 
 TEST(RecorderOptions, CommandLines) {
-    for (const char* line : {"", "reord", "record", "record -o a -r 0", "record -o a -r 5kHz", "record -o a -d 0",
-                             "record -o a -p a", "list -o a", "settings -o a", "settings list"}) {
+    for (const char* line : {"", "reord", "record -o a -p -", "record", "record -o a -r 0", "record -o a -r 5kHz",
+                             "record -o a -d 0", "list -o a", "settings -o a", "settings list"}) {
         std::istringstream words(line);
         const std::vector<std::string> arguments(std::istream_iterator<std::string>(words), {});
         EXPECT_THROW(ParseCommandLine(arguments), Failure) << line;
     }
-    const Options options = ParseCommandLine({"record", "-c", "4", "--rate", "250", "-o", "a b.csv"});
-    EXPECT_EQ(options.Channels, Numbers({4}));
+    const Options options =
+        ParseCommandLine({"record", "-c", "4", "--rate", "250hz", "-c", "fitted,5", "-o", "a b.csv"});
+    EXPECT_EQ(options.Channels, ChannelChoice({false, true, {4, 5}}));
     EXPECT_EQ(options.Rate, 250);
     EXPECT_EQ(options.OutputPath, "a b.csv");
     EXPECT_EQ(options.Duration, 10);
@@ -59,6 +65,8 @@ TEST(RecorderOptions, CommandLines) {
 
 TEST(RecorderCommandLine, ExitCodesAndWordsTellHowItEnded) {
     const std::string csv = testing::TempDir() + "recorder_test.csv";
+    // Makes the crate the second one, after another that has one module.
+    const char* const two = "[[server.crate.module]]\nid = 'LTR27'\nslot = 1\n[[server.crate]]\nserial = 'CRATE2'";
     // What the crate does, a fault, what follows the -o of a recording or another command, the exit code, what is said,
     // and the CSV's last line.
     const std::tuple<const char*, const char*, std::string, ExitCode, const char*, const char*> cases[] = {
@@ -84,27 +92,94 @@ TEST(RecorderCommandLine, ExitCodesAndWordsTellHowItEnded) {
         {"", "call = 'LTR_GetCrates'\nerror = -5", "", ExitCode::NoDevice, "ltr27rec: No ", ""},
         {"", "", "/no.csv", ExitCode::Output, "can't be created", ""},
         {"", "", " -c 32", ExitCode::Usage, "Channel 32 does not exist", ""},
-        {"", "", "list", ExitCode::Success, "LTR27: 32 channels", ""},
+        {"", "", "record -r 1000 -d 1ms -c 1 -o " + csv, ExitCode::Success, ": 1 kadr of 1 channel at", "0.000,"},
+        {"", "", " -p " + testing::TempDir() + "./recorder_test.csv", ExitCode::Usage, "are one file", ""},
+        {"", "", "list", ExitCode::Success,
+         "LTR27 (SIMULATED): 32 channels, 15 bits, up to 1000 Hz, now set to 10 Hz\nServer: 127.0.0.1\n"
+         "Crate: LTR030, serial CRATE1, USB\nModule: LTR27, slot 3, serial CRATE1-3, firmware v1.2.3.4\n"
+         "Module: LTR27, slot 5, serial CRATE1-5, firmware v1.2.3.4\nSTART mark: Make Internal\nLibrary: Corvane",
+         ""},
+        {two, "", "list", ExitCode::NoDevice, "Name one of them:\n  --crate CRATE1\n  --crate CRATE2\n", ""},
+        {two, "", "list --crate CRATE2", ExitCode::Success, "serial CRATE2", ""},
+        {two, "", "list --crate X", ExitCode::NoDevice, "number X. Found:\n  --crate CRATE1\n  --crate CRATE2\n", ""},
+        {"", "", "list --server 10.0.0.1", ExitCode::NoDevice, "running (at 10.0.0.1)", ""},
+        {"", "", "list --server 10.0.0", ExitCode::Usage, "--server 10.0.0: give an address", ""},
+        {"", "", "list --dialogs", ExitCode::Usage, "This build has no windows", ""},
+        {"", "", "reord", ExitCode::Usage, "no command \"reord\"", ""},
         {"", "", "settings", ExitCode::Usage, "This build has no windows", ""}};
     for (auto [crate, fault, rest, code, said, lastLine] : cases) {
         platform::ClearRegistry();
         ASSERT_EQ(LtrSim_Configure(SequenceCrate({3, 5}, "1.0", crate).c_str()), 0) << LtrSim_Message();
         ASSERT_TRUE(*fault == '\0' || LtrSim_AddFault(fault) == 0) << LtrSim_Message();
         Said.clear();
-        Interrupted = rest == " --interrupt";
-        if (Interrupted) rest.clear();
+        StandardOutputText.clear();
+        const bool interrupted = rest == " --interrupt";
+        Interrupt = [=] { return interrupted; };
+        if (interrupted) rest.clear();
         const bool records = rest.empty() || rest.find_first_of(" /") == 0;
         std::istringstream words(records ? "record -r 1000 -o " + csv + rest : rest);
         if (records && rest.find(" -d ") == std::string::npos) words.str(words.str() + " -d 200ms");
         std::ofstream(csv).close();
         EXPECT_EQ(RunCommandLine({std::istream_iterator<std::string>(words), {}}), code) << rest;
-        EXPECT_NE(Said.find(said), std::string::npos) << Said;
+        EXPECT_NE((Said + StandardOutputText).find(said), std::string::npos) << rest << Said << StandardOutputText;
         std::string line, last;
         for (std::ifstream file(csv); std::getline(file, line);) last = line;
         EXPECT_TRUE(last.starts_with(lastLine)) << rest << last;
         EXPECT_EQ(LtrSim_OpenConnections(), 0) << rest;
     }
-    Interrupted = false;
+    Interrupt = nullptr;
+}
+
+TEST(RecorderFiles, TakeTheirNamesWhenTheyAreComplete) {
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::path(testing::TempDir()) / "recorder_files";
+    const fs::path csv = folder / "a.csv", part = folder / "a.csv.part", link = folder / "link";
+    const auto write = [](const fs::path& path, const char* text) { std::ofstream(path) << text; };
+    const auto read = [](const fs::path& path) {
+        std::ifstream file(path);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    };
+    fs::remove_all(folder);
+    fs::create_directory(folder);
+    fs::create_symlink("a.csv", link);
+    write(csv, "old");
+    write(part, "left");
+    ASSERT_EQ(LtrSim_Configure(SequenceCrate({3}, "1.0").c_str()), 0) << LtrSim_Message();
+    Said.clear();
+    Interrupt = [&] {
+        EXPECT_EQ(read(csv), "old");
+        for (const fs::path& name : {csv, link, folder / "." / "a.csv"}) {
+            EXPECT_THROW(OutputFile{name}, Failure) << name;
+        }
+        return false;
+    };
+    const auto record = [](const std::string& output) {
+        return RunCommandLine({"record", "-r", "1000", "-d", "100ms", "-o", output});
+    };
+    EXPECT_EQ(record(link), ExitCode::Success) << Said;
+    EXPECT_TRUE(read(csv).starts_with("# Device: "));
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_FALSE(fs::exists(part));
+    EXPECT_EQ(read(part.string() + ".1"), "left");
+    EXPECT_NE(Said.find("a.csv.part.1"), std::string::npos) << Said;
+
+    EXPECT_EQ(RunCommandLine({"record", "-o", csv, "-p", link}), ExitCode::Usage);
+    EXPECT_FALSE(fs::exists(part));  // nothing is left of what did not begin
+
+    Interrupt = [&] { return fs::remove_all(csv) > 9 || !fs::create_directories(csv / "x"); };
+    EXPECT_EQ(record(csv), ExitCode::Output);
+    EXPECT_NE(Said.find("Everything is in " + part.string()), std::string::npos) << Said;
+    EXPECT_NE(read(part).find("\n0.099,"), std::string::npos);
+    EXPECT_EQ(record(csv), ExitCode::Output);  // a folder from the start
+
+    Interrupt = nullptr;
+    Said.clear();
+    StandardOutputText.clear();
+    EXPECT_EQ(record("-"), ExitCode::Success);
+    EXPECT_TRUE(StandardOutputText.starts_with("# Device: "));
+    EXPECT_NE(StandardOutputText.rfind("\n0.099,"), std::string::npos);
+    EXPECT_EQ(StandardOutputText.find("complete"), std::string::npos);
+    EXPECT_NE(Said.find(": 100 kadrs of 14 channels"), std::string::npos) << Said;
 }
 
 TEST(RecorderCommandLine, MoreGapsThanTheDriverListsAreNoSilence) {
@@ -116,7 +191,9 @@ TEST(RecorderCommandLine, MoreGapsThanTheDriverListsAreNoSilence) {
     EXPECT_EQ(RunCommandLine({"record", "-r", "1000", "-d", "600s", "-c", "0", "-o", csv, "--stall-timeout", "100ms"}),
               ExitCode::Incomplete);
     platform::SkipSleeps = false;
-    EXPECT_NE(Said.find("600000 kadrs of 1 channels at 1000 Hz (600 s), all kadrs written"), std::string::npos) << Said;
+    EXPECT_NE(StandardOutputText.find("600000 kadrs of 1 channel at 1000 Hz (600 s), all kadrs written"),
+              std::string::npos)
+        << StandardOutputText;
     EXPECT_EQ(Said.find("sends nothing"), std::string::npos) << Said;
 }
 
@@ -146,9 +223,8 @@ TEST(RecorderCsv, ValuesLieWithinATwentiethOfACode) {
 TEST(RecorderCsv, TextOfARecording) {
     CsvWriter csv({{0, "a,\"b\"", "", "V", 1, 0}, {16, "c", "", "", 10, 0}}, static_cast<double>(1000.0F / 3));
     std::string text;
-    csv.AppendHeader(text, "LTR27", 0, 2);
-    EXPECT_NE(text.find("\n# Rate: 333.333 Hz\n"), std::string::npos) << text;
-    EXPECT_TRUE(text.ends_with("\ntime (s),\"a,\"\"b\"\" (V)\",c\n")) << text;
+    csv.AppendHeader(text, std::vector<std::string>{"Rate: 333.333 Hz"});
+    EXPECT_EQ(text, "# Rate: 333.333 Hz\ntime (s),\"a,\"\"b\"\" (V)\",c\n");
     text.clear();
     csv.AppendRows(text, {Numbers{1, -2, 3, 15}, {}});
     csv.AppendRows(text, {Numbers{5, 0}, {}});

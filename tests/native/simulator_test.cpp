@@ -173,7 +173,7 @@ TEST(Simulator, TheExamplesAreReadAndTheOneWithFaultsIsOpenedAtOnce) {
         Configure(std::string(std::istreambuf_iterator<char>(file), {}));
         EXPECT_TRUE(entry.path().filename() != "faults.toml" || DriverObject().Test());
     }
-    EXPECT_GE(std::distance(std::filesystem::directory_iterator(SCENARIOS), {}), 5);
+    EXPECT_GE(std::distance(std::filesystem::directory_iterator(SCENARIOS), {}), 9);
 }
 
 TEST(Simulator, MistakesInTheScenarioNameTheirLine) {

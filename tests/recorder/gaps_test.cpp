@@ -156,6 +156,7 @@ protected:
         const std::string scenario = SequenceCrate({Slots[0], Slots[1]}, speed, "start_mark_kadr = 0") + faults;
         EXPECT_EQ(LtrSim_Configure(scenario.c_str()), 0) << LtrSim_Message();
         Said.clear();
+        StandardOutputText.clear();
         std::istringstream line(fmt::format("record -r {} -d {}ms -o {}{}", rate, 1000 * kadrs / rate, Path,
                                             keepFilled ? " --keep-filled" : ""));
         const ExitCode code = RunCommandLine({std::istream_iterator<std::string>(line), {}});
@@ -229,9 +230,9 @@ TEST_F(RecorderGaps, ManyDontFloodTheTerminal) {
         ASSERT_TRUE(remarks.at(gap).starts_with(
             fmt::format("not measured: module 0, slot 3, from {:.3f}", 0.1 * double(gap + 1))))
             << remarks[gap];
-        EXPECT_EQ(Said.find("  " + remarks[gap]) != std::string::npos, gap < 10) << Said;
+        EXPECT_EQ(StandardOutputText.find("  " + remarks[gap]) != std::string::npos, gap < 10) << StandardOutputText;
     }
-    EXPECT_NE(Said.find("\n  and 2 more gaps"), std::string::npos) << Said;
+    EXPECT_NE(StandardOutputText.find("\n  and 2 more gaps"), std::string::npos) << StandardOutputText;
 }
 
 }  // namespace

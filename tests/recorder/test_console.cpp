@@ -5,20 +5,19 @@
 namespace corvane::recorder {
 
 std::string Said;
-bool Interrupted = false;
+std::string StandardOutputText;
+std::function<bool()> Interrupt;
 
-void WriteText(std::FILE*, std::string_view text) {
-    Said += text;
+bool WriteText(std::FILE* stream, std::string_view text) {
+    (stream == stdout ? StandardOutputText : Said) += text;
+    return true;
 }
 bool IsTerminal(std::FILE*) {
     return false;
 }
 void WatchInterrupt() {}
 bool InterruptRequested() {
-    return Interrupted;
-}
-std::FILE* OpenForWriting(const std::string& path) {
-    return std::fopen(path.c_str(), "wb");
+    return Interrupt && Interrupt();
 }
 
 }  // namespace corvane::recorder

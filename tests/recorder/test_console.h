@@ -1,11 +1,13 @@
-// The console of the recorder's tests: it keeps what is said, and the user who interrupts does so from the start.
+// The console of the recorder's tests: it keeps what is said, and asks the test for a user's interrupt.
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace corvane::recorder {
 
-extern std::string Said;
-extern bool Interrupted;
+extern std::string Said;                // by messages
+extern std::string StandardOutputText;  // everything else
+extern std::function<bool()> Interrupt;
 
 }  // namespace corvane::recorder
