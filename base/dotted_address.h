@@ -16,10 +16,10 @@ inline std::string DottedText(uint32_t value) {
            std::to_string(value >> 8 & 255) + "." + std::to_string(value & 255);
 }
 
-constexpr size_t OctetDigits = 3;  // of an octet as it is written, at most
+constexpr size_t OctetDigits = 3;  // an octet has no more
 
-// A number 0 to 255 in plain digits, however many zeros lead it. What else a locale takes for a number (signs,
-// fractions, digits of other scripts) has no place in an address.
+// A number from 0 to 255 in the digits 0 to 9, with any number of leading zeros. Everything else that a locale may
+// accept as a number (signs, fractions, digits of other scripts) is refused.
 inline std::optional<uint8_t> ParseOctet(std::string_view text) {
     if (text.empty()) return std::nullopt;
     int value = 0;

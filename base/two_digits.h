@@ -1,4 +1,4 @@
-// Small numbers in columns.
+// Numbers for lists and columns.
 #pragma once
 
 #include <cstdint>

@@ -16,14 +16,15 @@ inline size_t CharacterCount(std::string_view text) {
     return static_cast<size_t>(std::count_if(text.begin(), text.end(), StartsCharacter));
 }
 
-// Bytes of the first `count` characters; of the whole text when it has no more.
+// Number of bytes of the first `count` characters, or of the whole text when it has fewer.
 inline size_t LengthOfCharacters(std::string_view text, size_t count) {
     size_t length = 0;
     while (length < text.size() && (!StartsCharacter(text[length]) || count-- > 0)) length++;
     return length;
 }
 
-// Takes one character off the front of a text that is not empty. Ill-formed bytes give some character; nothing fails.
+// Removes the first character of a text, which must not be empty, and returns it. Ill-formed bytes give some character;
+// nothing fails.
 inline char32_t TakeCharacter(std::string_view& text) {
     const auto lead = static_cast<uint8_t>(text.front());
     text.remove_prefix(1);

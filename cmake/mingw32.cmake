@@ -11,7 +11,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 
 # SSE2 is the baseline: the x87 unit rounds doubly and is slow at conversions. Hosts call with stacks aligned to 4 bytes,
 # so every function that may keep SSE values on its stack realigns it.
-set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse -mstackrealign")
+# An array that was overrun ends the process before anything returns into what overran it.
+set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse -mstackrealign -fstack-protector-strong")
 # -static alone leaves a component that imports nothing but system libraries.
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static -Wl,--enable-stdcall-fixup")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")

@@ -16,7 +16,8 @@ bool IsDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
-// Takes up to five digits off the front: more characters than the platform's buffers hold have no more.
+// Skips up to five digits. A longer number makes the insert unsafe: it is more characters than the platform's buffers
+// hold.
 void SkipNumber(std::string_view& text) {
     for (int digits = 0; digits < 5 && !text.empty() && IsDigit(text.front()); digits++) text.remove_prefix(1);
 }
@@ -27,14 +28,14 @@ bool SkipIf(std::string_view& text, char character) {
     return true;
 }
 
-// Takes an insert off the front, behind its "%". False when it would make the platform read something else than the
-// five texts: a number above 5, a width taken from the arguments, a conversion to wide text.
+// Skips an insert, whose "%" has been read already. False when the platform would read anything but the five texts for
+// it: for a number above 5, for a width that is an argument itself, for a conversion to wide text.
 bool SkipSafeInsert(std::string_view& text) {
     if (text.front() > '5' || (text.size() > 1 && IsDigit(text[1]))) return false;
     text.remove_prefix(1);
     if (!SkipIf(text, '!')) return true;
     SkipIf(text, '-');
-    if (text.starts_with('0')) return false;  // pads texts with zeros on some platforms only
+    if (text.starts_with('0')) return false;  // some platforms pad a text with zeros then, others do not
     SkipNumber(text);
     if (SkipIf(text, '.')) SkipNumber(text);
     return SkipIf(text, 's') && SkipIf(text, '!');
@@ -75,7 +76,7 @@ std::string FormatText(const std::string& pattern, const std::string& a1, const 
     const std::string* texts[] = {&a1, &a2, &a3, &a4, &a5};
     std::array<std::string, 5> packed;
     platform::MessageArguments arguments;
-    size_t packedSize = 0;  // characters, with a terminator each
+    size_t packedSize = 0;  // characters, each text with its terminator
     for (size_t i = 0; i < packed.size(); i++) {
         packed[i] = platform::ToAnsi(*texts[i]);
         arguments[i] = packed[i].c_str();

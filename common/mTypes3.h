@@ -1,4 +1,4 @@
-// Small services shared by the whole driver: where the settings live, and its numbered texts.
+// Services for the whole driver: where its settings are kept, and its numbered texts.
 #pragma once
 
 #include <cstdint>
@@ -8,9 +8,9 @@
 
 namespace corvane {
 
-// Derives the settings location from a device name, points SettingsRegistry there, which creates the key, and leaves
-// the name as the key's default value. An empty driverName becomes the name: the first one given stays. Where the key
-// can be neither opened nor created SettingsRegistry stays where it was, and nothing is written there.
+// Derives the settings location from a device name and points SettingsRegistry to it. A missing key is created, and the
+// name is written as the key's default value. driverName becomes the name only if it was empty. When the key can be
+// neither opened nor created, SettingsRegistry stays where it was, and nothing is written.
 void InitSettingsLocation(SettingsLocation& location, std::string& driverName, const std::string& name);
 
 // The numbered text in the user's language with its placeholders filled in; empty when there is none.

@@ -16,8 +16,8 @@ namespace corvane {
 
 namespace {
 
-// A dialog keeps the host's thread in here, while its timers go on and may call again: what then finds itself at work
-// already does nothing.
+// While a member shows a dialog, the timers of the host keep running on the same thread and may call the driver again.
+// A call that would show a second dialog does nothing then.
 class ReentryGuard {
 public:
     explicit ReentryGuard(bool& inside) : Inside_(inside), Entered_(!inside) { Inside_ = true; }
@@ -94,7 +94,7 @@ int16_t DriverObject::ChannelRange(int16_t index) const {
     return device.ValidChannel(index) ? device.ChannelRanges[static_cast<size_t>(index)] : int16_t{0};
 }
 
-// A channel's range is the mezzanine that it sits on.
+// The range can't be chosen: it is that of the mezzanine that the channel belongs to.
 void DriverObject::SetChannelRange(int16_t, int16_t) {}
 
 float DriverObject::ChannelUnitScale(int16_t index) const {

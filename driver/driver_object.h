@@ -58,8 +58,9 @@ public:
     bool StartRecord();
     void StopRecord();
 
-    // InputData in two steps, so that the caller owns the memory: ask for the shape, then take exactly that much into
-    // (Kadrs + 1) * Channels samples at `destination`. The unread kadrs can only grow in between.
+    // InputData in two steps, so that the caller owns the memory: ask for the shape, then have exactly that much copied
+    // to `destination`, which has room for (Kadrs + 1) * Channels samples. The number of unread kadrs can only grow in
+    // between.
     InputDataShape NextInputData() const;
     void TakeInputData(const InputDataShape& shape, int16_t* destination);
 
@@ -69,19 +70,20 @@ public:
     std::string LastError() const;
     bool ShowSetting();
 
-    // For careful hosts. The three choices are meant for before Test, and are those of all objects on the thread.
+    // ICorvaneStatus. Interactive, Server and CrateSerial are to be set before Test; they hold for all objects of the
+    // thread.
     bool Interactive() const;
-    void SetInteractive(bool interactive);  // false: no member shows a window; a user who is not asked has cancelled
-    std::string Server() const;             // dotted address, or empty
-    bool SetServer(const std::string& address);  // empty: the usual search. False, with nothing done: no address
+    void SetInteractive(bool interactive);       // false: no window is shown, as if the user cancelled each
+    std::string Server() const;                  // dotted address, or empty
+    bool SetServer(const std::string& address);  // empty: the usual search. False: no address; nothing changes
     std::string CrateSerial() const;
     void SetCrateSerial(const std::string& serial);  // empty: the only crate, or the user's choice
     std::string CrateInfo() const;                   // empty: none is open
     int16_t ModulesCount() const;                    // opened modules
     std::string ModuleInfo(int16_t index) const;     // empty: there is no such module
     int64_t KadrsRecorded() const;                   // since the last start of a recording
-    int64_t KadrsRead() const;                       // of these; the number of the next kadr that the host gets
-    std::vector<Gap> Gaps() const;                   // of the last recording, up to its newest kadr
+    int64_t KadrsRead() const;                       // of these, read by the host; the number of the next one
+    std::vector<Gap> Gaps() const;                   // of the last recording, as far as it is stored
 
 private:
     DriverState& State_;

@@ -1,5 +1,7 @@
 #include "driver/lifecycle.h"
 
+#include <corvane_version.h>
+
 #include <algorithm>
 #include <atomic>
 #include <memory>
@@ -10,6 +12,8 @@
 #include "common/mTypes3.h"
 #include "engine/device.h"
 #include "engine/driver_settings.h"
+#include "platform/component.h"
+#include "platform/event_log.h"
 #include "platform/threads.h"
 #include "selection/mQuorn.h"
 
@@ -18,19 +22,19 @@ namespace corvane {
 namespace {
 
 struct ThreadEntry {
-    uintptr_t Token;  // what the state's host thread keeps; 0: no thread's any more
+    uintptr_t Token;  // the number that the host thread keeps; 0: the state belongs to no thread any more
     std::unique_ptr<DriverState> State;
 };
 
-// All states, so that they are found from any thread. Which one is the calling thread's, the token that it keeps says:
-// a running number, because the ids of threads and the addresses of states come again and would hand a dead thread's
-// device on to a new one. Held for moments only, and never while the system is asked for anything: LeaveThread comes
-// with the loader's lock held.
+// All states; any thread may look one up. A thread's own state is found by the token that the thread keeps. No token is
+// used twice. The system's thread ids and the addresses of states are used again later: with these a new thread could
+// get the device of a dead one. The lock is held only briefly, and no call that needs the loader's lock is made
+// meanwhile: LeaveThread may be called while that lock is held.
 std::vector<ThreadEntry> ThreadEntries;
 platform::Mutex EntriesLock;
 std::atomic<uintptr_t> LastToken = 0;
 
-// The calling thread's state, with the lock held; null: it has none.
+// The calling thread's state; null: it has none. The lock must be held.
 DriverState* FindState() {
     const uintptr_t token = platform::ThreadToken();
     for (const ThreadEntry& entry : ThreadEntries) {
@@ -45,6 +49,9 @@ auto EntryOf(const DriverState& state) {
 }
 
 std::unique_ptr<DriverState> MakeState() {
+    platform::LogEvent([&] {
+        return "Corvane " CORVANE_VERSION ": " + platform::ComponentFile() + ", host " + platform::HostProgram();
+    });
     auto state = std::make_unique<DriverState>();
     state->Device.ADCName = "LTR27";
     InitSettingsLocation(state->Settings, state->Device.DriverName, state->Device.ADCName);
@@ -54,7 +61,7 @@ std::unique_ptr<DriverState> MakeState() {
     return state;
 }
 
-// Takes note that an object is gone. True when it was the state's last; no thread finds the state then.
+// Counts one object less. True when it was the last of the state; no thread finds the state from then on.
 bool ReleaseInstance(DriverState& state) {
     const std::lock_guard lock(EntriesLock);
     if (--state.Instances > 0) return false;
@@ -62,7 +69,7 @@ bool ReleaseInstance(DriverState& state) {
     return true;
 }
 
-// Takes the state off the list.
+// Removes the state from the list and hands it over, so that it is freed without the lock.
 std::unique_ptr<DriverState> Remove(DriverState& state) {
     const std::lock_guard lock(EntriesLock);
     const auto entry = EntryOf(state);
@@ -97,9 +104,9 @@ void DetachObject(DriverState& state) noexcept {
         closed = CloseDevice(state.Engine);
         SaveSettings(state.Settings, state.Input, state.Crate);
     } catch (...) {
-        // Nobody is left to be told.
+        // There is no object left that could report it.
     }
-    // A recording thread that has not come back may still touch the state: it stays, as the code does.
+    // A recording thread that has not ended may still use the state. Both then stay, and the library stays loaded.
     if (closed) Remove(state);
 }
 

@@ -9,16 +9,16 @@ namespace corvane {
 DriverState& AttachObject();
 
 // One object less. The last one ends a recording, closes the device, saves the settings and frees the state. Works on
-// any thread, so that a host that releases an object on the wrong one still closes the device. A recording thread that
-// doesn't come back from the vendor library is left behind with the state that it works on.
+// any thread, so that a host that releases an object on the wrong thread still closes the device. When a recording
+// thread never returns from the vendor library, the thread and the state that it works on remain.
 void DetachObject(DriverState& state) noexcept;
 
-// The calling thread ends. Nobody may use objects that it leaves behind: their recording is asked to stop. Waits for
-// nothing, and may be called with the loader's lock held.
+// Called when the calling thread ends. Its objects, if it has not released them, must not be used any more: their
+// recording is asked to stop. Waits for no other thread's work, and may be called with the loader's lock held.
 void LeaveThread() noexcept;
 
-// The library is being unloaded: closes the modules of all states that are left and frees these. No recording thread
-// may live.
+// Called when the library is unloaded: closes the modules of all states that are left and frees the states. No
+// recording thread may be running.
 void CloseWhatIsLeft() noexcept;
 
 }  // namespace corvane

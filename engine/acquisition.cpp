@@ -1,7 +1,10 @@
 #include "engine/acquisition.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstring>
+#include <vector>
 
 #include "base/rounding.h"
 #include "driver/model/engine_state.h"
@@ -19,8 +22,7 @@ constexpr uint32_t PollPause = 5;  // ms between two checks of something that ta
 // One recording, as its thread sees it.
 class Acquisition {
 public:
-    explicit Acquisition(EngineState& engine)
-        : Engine_(engine), Ring_(engine.Target->Ring), Plan_(MakeStorePlan(engine, engine.Target->RecordedTable)) {}
+    explicit Acquisition(EngineState& engine);
 
     void Run();
 
@@ -36,14 +38,26 @@ private:
     int32_t FindStartMark(int32_t words) const;
     void CompleteBlock(ModuleRecord& module, int32_t words);
     void ListGaps();
+    void ListGapsOf(const ModuleRecord& module, size_t index);
     void PauseUntilDue();
 
     EngineState& Engine_;
     DataRing& Ring_;
     const StorePlan Plan_;
-    int64_t Stored_ = 0;                    // kadrs
-    uint32_t Due_ = platform::TickCount();  // ms; when the last block was complete, or should have been
+    std::array<std::vector<size_t>, MaxModules> Recorded_;  // the channels of each module that have samples
+    int64_t Stored_ = 0;                                    // kadrs
+    uint32_t Due_ = platform::TickCount();                  // ms; when the last block was complete, or should have been
 };
+
+Acquisition::Acquisition(EngineState& engine)
+    : Engine_(engine), Ring_(engine.Target->Ring), Plan_(MakeStorePlan(engine, engine.Target->RecordedTable)) {
+    for (const int16_t number : engine.Target->RecordedTable) {
+        const auto index = static_cast<size_t>(number / ModuleChannels);
+        const int channel = number % ModuleChannels;
+        if (index >= engine.Opened().size() || !ChannelFitted(engine.Modules[index], channel)) continue;
+        Recorded_[index].push_back(static_cast<size_t>(channel));
+    }
+}
 
 void Acquisition::Run() {
     if (Engine_.MarkRef == NoMark) {
@@ -198,14 +212,26 @@ void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
     module.Missing = GapReason::CutShort;
 }
 
-// Called before the block becomes visible to the reader: a filled-in kadr that can be read is listed already.
+// Called before the block becomes visible to the reader: a kadr that was not measured is listed before it can be read.
 void Acquisition::ListGaps() {
     for (const ModuleRecord& module : Engine_.UsedModules()) {
-        if (!module.Used || module.Measured >= Engine_.BlockKadrs) continue;
-        const auto index = static_cast<int32_t>(&module - Engine_.Modules.data());
-        Engine_.Target->Gaps.Add(
-            {index, Stored_ + module.Measured, Engine_.BlockKadrs - module.Measured, module.Missing});
+        if (module.Used) ListGapsOf(module, static_cast<size_t>(&module - Engine_.Modules.data()));
     }
+}
+
+// Where a calibration is senseless the library gives NaN or infinity and reports success. The sample is then the lowest
+// or the highest, which a channel can also measure: only the list tells.
+void Acquisition::ListGapsOf(const ModuleRecord& module, size_t index) {
+    GapList& gaps = Engine_.Target->Gaps;
+    const auto number = static_cast<int32_t>(index);
+    for (int32_t kadr = 0; kadr < module.Measured; kadr++) {
+        const double* values = module.Block.data() + ptrdiff_t{kadr} * ModuleChannels;
+        const auto measured = [&](size_t channel) { return std::isfinite(values[channel]); };
+        if (std::ranges::all_of(Recorded_[index], measured)) continue;
+        gaps.Add({number, Stored_ + kadr, 1, GapReason::NotProcessed});
+    }
+    const int32_t missing = Engine_.BlockKadrs - module.Measured;
+    if (missing > 0) gaps.Add({number, Stored_ + module.Measured, missing, module.Missing});
 }
 
 }  // namespace
@@ -216,7 +242,8 @@ void AcquisitionThread(void* engineState) {
     try {
         Acquisition(engine).Run();
     } catch (...) {
-        // Only making the store plan can throw, for lack of memory; the recording then ends before its first block.
+        // Only making the plan of the channels can throw, for lack of memory; the recording then ends before its first
+        // block.
     }
     StopAllModules(engine);
 }

@@ -8,8 +8,10 @@
 #include "engine/module_control.h"
 #include "engine/rate.h"
 #include "engine/recording.h"
+#include "engine/recording_log.h"
 #include "hardware/vendor_text.h"
 #include "platform/ansi_text.h"
+#include "platform/event_log.h"
 #include "platform/user_interface.h"
 #include "selection/dlgQuorn.h"
 #include "selection/mQuorn.h"
@@ -47,15 +49,25 @@ bool ReadModule(TLTR27API& api, ModuleRecord& module) {
     return api.GetConfig(module.Handle) && api.GetDescription(module.Handle, AllMezzanines);
 }
 
+std::string MezzanineNames(const ModuleRecord& module) {
+    std::string names;
+    for (const MezzanineInfo& mezzanine : module.Mezzanines) {
+        names += (names.empty() ? ", mezzanines " : ", ") + (mezzanine.Name.empty() ? "-" : mezzanine.Name);
+    }
+    return names;
+}
+
 bool OpenModule(TLTR27API& api, ModuleRecord& module, const CrateListEntry& crate, int32_t slot,
                 std::string& lastError) {
     TLTR27& handle = module.Handle;
     if (!api.Open(handle, crate.NetAddr, crate.Serial, static_cast<uint32_t>(slot))) {
         lastError = api.GetErrorString();
+        platform::LogEvent([&] { return "slot " + std::to_string(slot) + " can't be opened. " + lastError; });
         return false;
     }
     if (!ReadModule(api, module)) {
         lastError = api.GetErrorString();
+        platform::LogEvent([&] { return "slot " + std::to_string(slot) + " can't be read. " + lastError; });
         api.Close(handle);
         return false;
     }
@@ -71,6 +83,7 @@ bool OpenModule(TLTR27API& api, ModuleRecord& module, const CrateListEntry& crat
                     sizeof handle.Config[k].Calibration);
         module.Mezzanines[k] = ReadMezzanine(handle.Description[k], handle.Config[k]);
     }
+    platform::LogEvent([&] { return "opened " + module.Info + MezzanineNames(module); });
     module.PollTick = platform::TickCount();
     return true;
 }
@@ -105,6 +118,7 @@ bool OpenSelectedCrate(const CrateSearch& search, DeviceInfo& device, EngineStat
     const int choice = ChooseCrate(search, device.LastError);
     if (choice < 0 || choice >= search.CrateListCount) return false;
     const CrateListEntry& chosen = search.CrateList[static_cast<size_t>(choice)];
+    platform::LogEvent([&] { return "opening crate " + chosen.Serial; });
     const platform::BusyPointer busyPointer;
     CloseModules(engine);
     engine.Modules = std::vector<ModuleRecord>(chosen.Modules.size());
@@ -147,7 +161,10 @@ bool OpenDevice(DeviceInfo& device, InputState& input, EngineState& engine, Crat
         device.LastError = "Please install \"" + TLTR27API::LibraryName() + "\"!";
         return false;
     }
-    if (!OpenFoundCrate(device, engine, crate, search)) return false;
+    if (!OpenFoundCrate(device, engine, crate, search)) {
+        platform::LogEvent([&] { return "no device opened. " + device.LastError; });
+        return false;
+    }
     StopAllModules(engine);
     ApplyRate(input, engine, input.Rate);
     device.LastError.clear();
@@ -164,7 +181,13 @@ bool CloseDevice(EngineState& engine) {
     // The thread makes at most four more calls that may wait: two receives, each up to its time-out, and stopping two
     // modules. Five more seconds are enough for a busy server; a thread that has not ended by then never will.
     const uint32_t bound = 2 * static_cast<uint32_t>(engine.RecvTimeout) + 5000;
-    if (!engine.Thread.WaitEnd(bound)) return false;
+    if (!engine.Thread.WaitEnd(bound)) {
+        platform::LogEvent(
+            [&] { return "the recording thread does not come back from the vendor library: nothing is closed"; });
+        return false;
+    }
+    LogEnded(engine);
+    if (engine.OpenedCount > 0) platform::LogEvent([&] { return "device closed"; });
     CloseModules(engine);
     return true;
 }

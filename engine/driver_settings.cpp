@@ -1,5 +1,7 @@
 #include "engine/driver_settings.h"
 
+#include "platform/event_log.h"
+
 namespace corvane {
 
 namespace {
@@ -13,6 +15,13 @@ bool UsableRate(float rate, float rateMax) {
     return rate > 0 && rate <= rateMax;
 }
 
+void LogSettings(const char* what, const SettingsLocation& location, const InputState& input, const CrateInfo& crate) {
+    platform::LogEvent([&] {
+        return "settings " + std::string(what) + ' ' + location.SettingsKeyPath + ": rate " +
+               std::to_string(input.Rate) + " Hz, START mark mode " + std::to_string(crate.MarkSTARTMode);
+    });
+}
+
 }  // namespace
 
 void LoadSettings(SettingsLocation& location, InputState& input, CrateInfo& crate) {
@@ -22,6 +31,7 @@ void LoadSettings(SettingsLocation& location, InputState& input, CrateInfo& crat
     if (registry.ReadFloat(RateName, rate, 0) && UsableRate(rate, input.RateMax)) input.Rate = rate;
     int16_t& mode = crate.MarkSTARTMode;
     if (registry.ReadInt16(MarkModeName, mode, 0) && (mode < 0 || mode > LastMarkMode)) mode = 0;
+    LogSettings("read from", location, input, crate);
 }
 
 void SaveSettings(SettingsLocation& location, const InputState& input, const CrateInfo& crate) {
@@ -30,6 +40,7 @@ void SaveSettings(SettingsLocation& location, const InputState& input, const Cra
         location.SettingsRegistry.WriteFloat(RateName, input.Rate);
     }
     location.SettingsRegistry.WriteInt16(MarkModeName, crate.MarkSTARTMode);
+    LogSettings("written to", location, input, crate);
 }
 
 }  // namespace corvane

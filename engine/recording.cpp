@@ -5,6 +5,8 @@
 #include "engine/acquisition.h"
 #include "engine/module_control.h"
 #include "engine/rate.h"
+#include "engine/recording_log.h"
+#include "platform/event_log.h"
 
 namespace corvane {
 
@@ -100,12 +102,11 @@ bool StartAcquisitionThread(EngineState& engine, InputState& input, const CrateI
     }
     if (!StartUsedModules(engine, lastError)) return false;
     engine.MarkRef = RequestStartMark(engine, crate);
+    LogStarted(engine, crate);
     return start.Succeeded = true;
 }
 
-}  // namespace
-
-bool StartRecording(EngineState& engine, InputState& input, const CrateInfo& crate, std::string& lastError) {
+bool Start(EngineState& engine, InputState& input, const CrateInfo& crate, std::string& lastError) {
     if (engine.Thread.Running()) {
         lastError = "Please wait end of previous thread of recording!";
         return false;
@@ -123,9 +124,19 @@ bool StartRecording(EngineState& engine, InputState& input, const CrateInfo& cra
     return PrepareInputBuffer(input, blockKadrs) && StartAcquisitionThread(engine, input, crate, lastError);
 }
 
+}  // namespace
+
+bool StartRecording(EngineState& engine, InputState& input, const CrateInfo& crate, std::string& lastError) {
+    LogEnded(engine);
+    const bool started = Start(engine, input, crate, lastError);
+    if (!started) platform::LogEvent([&] { return "recording not started. " + lastError; });
+    return started;
+}
+
 void StopRecording(EngineState& engine) {
     engine.Busy = false;
     engine.Thread.WaitEnd(StopWaitFor(engine.BlockRate, engine.BlockKadrs));
+    LogEnded(engine);
 }
 
 }  // namespace corvane

@@ -21,7 +21,8 @@ void ReadSnapshot(TLTR27API& api, ModuleRecord& module) {
         double values[ModuleChannels] = {};
         // An incomplete kadr is not used: the last reading stays.
         if (api.Recv(handle, words, size, PollTimeout) == ModuleChannels &&
-            api.ProcessData(handle, words, values, size, TLTR27API::Calibrate, TLTR27API::KeepCodes)) {
+            api.ProcessData(handle, words, values, size, TLTR27API::Calibrate, TLTR27API::KeepCodes) &&
+            size >= ModuleChannels) {
             for (size_t c = 0; c < ModuleChannels; c++) module.Snapshot[c] = values[c] - MidScale;
         }
     }

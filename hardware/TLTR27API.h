@@ -1,6 +1,6 @@
-// The only caller of ltr27api.dll. It keeps no module state: every operation takes the caller's record. The recording
-// thread calls RecvWithMarks, ProcessData and, at its end, ADCStop; the host's thread calls all of it. Whoever owns a
-// record makes sure that it is never in two calls at the same time.
+// The only caller of ltr27api.dll. It keeps nothing of a module: every operation works on the caller's record. The
+// recording thread calls RecvWithMarks, ProcessData and, at its end, ADCStop; the host's thread calls all of it.
+// Whoever owns a record makes sure that it is never in two calls at the same time.
 #pragma once
 
 #include <atomic>
@@ -20,8 +20,8 @@ public:
     static std::string LibraryName();
     static bool LibraryPresent();  // always: the library is bound when the component is loaded
 
-    // Opens the module in the 1-based `slot` of the crate behind the server; whatever the record held is closed first.
-    // On failure the record is left closed and zero-filled.
+    // Opens the module in the 1-based `slot` of the crate with this serial number on the server; whatever was open in
+    // the record is closed first. On failure the record is left closed and zero-filled.
     bool Open(TLTR27& record, uint32_t netAddr, const std::string& crateSN, uint32_t slot);
     void Close(TLTR27& record);  // zero-fills the record; LastError stays
     bool GetConfig(TLTR27& record);
@@ -50,7 +50,7 @@ public:
 private:
     bool SetLastError(int32_t result);
 
-    // Result of the last vendor call, of whichever thread came last.
+    // Result of the last vendor call on any thread.
     std::atomic<int32_t> LastError_ = 0;
 };
 

@@ -6,6 +6,7 @@
 #include "hardware/vendor_imports.h"
 #include "hardware/vendor_text.h"
 #include "platform/ansi_text.h"
+#include "platform/event_log.h"
 
 namespace corvane {
 
@@ -50,7 +51,7 @@ bool TLTRAPI::LibraryPresent() {
     return true;
 }
 
-// Opens the connection record anew. An all-zero serial addresses the server itself.
+// Closes the connection and opens another one. An all-zero serial addresses the server itself.
 bool TLTRAPI::Connect(uint32_t netAddr, const char (&serial)[VendorTextSize]) {
     LTR_Close(&Connection_);
     Connection_ = {};
@@ -80,7 +81,10 @@ int32_t TLTRAPI::ReadCrate(uint32_t netAddr, const uint8_t (&serial)[VendorTextS
     CrateEntry entry;
     entry.NetAddr = netAddr;
     std::memcpy(entry.Serial, serial, sizeof serial);
-    if (!Connect(netAddr, entry.Serial)) return 0;
+    if (!Connect(netAddr, entry.Serial)) {
+        platform::LogEvent([&] { return "crate " + BytesToText(entry.Serial) + " is left out. " + GetErrorString(); });
+        return 0;
+    }
     CrateInfoRecord info = {};
     if (LTR_GetCrateInfo(&Connection_, &info) == 0) {
         entry.Type = info.Type;

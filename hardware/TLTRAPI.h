@@ -29,14 +29,14 @@ public:
     static std::string LibraryName();
     static bool LibraryPresent();  // always: the library is bound when the component is loaded
 
-    // Replaces the crate list by the crates of the server. Number of crates (0 to 16), or the vendor's code of the step
-    // that failed, which is negative as far as is known; the list is empty then. Crates that can't be opened are left
-    // out.
+    // Replaces the crate list by the crates of the server. Crates that can't be opened are left out. Returns the number
+    // of crates (0 to 16), or, with an empty list, the vendor's code for the step that failed; the known codes are
+    // negative.
     int32_t GetCrates(uint32_t netAddr);
 
     // Asks the crate to make its START mark or to wait for one; mode 1 to 8 as in the setup dialog, counted from 1.
-    // timeMark: the crate's time mark from before, written as soon as the crate is reached, also when the result is
-    // false. A serial of more than 16 ANSI characters names no crate and is refused.
+    // timeMark: the crate's time mark before that; it is set once the crate is reached, even when the result is false.
+    // A serial of more than 16 ANSI characters names no crate and is refused.
     bool MakeStartMark(uint32_t netAddr, const std::string& crateSN, int32_t mode, uint32_t& timeMark);
 
     // Positions count from 0; outside the list or the 16 slots the answers are empty texts and 0.

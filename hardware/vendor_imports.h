@@ -1,13 +1,13 @@
 // The functions of the two vendor libraries, ltr27api.dll and ltrapi.dll. The Windows build binds them when the
-// component is loaded; the native build links the simulator, which implements the same declarations. Every function
-// returns 0 (or a count) for success and a negative code for failure.
+// component is loaded; the native build links the simulator, which implements the same declarations. Functions with a
+// number as their result return 0 (or a count) for success and a negative code for failure.
 #pragma once
 
 #include <cstdint>
 
 #include "hardware/vendor_records.h"
 
-// The one place that names the libraries' calling convention; it means something on 32-bit Windows only.
+// The one place that names the libraries' calling convention, which only 32-bit Windows needs.
 #ifdef _WIN32
 #define VENDOR_CALL __stdcall
 #else

@@ -8,7 +8,7 @@
 namespace corvane {
 
 constexpr int MezzaninePositions = 8;   // mezzanine positions of an LTR27
-constexpr int ModuleChannels = 16;      // two channels a mezzanine position; also the words of one kadr
+constexpr int ModuleChannels = 16;      // two per mezzanine position; also the words of one kadr
 constexpr int CrateSlots = 16;          // slots of the largest LTR crate
 constexpr int MaxCrates = 16;           // crates that one LTR server reports
 constexpr int VendorTextSize = 16;      // bytes of every fixed text field but the one-character ones
@@ -34,7 +34,8 @@ struct MezzanineDescription {
     uint8_t Reserved2[256];
 };
 
-// Record of one LTR27 module. It keeps the library's connection: it must stay at one place while the module is open.
+// Record of one LTR27 module. The library keeps its connection in it, so it must not move in memory while the module is
+// open.
 struct TLTR27 {
     uint32_t Size;
     uint8_t Reserved1[37];
@@ -49,7 +50,7 @@ struct TLTR27 {
     char ProcessorName[VendorTextSize];
     uint8_t Reserved5[3];
     double ClockRate;
-    uint32_t FirmwareVersion;  // one component a byte, the most significant first
+    uint32_t FirmwareVersion;  // four numbers of a byte each, the most significant first
     uint8_t Reserved6[256];
     MezzanineDescription Description[MezzaninePositions];
 };

@@ -1,4 +1,4 @@
-// Text of the system's ANSI code page, which the vendor libraries speak, to and from UTF-8. Bytes and characters that
+// Text of the system's ANSI code page, which the vendor libraries use, to and from UTF-8. Bytes and characters that
 // have no counterpart become the platform's replacement character; nothing fails.
 #pragma once
 
@@ -10,7 +10,7 @@ namespace corvane::platform {
 std::string FromAnsi(std::string_view ansi);
 std::string ToAnsi(std::string_view utf8);
 
-// What the user's locale puts between the whole and the decimals.
+// The decimal separator of the user's locale.
 std::string DecimalSeparator();
 
 }  // namespace corvane::platform

@@ -1,6 +1,6 @@
-// The platform's registry through its ANSI functions, one to one: what each needs, what each gives back and how each
-// fails is the platform's own. All texts are ANSI, paths are separated by "\", an empty path is the parent itself, and
-// path and name end at their first zero. Results are the platform's codes, 0 for success.
+// The platform's registry through its ANSI functions, one to one: parameters, results and failures are the platform's
+// own. All texts are ANSI, paths are separated by "\", an empty path is the parent itself, and paths and names end at
+// their first zero. Results are the platform's codes, 0 for success.
 #pragma once
 
 #include <cstdint>
@@ -34,9 +34,9 @@ struct KeyInfo {
     uint32_t LongestValueName = 0;  // characters
 };
 
-// A key opened or created is the caller's to close.
+// The caller closes a key that was opened or created.
 int32_t OpenKey(RegistryKey parent, const std::string& path, uint32_t rights, RegistryKey& key);
-// Creates what is missing of the path, with no class and kept on disk; opens a key that is there.
+// Creates the missing keys of the path, on disk and without a class; opens a key that exists.
 int32_t CreateKey(RegistryKey parent, const std::string& path, uint32_t rights, RegistryKey& key);
 void CloseKey(RegistryKey key);
 // A key that has subkeys is not deleted.
@@ -51,8 +51,8 @@ int32_t QueryKeyValue(RegistryKey key, const std::string& name, uint32_t* type, 
 // The same by index, in the order of the platform, with the value's name. length as in EnumKeyName.
 int32_t EnumKeyValue(RegistryKey key, uint32_t index, char* name, uint32_t& length, uint32_t* type, void* data,
                      uint32_t& size);
-// Of a text type the platform looks at the byte behind the data, which must be readable, and when the text has no
-// terminator of its own and that byte is zero, stores it too.
+// With a text type the platform also reads the byte after the data, which must be readable. When the text has no
+// terminator of its own and that byte is zero, the byte is stored, too.
 int32_t SetKeyValue(RegistryKey key, const std::string& name, uint32_t type, const void* data, uint32_t size);
 int32_t DeleteKeyValue(RegistryKey key, const std::string& name);
 

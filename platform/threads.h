@@ -8,8 +8,8 @@ namespace corvane::platform {
 
 using ThreadProcedure = void (*)(void* argument);
 
-// One thread: created suspended, let run by Resume, and known to have ended only when WaitEnd says so. It keeps the
-// library that its code is in from being unloaded.
+// One thread: created suspended, started by Resume, and known to have ended only when WaitEnd says so. Until then the
+// library with its code is not unloaded.
 class Thread {
 public:
     Thread();
@@ -17,7 +17,7 @@ public:
     Thread(const Thread&) = delete;
     Thread& operator=(const Thread&) = delete;
 
-    // Creates the thread suspended. False when the platform refuses. An ended predecessor is forgotten.
+    // Creates the thread suspended. False when the platform refuses. An earlier one that has ended is forgotten.
     bool Create(ThreadProcedure procedure, void* argument);
     void Resume();
     // Waits up to `timeoutMs` for the thread's real end. True when no thread is left; its handle is released then.
@@ -30,8 +30,8 @@ private:
     std::unique_ptr<Implementation> Implementation_;
 };
 
-// A number that the calling thread keeps: 0 in a new thread, whatever thread had its id before. SetThreadToken answers
-// false when the platform has no room for it.
+// A number that the calling thread keeps: 0 in a new thread, even when the system gives it the id of an earlier one.
+// SetThreadToken answers false when the platform has no room for it.
 uintptr_t ThreadToken();
 bool SetThreadToken(uintptr_t token);
 
@@ -45,7 +45,7 @@ public:
     ~Mutex();
     Mutex(const Mutex&) = delete;
     Mutex& operator=(const Mutex&) = delete;
-    void lock();  // named as std::lock_guard wants them
+    void lock();  // the names that std::lock_guard calls
     void unlock();
 
 private:

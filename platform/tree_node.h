@@ -5,13 +5,10 @@
 
 namespace corvane::platform {
 
-constexpr int CratePicture = 1;  // numbers of the pictures that all trees share
-constexpr int ModulePicture = 2;
-
 struct TreeNode {
     std::string Key;  // names the node among the tree's nodes
     std::string Text;
-    int Picture = CratePicture;
+    int Picture = 1;  // counted from 1 in the tree's list of pictures
     int Parent = -1;  // index of an earlier node; -1: none
 };
 

@@ -36,11 +36,16 @@ std::string CsvField(const std::string& text) {
 
 // The driver's rates are 1000 Hz divided by a whole number, so the period is a whole number of ms and the times are
 // exact. Any other rate is kept to the us.
+TimeColumn::TimeColumn(double rate) : Period_(std::llround(1e6 / rate)), Decimals_(Period_ % 1000 == 0 ? 3 : 6) {}
+
+void TimeColumn::Append(std::string& text, int64_t kadr) const {
+    const int64_t time = kadr * Period_;  // us
+    fmt::format_to(std::back_inserter(text), "{}.{:0{}}", time / 1000000, time % 1000000 / (Decimals_ == 3 ? 1000 : 1),
+                   Decimals_);
+}
+
 CsvWriter::CsvWriter(std::vector<Channel> channels, double rate)
-    : Channels_(std::move(channels)),
-      Rate_(rate),
-      Period_(std::llround(1e6 / rate)),
-      TimeDecimals_(Period_ % 1000 == 0 ? 3 : 6) {
+    : Channels_(std::move(channels)), MissingBits_(MissingBits(Channels_)), Rate_(rate), Times_(rate) {
     for (const Channel& channel : Channels_) Decimals_.push_back(DecimalsFor(channel.Scale));
 }
 
@@ -54,18 +59,17 @@ void CsvWriter::AppendHeader(std::string& text, std::span<const std::string> rem
     text += '\n';
 }
 
-void CsvWriter::AppendRows(std::string& text, std::span<const int16_t> samples) {
+void CsvWriter::AppendRows(std::string& text, const TakenKadrs& kadrs) {
     const size_t count = Channels_.size();
-    for (size_t start = 0; start + count <= samples.size(); start += count) {
-        const int64_t time = Row_ * Period_;  // us
-        fmt::format_to(std::back_inserter(text), "{}.{:0{}}", time / 1000000,
-                       time % 1000000 / (TimeDecimals_ == 3 ? 1000 : 1), TimeDecimals_);
+    for (size_t kadr = 0; (kadr + 1) * count <= kadrs.Samples.size(); kadr++) {
+        const uint8_t missing = kadrs.Missing.empty() ? uint8_t{0} : kadrs.Missing[kadr];
+        Times_.Append(text, Row_++);
         for (size_t channel = 0; channel < count; channel++) {
             text += ',';
-            AppendValue(text, channel, samples[start + channel]);
+            if ((missing & MissingBits_[channel]) != 0) continue;
+            AppendValue(text, channel, kadrs.Samples[kadr * count + channel]);
         }
         text += '\n';
-        Row_++;
     }
 }
 

@@ -1,5 +1,5 @@
-// Compares the kadrs that arrived with the clock. A driver that gets no data repeats or pads what it has, and a host
-// can't see that in the samples; but the recording falls behind the clock then, or runs ahead of it.
+// Compares the kadrs that arrived with the clock. The driver tells which kadrs it filled in, but not how long it waited
+// for them: where it fills in more or fewer than time has passed, the times of all later kadrs are shifted.
 #pragma once
 
 #include <algorithm>
@@ -35,8 +35,7 @@ public:
         if (std::abs(lead) > std::abs(WorstLead_)) WorstLead_ = lead;
     }
 
-    // Seconds by which the data was ahead of the clock at its worst; negative: it was late; 0: never in doubt. Data
-    // that comes late is in doubt even when the driver catches up: the driver has filled in for it by then.
+    // Seconds by which the data was ahead of the clock at its worst; negative: it was late; 0: never in doubt.
     double WorstLead() const { return WorstLead_; }
     bool Doubtful() const { return WorstLead_ != 0; }
 

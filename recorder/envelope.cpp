@@ -4,17 +4,18 @@
 
 namespace corvane::recorder {
 
-void Envelope::Add(std::span<const int16_t> samples) {
-    for (size_t start = 0; start + Channels_ <= samples.size(); start += Channels_) {
+void Envelope::Add(const TakenKadrs& kadrs) {
+    for (size_t kadr = 0; (kadr + 1) * Channels_ <= kadrs.Samples.size(); kadr++) {
         if (Kadrs_ == static_cast<int64_t>(Bins_) * BinKadrs_) {
             if (Bins_ == Capacity) MergePairs();
             std::fill_n(Extents_.begin() + static_cast<ptrdiff_t>(Bins_ * Channels_), Channels_, Extent{});
             Bins_++;
         }
+        const uint8_t missing = kadrs.Missing.empty() ? uint8_t{0} : kadrs.Missing[kadr];
         Extent* bin = &Extents_[(Bins_ - 1) * Channels_];
         for (size_t channel = 0; channel < Channels_; channel++) {
-            const int16_t sample = samples[start + channel];
-            bin[channel].Include({sample, sample});
+            const int16_t sample = kadrs.Samples[kadr * Channels_ + channel];
+            if ((missing & MissingBits_[channel]) == 0) bin[channel].Include({sample, sample});
         }
         Kadrs_++;
     }

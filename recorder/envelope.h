@@ -4,15 +4,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <vector>
+
+#include "recorder/taken_kadrs.h"
 
 namespace corvane::recorder {
 
+// Empty while nothing is included.
 struct Extent {
     int16_t Min = INT16_MAX;
     int16_t Max = INT16_MIN;
 
+    bool Empty() const { return Min > Max; }
     void Include(Extent other) {
         Min = other.Min < Min ? other.Min : Min;
         Max = other.Max > Max ? other.Max : Max;
@@ -25,10 +28,12 @@ public:
     // can be merged.
     static constexpr size_t Capacity = 1600;
 
-    explicit Envelope(size_t channels) : Channels_(channels), Extents_(Capacity * channels) {}
+    // `missingBits` are those of each channel.
+    explicit Envelope(std::vector<uint8_t> missingBits)
+        : Channels_(missingBits.size()), MissingBits_(std::move(missingBits)), Extents_(Capacity * Channels_) {}
 
-    // Whole kadrs, one after another.
-    void Add(std::span<const int16_t> samples);
+    // Samples that were not measured are left out.
+    void Add(const TakenKadrs& kadrs);
 
     size_t Bins() const { return Bins_; }
     int64_t BinKadrs() const { return BinKadrs_; }  // kadrs of every bin but the last, which may not be full yet
@@ -40,6 +45,7 @@ private:
     void MergePairs();
 
     size_t Channels_;
+    std::vector<uint8_t> MissingBits_;
     size_t Bins_ = 0;
     int64_t BinKadrs_ = 1;
     int64_t Kadrs_ = 0;

@@ -34,8 +34,8 @@ Exit codes:
   3    no crate or no module was found, or several crates and --crate names none of them
   4    the recording could not be started
   5    a file could not be written
-  6    the recording is incomplete (no data for --stall-timeout) or doubtful (data was lost,
-       late or filled in by the driver); the warnings say what is the matter
+  6    not every kadr was measured, in order, and written: the end of the CSV file lists
+       what was not measured, and every other reason for doubt
   130  ended by Ctrl+C; what was recorded until then is kept)";
 
 template <class... Arguments>
@@ -107,7 +107,9 @@ CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
         ->required();
     record->add_option("-p,--plot", options.PlotPath, "SVG picture of the recording to write");
     record->add_option("--stall-timeout", raw.StallTimeout,
-                       "End the recording when no data comes for so long; 0: wait till Ctrl+C (default: 60s)");
+                       "End the recording when nothing is measured for so long; 0: wait till Ctrl+C (default: 60s)");
+    record->add_flag("--keep-filled", options.KeepFilled,
+                     "Where nothing was measured, write what the driver filled in, in place of empty cells");
     record->add_flag("-q,--quiet", options.Quiet, "No progress, no summary; warnings and errors only");
     return record;
 }

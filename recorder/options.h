@@ -36,6 +36,7 @@ struct Options {
     double StallTimeout = 0;     // s; 0: no limit
     std::string OutputPath;      // StandardOutput: that
     std::string PlotPath;        // empty: no plot
+    bool KeepFilled = false;     // write what the driver filled in where nothing was measured
     bool Quiet = false;
 };
 

@@ -36,8 +36,8 @@ ExitCode Record(const Options& options, HostDevice& device) {
     files.Begin();
     const Verdict verdict = RecordingLoop(options.StallTimeout, device, task, files, check, progress).Run();
     progress.EndLine();
-    WarnOfVerdict(options, verdict, progress);
-    files.Finish(Remarks(verdict));
+    WarnOfVerdict(options, task, verdict, progress);
+    files.Finish(Remarks(task, verdict), verdict.Gaps);
     WriteSummary(options, task, verdict);
     return verdict.Code();
 }

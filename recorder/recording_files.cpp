@@ -28,11 +28,12 @@ std::vector<std::string> Paragraph(const std::vector<std::string>& lines) {
 }  // namespace
 
 RecordingFiles::RecordingFiles(const Options& options, const RecordingTask& task, const DeviceSummary& summary)
-    : Task_(task),
+    : KeepFilled_(options.KeepFilled),
+      Task_(task),
       Summary_(summary),
       Csv_(task.Channels, task.Rate),
       CsvFile_(options.OutputPath),
-      Envelope_(task.Channels.size()) {
+      Envelope_(MissingBits(task.Channels)) {
     if (!options.PlotPath.empty()) PlotFile_.emplace(options.PlotPath, &CsvFile_);
 }
 
@@ -54,9 +55,10 @@ std::vector<std::string> RecordingFiles::Head() const {
     return head;
 }
 
-void RecordingFiles::Add(std::span<const int16_t> samples) {
-    Csv_.AppendRows(CsvFile_.Buffer(), samples);
-    Envelope_.Add(samples);
+void RecordingFiles::Add(TakenKadrs kadrs) {
+    if (KeepFilled_) kadrs.Missing = {};
+    Csv_.AppendRows(CsvFile_.Buffer(), kadrs);
+    Envelope_.Add(kadrs);
     CsvFile_.WriteWhenLarge();
 }
 
@@ -66,17 +68,18 @@ void RecordingFiles::WriteWhenDue() {
     LastWrite_ = Clock::now();
 }
 
-void RecordingFiles::Finish(const std::vector<std::string>& remarks) {
+void RecordingFiles::Finish(const std::vector<std::string>& remarks, std::span<const Gap> gaps) {
     for (const std::string& remark : remarks) CsvFile_.Buffer() += fmt::format("# {}\n", remark);
     CsvFile_.Complete();
-    if (PlotFile_) WritePlot();
+    if (PlotFile_) WritePlot(gaps);
 }
 
-void RecordingFiles::WritePlot() {
+void RecordingFiles::WritePlot(std::span<const Gap> gaps) {
     const std::string details =
         fmt::format("{}, {:.6g} Hz, {}", Iso8601(StartTime_), Task_.Rate, Counted(Envelope_.Kadrs(), "kadr"));
     const std::vector<std::string> notes = Paragraph(Summary_.Lines);
-    PlotFile_->Buffer() = RenderPlot({Summary_.Device, details, Task_.Rate, Task_.Channels, Envelope_, notes});
+    PlotFile_->Buffer() =
+        RenderPlot({Summary_.Device, details, Task_.Rate, Task_.Channels, Envelope_, Task_.Modules, gaps, notes});
     PlotFile_->Complete();
 }
 

@@ -15,6 +15,7 @@
 #include "recorder/options.h"
 #include "recorder/output_file.h"
 #include "recorder/recording_task.h"
+#include "recorder/taken_kadrs.h"
 
 namespace corvane::recorder {
 
@@ -25,20 +26,20 @@ public:
 
     // The recording has started: writes the CSV's header.
     void Begin();
-    // Whole kadrs, one after another.
-    void Add(std::span<const int16_t> samples);
+    void Add(TakenKadrs kadrs);
     // Writes what waits in memory when the last time is long ago. To be called again and again.
     void WriteWhenDue();
-    // Adds the remarks as comment lines, draws the plot and gives the files their names.
-    void Finish(const std::vector<std::string>& remarks);
+    // Adds the remarks as comment lines, draws the plot with the gaps shaded and gives the files their names.
+    void Finish(const std::vector<std::string>& remarks, std::span<const Gap> gaps);
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    void WritePlot();
+    void WritePlot(std::span<const Gap> gaps);
 
     std::vector<std::string> Head() const;
 
+    bool KeepFilled_;
     const RecordingTask& Task_;
     const DeviceSummary& Summary_;
     CsvWriter Csv_;

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "recorder/console.h"
+#include "recorder/taken_kadrs.h"
 
 namespace corvane::recorder {
 namespace {
@@ -13,6 +14,13 @@ namespace {
 constexpr size_t TakeKadrs = 4096;  // kadrs taken by one call at most
 constexpr auto PollInterval = std::chrono::milliseconds(40);
 constexpr double StallWarning = 10;  // s
+
+// Whether any recorded module has measured any of the kadrs.
+bool SomeMeasured(std::span<const uint8_t> missing, const std::vector<RecordedModule>& modules) {
+    uint8_t all = 0;
+    for (const RecordedModule& module : modules) all |= MissingBit(module.Index);
+    return std::ranges::any_of(missing, [all](uint8_t bits) { return (bits & all) != all; });
+}
 
 }  // namespace
 
@@ -24,7 +32,9 @@ RecordingLoop::RecordingLoop(double stallTimeout, HostDevice& device, const Reco
       Files_(files),
       Check_(check),
       Progress_(progress),
-      Samples_(TakeKadrs * task.Channels.size()) {}
+      Samples_(TakeKadrs * task.Channels.size()) {
+    for (const RecordedModule& module : task.Modules) Watches_.emplace_back(module.Slot);
+}
 
 Verdict RecordingLoop::Run() {
     End end = TakeUntilEnd();
@@ -33,7 +43,9 @@ Verdict RecordingLoop::Run() {
     while (Kadrs_ < Task_.WantedKadrs && Take()) {
     }
     if (Kadrs_ == Task_.WantedKadrs) end = End::Complete;
-    return {end, reason, Kadrs_, Task_.WantedKadrs, Check_.Doubts()};
+    const auto unfitted =
+        std::ranges::count_if(Task_.Channels, [](const Channel& channel) { return !channel.Fitted(); });
+    return {end, reason, Kadrs_, Task_.WantedKadrs, Check_.Doubts(), Gaps_.Gaps(), static_cast<int>(unfitted)};
 }
 
 End RecordingLoop::TakeUntilEnd() {
@@ -43,7 +55,7 @@ End RecordingLoop::TakeUntilEnd() {
         const bool busy = Device_.Busy();
         const bool taken = Take();
         if (!taken && !busy) return End::Stopped;
-        if (!taken && Stalled()) return End::Stalled;
+        if (Stalled()) return End::Stalled;
         WarnOnDoubt();
         Files_.WriteWhenDue();
         if (Device_.InputCountKadrs() < static_cast<int32_t>(TakeKadrs)) std::this_thread::sleep_for(PollInterval);
@@ -63,36 +75,49 @@ bool RecordingLoop::Take() {
     const int32_t kadrs = Device_.GetData(std::span(Samples_).first(room));
     if (kadrs <= 0) return false;
     const auto samples = std::span(Samples_).first(static_cast<size_t>(kadrs) * channels);
-    Files_.Add(samples);
-    Check_.Add(samples);
+    const auto missing = Gaps_.Add(kadrs, Device_.Gaps());
+    Files_.Add({samples, missing});
     Kadrs_ += kadrs;
-    LastData_ = now;
+    if (SomeMeasured(missing, Task_.Modules)) LastMeasured_ = now;
+    WatchModules(now);
     return true;
 }
 
+void RecordingLoop::WatchModules(Clock::time_point now) {
+    for (size_t i = 0; i < Watches_.size(); i++) {
+        const std::string text = Watches_[i].Observe(Gaps_.NewestReason(Task_.Modules[i].Index), now);
+        if (!text.empty()) Progress_.Warn(text);
+    }
+}
+
 bool RecordingLoop::Stalled() {
-    const double silence = std::chrono::duration<double>(Clock::now() - LastData_).count();
+    const double silence = std::chrono::duration<double>(Clock::now() - LastMeasured_).count();
     if (StallTimeout_ > 0 && silence >= StallTimeout_) return true;
     if (silence < StallWarning || StallWarned_) return false;
     StallWarned_ = true;
+    const char* what = Kadrs_ == 0 ? "No data" : "Nothing measured";
     const char* advice = Kadrs_ == 0 ? "If the START mark is to come from outside (DIGIN1 or DIGIN2), it has not come "
                                        "yet; otherwise the module sends nothing: check the crate and the LTR server."
                                      : "Check the crate, its cable and the LTR server.";
     const std::string then = StallTimeout_ > 0
                                  ? fmt::format("Giving up after {:.6g} s; Ctrl+C ends now.", StallTimeout_)
                                  : "Waiting on; Ctrl+C ends the recording.";
-    Progress_.Warn(fmt::format("No data for {:.0f} s. {} {}", StallWarning, advice, then));
+    Progress_.Warn(fmt::format("{} for {:.0f} s. {} {}", what, StallWarning, advice, then));
     return false;
 }
 
 void RecordingLoop::WarnOnDoubt() {
-    if (DoubtWarned_ || !Check_.Doubtful()) return;
-    DoubtWarned_ = true;
-    Progress_.Warn("Data is being lost or repeated. Check the crate, its connection and this computer's load.");
+    if (DoubtWarned_) return;
+    for (const std::string& doubt : Check_.Doubts()) {
+        DoubtWarned_ = true;
+        Progress_.Warn("Warning, so far: " + doubt);
+    }
 }
 
 std::string RecordingLoop::ReasonOf(End end) const {
-    if (end == End::Stalled) return fmt::format("no data came for {:.6g} s", StallTimeout_);
+    if (end == End::Stalled) {
+        return fmt::format("{} for {:.6g} s", Kadrs_ == 0 ? "no data came" : "nothing was measured", StallTimeout_);
+    }
     if (end == End::Stopped) return "the driver ended the recording. " + Device_.LastError();
     return "";
 }

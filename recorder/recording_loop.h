@@ -1,4 +1,4 @@
-// The loop that takes the kadrs of a started recording from the driver until it has all or none come any more.
+// The loop that takes the kadrs of a started recording from the driver until it has all or none are measured any more.
 #pragma once
 
 #include <chrono>
@@ -9,8 +9,10 @@
 #include "recorder/data_check.h"
 #include "recorder/host_device.h"
 #include "recorder/progress.h"
+#include "recorder/recorded_gaps.h"
 #include "recorder/recording_files.h"
 #include "recorder/recording_task.h"
+#include "recorder/silence_watch.h"
 #include "recorder/verdict.h"
 
 namespace corvane::recorder {
@@ -18,12 +20,12 @@ namespace corvane::recorder {
 // Uses what it is given by reference; all of that must outlive it.
 class RecordingLoop {
 public:
-    // `stallTimeout`: seconds without data after which it gives up; 0: never.
+    // `stallTimeout`: seconds without measured data after which it gives up; 0: never.
     RecordingLoop(double stallTimeout, HostDevice& device, const RecordingTask& task, RecordingFiles& files,
                   DataCheck& check, Progress& progress);
 
-    // Takes kadrs until all are there, the user interrupts, or no more come; then stops the recording and takes what
-    // the driver still has.
+    // Takes kadrs until all are there, the user interrupts, or nothing is measured any more; then stops the recording
+    // and takes what the driver still has.
     Verdict Run();
 
 private:
@@ -31,6 +33,7 @@ private:
 
     End TakeUntilEnd();
     bool Take();
+    void WatchModules(Clock::time_point now);
     bool Stalled();
     void WarnOnDoubt();
     std::string ReasonOf(End end) const;
@@ -42,8 +45,10 @@ private:
     DataCheck& Check_;
     Progress& Progress_;
     std::vector<int16_t> Samples_;
-    int64_t Kadrs_ = 0;                          // taken
-    Clock::time_point LastData_ = Clock::now();  // or the start
+    RecordedGaps Gaps_;
+    std::vector<SilenceWatch> Watches_;              // one for each recorded module
+    int64_t Kadrs_ = 0;                              // taken
+    Clock::time_point LastMeasured_ = Clock::now();  // or the start
     bool StallWarned_ = false;
     bool DoubtWarned_ = false;
 };

@@ -3,8 +3,11 @@
 #include <fmt/format.h>
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <string_view>
 
 #include "recorder/failure.h"
+#include "recorder/taken_kadrs.h"
 
 namespace corvane::recorder {
 namespace {
@@ -34,11 +37,36 @@ std::vector<Channel> SelectChannels(const Options& options, HostDevice& device) 
     return selected;
 }
 
+// The slot that a module's description names; 0: none.
+int SlotIn(const std::string& moduleInfo) {
+    static constexpr std::string_view Label = "Crate Slot: ";
+    const size_t label = moduleInfo.find(Label);
+    return label == std::string::npos ? 0 : std::atoi(moduleInfo.c_str() + label + Label.size());
+}
+
+std::vector<RecordedModule> ModulesOf(const std::vector<Channel>& channels, const HostDevice& device) {
+    std::vector<RecordedModule> modules;
+    for (const Channel& channel : channels) {
+        const int16_t index = channel.Number / ModuleChannels;
+        if (modules.empty() || modules.back().Index != index)
+            modules.push_back({index, SlotIn(device.ModuleInfo(index))});
+    }
+    return modules;
+}
+
 }  // namespace
+
+int RecordingTask::SlotOf(int32_t module) const {
+    for (const RecordedModule& each : Modules) {
+        if (each.Index == module) return each.Slot;
+    }
+    return 0;
+}
 
 RecordingTask PrepareTask(const Options& options, HostDevice& device) {
     RecordingTask task;
     task.Channels = SelectChannels(options, device);
+    task.Modules = ModulesOf(task.Channels, device);
     if (options.Rate) device.SetRate(static_cast<float>(*options.Rate));
     task.Rate = static_cast<double>(device.Rate());
     task.WantedKadrs = std::max<int64_t>(1, std::llround(options.Duration * task.Rate));
@@ -51,7 +79,8 @@ void TellDifferences(const Options& options, const RecordingTask& task, Progress
                                   *options.Rate));
     }
     for (const Channel& channel : task.Channels) {
-        if (!channel.Fitted()) progress.Warn(fmt::format("Channel {} is empty: its samples are 0.", channel.Number));
+        if (channel.Fitted()) continue;
+        progress.Warn(fmt::format("Channel {} has no mezzanine: nothing can be measured there.", channel.Number));
     }
 }
 

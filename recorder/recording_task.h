@@ -11,10 +11,19 @@
 
 namespace corvane::recorder {
 
+// A module whose channels are recorded.
+struct RecordedModule {
+    int32_t Index = 0;  // among the opened ones
+    int Slot = 0;       // in the crate; 0: unknown
+};
+
 struct RecordingTask {
     std::vector<Channel> Channels;
+    std::vector<RecordedModule> Modules;
     double Rate = 0;  // Hz
     int64_t WantedKadrs = 0;
+
+    int SlotOf(int32_t module) const;
 };
 
 // Gives the opened device the channels and the rate that the user asked for, and returns them as it took them. Throws

@@ -1,8 +1,11 @@
 #include "recorder/report.h"
 
 #include <fmt/format.h>
+#include <algorithm>
+#include <span>
 
 #include "recorder/console.h"
+#include "recorder/csv_writer.h"
 #include "recorder/output_file.h"
 #include "recorder/words.h"
 
@@ -15,15 +18,70 @@ std::FILE* MessageStream(const Options& options) {
     return options.OutputPath == StandardOutput ? stderr : stdout;
 }
 
+constexpr size_t GapsShown = 10;
+
+const char* Words(GapReason reason) {
+    switch (reason) {
+        case GapReason::CutShort:
+            return "a receive was cut short";
+        case GapReason::NothingCame:
+            return "nothing came";
+        case GapReason::NotProcessed:
+            return "the library could not process what came";
+        default:
+            return "various gaps, too many to be listed one by one";
+    }
+}
+
+// The times are those of the gap's first and last row.
+std::string GapLine(const RecordingTask& task, const Gap& gap) {
+    const TimeColumn times(task.Rate);
+    std::string from, to;
+    times.Append(from, gap.First);
+    times.Append(to, gap.First + gap.Kadrs - 1);
+    return fmt::format("not measured: module {}, slot {}, from {} to {}, {:.6g} s, {}", gap.Module,
+                       task.SlotOf(gap.Module), from, to, static_cast<double>(gap.Kadrs) / task.Rate,
+                       Words(gap.Reason));
+}
+
+std::string UnfittedLine(const Verdict& verdict) {
+    return fmt::format("not measured: {} of the channels, without mezzanine", verdict.Unfitted);
+}
+
+// A line for each module with gaps.
+std::vector<std::string> GapTotals(const RecordingTask& task, const Verdict& verdict) {
+    std::vector<std::string> lines;
+    for (const RecordedModule& module : task.Modules) {
+        int64_t gaps = 0;
+        int64_t kadrs = 0;
+        for (const Gap& gap : verdict.Gaps) {
+            if (gap.Module != module.Index) continue;
+            gaps++;
+            kadrs += gap.Kadrs;
+        }
+        if (gaps == 0) continue;
+        lines.push_back(fmt::format("not measured: {} kadrs ({:.6g} s) of the module in slot {}, in {} gap{}", kadrs,
+                                    static_cast<double>(kadrs) / task.Rate, module.Slot, gaps, gaps == 1 ? "" : "s"));
+    }
+    return lines;
+}
+
 }  // namespace
 
-std::vector<std::string> Remarks(const Verdict& verdict) {
-    std::vector<std::string> remarks = verdict.Doubts;
+std::vector<std::string> Remarks(const RecordingTask& task, const Verdict& verdict) {
+    std::vector<std::string> remarks;
+    for (const Gap& gap : verdict.Gaps) remarks.push_back(GapLine(task, gap));
+    if (!verdict.Gaps.empty()) {
+        remarks.push_back("note: after a gap the samples of its module can be late by as much as the gap is long");
+    }
+    if (verdict.Unfitted > 0) remarks.push_back(UnfittedLine(verdict));
+    remarks.insert(remarks.end(), verdict.Doubts.begin(), verdict.Doubts.end());
     if (verdict.HowItEnded != End::Complete) remarks.push_back(verdict.Outcome());
     return remarks;
 }
 
-void WarnOfVerdict(const Options& options, const Verdict& verdict, Progress& progress) {
+void WarnOfVerdict(const Options& options, const RecordingTask& task, const Verdict& verdict, Progress& progress) {
+    for (const std::string& total : GapTotals(task, verdict)) progress.Warn("Warning: " + total);
     for (const std::string& doubt : verdict.Doubts) progress.Warn("Warning: " + doubt);
     // The summary says how it ended; without it, this does.
     if (verdict.HowItEnded != End::Complete && options.Quiet) progress.Warn("Warning: " + verdict.Outcome());
@@ -31,12 +89,18 @@ void WarnOfVerdict(const Options& options, const Verdict& verdict, Progress& pro
 
 void WriteSummary(const Options& options, const RecordingTask& task, const Verdict& verdict) {
     if (options.Quiet) return;
-    WriteText(
-        MessageStream(options),
+    std::string text =
         fmt::format("{}: {} of {} at {:.6g} Hz ({:.6g} s), {}\n", options.OutputPath, Counted(verdict.Kadrs, "kadr"),
                     Counted(static_cast<int64_t>(task.Channels.size()), "channel"), task.Rate,
-                    static_cast<double>(verdict.Kadrs) / task.Rate, verdict.Outcome()));
-    if (!options.PlotPath.empty()) WriteText(MessageStream(options), options.PlotPath + ": plot\n");
+                    static_cast<double>(verdict.Kadrs) / task.Rate, verdict.Outcome());
+    for (const Gap& gap : std::span(verdict.Gaps).first(std::min(GapsShown, verdict.Gaps.size()))) {
+        text += fmt::format("  {}\n", GapLine(task, gap));
+    }
+    if (verdict.Gaps.size() > GapsShown) {
+        text += fmt::format("  and {} more gaps, listed at the end of the file\n", verdict.Gaps.size() - GapsShown);
+    }
+    if (!options.PlotPath.empty()) text += options.PlotPath + ": plot\n";
+    WriteText(MessageStream(options), text);
 }
 
 }  // namespace corvane::recorder

@@ -11,12 +11,13 @@
 
 namespace corvane::recorder {
 
-// The lines that the CSV file gets below its rows: every doubt, and the outcome of a recording that is not complete.
-std::vector<std::string> Remarks(const Verdict& verdict);
+// The lines that the CSV file gets below its rows: every gap, every doubt, and the outcome of a recording that is not
+// complete.
+std::vector<std::string> Remarks(const RecordingTask& task, const Verdict& verdict);
 
-void WarnOfVerdict(const Options& options, const Verdict& verdict, Progress& progress);
+void WarnOfVerdict(const Options& options, const RecordingTask& task, const Verdict& verdict, Progress& progress);
 
-// To stdout: the files and what is in them.
+// To stdout: the files and what is in them, of many gaps only the first.
 void WriteSummary(const Options& options, const RecordingTask& task, const Verdict& verdict);
 
 }  // namespace corvane::recorder

@@ -6,14 +6,17 @@ namespace corvane::recorder {
 
 std::string Verdict::Outcome() const {
     const std::string count = fmt::format("{} of {} kadrs", Kadrs, WantedKadrs);
-    if (HowItEnded == End::Complete) return Doubts.empty() ? "complete" : "complete, but doubtful";
+    if (HowItEnded == End::Complete) {
+        if (!Measured()) return "all kadrs written, but not all measured";
+        return Doubts.empty() ? "complete" : "complete, but doubtful";
+    }
     if (HowItEnded == End::Interrupted) return "interrupted: " + count;
     return fmt::format("incomplete: {}, {}", count, Reason);
 }
 
 ExitCode Verdict::Code() const {
     if (HowItEnded == End::Interrupted) return ExitCode::Interrupted;
-    return HowItEnded == End::Complete && Doubts.empty() ? ExitCode::Success : ExitCode::Incomplete;
+    return HowItEnded == End::Complete && Doubts.empty() && Measured() ? ExitCode::Success : ExitCode::Incomplete;
 }
 
 }  // namespace corvane::recorder

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "driver/model/gap.h"
 #include "recorder/failure.h"
 
 namespace corvane::recorder {
@@ -17,9 +18,12 @@ struct Verdict {
     int64_t Kadrs = 0;   // recorded
     int64_t WantedKadrs = 0;
     std::vector<std::string> Doubts;  // a line for each reason to doubt the data
+    std::vector<Gap> Gaps;            // what was not measured
+    int Unfitted = 0;                 // recorded channels without a mezzanine, where nothing can be measured
 
     // "complete", or what is the matter.
     std::string Outcome() const;
+    bool Measured() const { return Gaps.empty() && Unfitted == 0; }
     ExitCode Code() const;
 };
 

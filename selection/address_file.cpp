@@ -10,7 +10,7 @@ namespace corvane {
 
 namespace {
 
-constexpr size_t MaxFileBytes = 16 << 20;  // far above the longest list: a longer file is not ours
+constexpr size_t MaxFileBytes = 16 << 20;  // read at most; the longest list has far fewer
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view LineEnds = "\r\n";
 

@@ -48,7 +48,7 @@ void dlgIP::SaveList() {
     WriteAddresses(ListFile_, std::span(lstIP_).subspan(1));
 }
 
-// Position 0 means the end: nothing ever comes before this machine.
+// Position 0 means the end of the list: the first entry is always this machine.
 void dlgIP::AddIP(uint32_t address, int position, bool select) {
     if (address == 0 || lstIP_.size() >= MaxAddresses) return;
     if (std::find(lstIP_.begin(), lstIP_.end(), address) != lstIP_.end()) return;

@@ -13,10 +13,10 @@ namespace corvane {
 uint32_t SelectIP(const std::string& adcName);
 
 // The dialog without its window, which shows the public members and the answers below, and reports what the user did.
-// Entry 0 is always this machine, no address comes twice, and none is 0.
+// Entry 0 is always this machine, no address is in the list twice, and none is 0.
 class dlgIP {
 public:
-    // adcName: title of the dialog's message. folder: where its file is.
+    // adcName: title of the dialog's message. folder: that of the file with the addresses.
     dlgIP(const std::string& adcName, const std::string& folder);
 
     const std::vector<uint32_t>& lstIP() const { return lstIP_; }  // in the order in which they are shown
@@ -25,11 +25,11 @@ public:
     uint32_t SelectedIP() const { return SelectedIP_; }
 
     void Select(int index);  // also an entry that is selected already; -1: none
-    bool PressOK();          // true: the dialog closes. Otherwise the user goes on at ucIP's BoxToFill
+    bool PressOK();          // true: the dialog closes. False: the focus goes to ucIP's BoxToFill
     void PressCancel();
     void PressRemove();
     void PressClear();
-    // When the window has gone, in whichever way: keeps the changes of the list.
+    // Called when the window has been closed, in whichever way: writes the list to its file when it has changed.
     void Unload();
 
     std::string Caption, RemoveCaption, ClearCaption, CancelCaption;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "base/two_digits.h"
+#include "resources/icons.h"
 #include "selection/name_pattern.h"
 
 namespace corvane {
@@ -23,18 +24,18 @@ bool dlgQuorn::FillTree(const CrateSearch& search) {
         const CrateListEntry& crate = search.CrateList[i];
         const std::string key = "C" + std::to_string(i);
         const auto parent = static_cast<int>(tvwLTR.size());
-        tvwLTR.push_back({key, crate.TypeName + " SN:" + crate.Serial, platform::CratePicture, -1});
+        tvwLTR.push_back({key, crate.TypeName + " SN:" + crate.Serial, CratePicture, -1});
         for (int32_t j = 0; j < crate.ModuleCount(); j++) {
             const ModuleListEntry& module = crate.Modules[static_cast<size_t>(j)];
             tvwLTR.push_back({key + "M" + std::to_string(j), "Slot " + TwoDigits(module.Slot) + " - " + module.Name,
-                              platform::ModulePicture, parent});
+                              ModulePicture, parent});
         }
     }
     ClickNode("C0");
     return true;
 }
 
-// A module's key goes on behind its crate's, so the number is the crate's in both.
+// A module's key begins with its crate's key, so the first number is the crate's in both.
 void dlgQuorn::ClickNode(const std::string& key) {
     Selection = MatchesPattern(key, "C#*") ? static_cast<int16_t>(std::atoi(key.c_str() + 1)) : int16_t{-1};
 }

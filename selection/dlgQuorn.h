@@ -17,9 +17,9 @@ int SelectDevice(const CrateSearch& search);
 // it.
 class dlgQuorn {
 public:
-    // Shows the crates of the last search, the first one chosen. False when there are none.
+    // Lists the crates of the last search and chooses the first one. False when there are none.
     bool FillTree(const CrateSearch& search);
-    // Chooses the crate that the node with this key is, or belongs to; none when it names no crate.
+    // Chooses the crate whose node, or one of whose modules' nodes, has this key; none when the key has another form.
     void ClickNode(const std::string& key);
     void PressCancel() { Selection = -1; }
 
@@ -28,7 +28,7 @@ public:
     bool OKEnabled() const { return Selection >= 0; }
 
     std::string Caption = "Select Device";
-    std::vector<platform::TreeNode> tvwLTR;  // all expanded; the first one is selected at the start
+    std::vector<platform::TreeNode> tvwLTR;  // all expanded; initially the first node is selected
     int16_t Selection = -1;                  // index in CrateList
 };
 

@@ -5,6 +5,7 @@
 #include "base/dotted_address.h"
 #include "hardware/TLTRAPI.h"
 #include "platform/component.h"
+#include "platform/event_log.h"
 #include "platform/files.h"
 #include "platform/user_interface.h"
 #include "resources/texts.h"
@@ -23,6 +24,20 @@ std::vector<ModuleListEntry> MatchingModules(const TLTRAPI& crates, int32_t inde
         if (moduleFilter.empty() || MatchesPattern(name, moduleFilter)) modules.push_back({name, slot + 1});
     }
     return modules;
+}
+
+// What the log says of a search; answer: the number of crates, or the vendor's code.
+std::string SearchText(const CrateSearch& search, const TLTRAPI& crates, uint32_t netAddr, int32_t answer) {
+    const std::string server = "server " + AddressToText(netAddr) + ": ";
+    if (answer < 0) return server + crates.GetErrorString();
+    std::string text = server + "crates " + std::to_string(answer) + ", of which usable";
+    if (search.CrateList.empty()) text += " none";
+    for (const CrateListEntry& crate : search.CrateList) {
+        text += " \"" + crate.Serial + "\" (" + crate.TypeName + ", " + crate.Interface + ", slots";
+        for (const ModuleListEntry& module : crate.Modules) text += " " + std::to_string(module.Slot);
+        text += ")";
+    }
+    return text;
 }
 
 }  // namespace
@@ -44,7 +59,7 @@ int16_t EnumerateCrates(CrateSearch& search, uint32_t netAddr, const std::string
     search.CrateListCount = 0;
     TLTRAPI crates;
     const int32_t count = crates.GetCrates(netAddr);
-    // Where a failure has a positive code there are no crates behind that number.
+    // A failure may have a positive code, too; the crates are forgotten then, so no modules are found below.
     for (int32_t i = 0; i < std::min(count, MaxCrates); i++) {
         std::vector<ModuleListEntry> modules = MatchingModules(crates, i, moduleFilter);
         if (modules.empty()) continue;
@@ -52,6 +67,7 @@ int16_t EnumerateCrates(CrateSearch& search, uint32_t netAddr, const std::string
                                     crates.CrateInterfaceText(i), std::move(modules)});
     }
     search.CrateListCount = count < 0 ? int16_t{-1} : static_cast<int16_t>(search.CrateList.size());
+    platform::LogEvent([&] { return SearchText(search, crates, netAddr, count); });
     return search.CrateListCount;
 }
 

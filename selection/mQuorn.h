@@ -8,14 +8,14 @@
 
 namespace corvane {
 
-// Searches the LTR server that the search names, and when that gives nothing a server that the user picks, if he may be
-// asked, for crates with modules whose type name matches the pattern (empty: any module). Fills CrateList. Number of
-// crates, or -1 with a message in lastError when the server can't be asked. adcName: the device's name, as the user
-// knows it.
+// Searches an LTR server for crates with modules whose type name matches moduleFilter (empty: any module): first the
+// server that the search names, then, when that gives none and the user may be asked, one that the user chooses. Fills
+// CrateList. Returns the number of crates, or -1 with a message in lastError when the server can't be asked. adcName:
+// the device's name, the title of messages to the user.
 int16_t FindCrates(CrateSearch& search, const std::string& moduleFilter, const std::string& adcName,
                    std::string& lastError);
 
-// The same for one server.
+// The same for one server. Asks nobody, and leaves the message to FindCrates.
 int16_t EnumerateCrates(CrateSearch& search, uint32_t netAddr, const std::string& moduleFilter);
 
 // Dotted text of a server address.

@@ -32,7 +32,8 @@ size_t MatchOne(char character, std::string_view pattern) {
 
 }  // namespace
 
-// Only the last * ever needs another try, so the time is bounded by the product of the lengths.
+// After a mismatch only the last * is tried again, with one character more, so the time is bounded by the product of
+// the lengths.
 bool MatchesPattern(std::string_view name, std::string_view pattern) {
     std::string_view afterStar;
     size_t retry = 0;

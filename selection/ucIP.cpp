@@ -7,8 +7,6 @@
 
 namespace corvane {
 
-namespace {}  // namespace
-
 uint32_t ucIP::Value() {
     uint32_t value = 0;
     for (int i = 0; i <= Leftmost; i++) {
@@ -59,7 +57,8 @@ bool ucIP::Accepts(int box, char32_t character) const {
     return character != U'0' || !text.starts_with("00");
 }
 
-// A rewritten text needs no second look: it is a number without leading zeros, or the accepted text, which was one.
+// A text that is replaced here needs no second check: it becomes a number without leading zeros, or the last accepted
+// text, which was checked before.
 int ucIP::TextChanged(int box) {
     OctetBox& changed = Box(box);
     std::string text;
@@ -68,8 +67,8 @@ int ucIP::TextChanged(int box) {
         text = octet ? std::to_string(*octet) : changed.Accepted;
     }
     if (text != changed.Text) {
-        // The caret stays where it was, as far as the text reaches, but never behind a third digit: there it would take
-        // the focus along.
+        // The caret stays where it was, as far as the text is long enough, but never after a third digit: that would
+        // move the focus to the next box.
         changed.SelStart = std::min({changed.SelStart, text.size(), OctetDigits - 1});
         changed.SelLength = 0;
         changed.Text = text;

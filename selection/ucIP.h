@@ -1,8 +1,8 @@
-// The IP address control: four boxes of one octet each, which never hold anything but nothing or a number 0 to 255.
+// The IP address control: four boxes of one octet each. Each is empty or holds a number from 0 to 255.
 //
-// The window brings a box's text and selection into `txtIP` before it reports what happened there, and shows all of
-// `txtIP` afterwards. Functions that may move the focus return the box that has it then. Anything may have got into a
-// box meanwhile; positions count characters.
+// The window copies a box's text and selection to `txtIP` before it reports an event there, and shows all of `txtIP`
+// afterwards. What it copies may be any text, for example a pasted one. Functions that may move the focus return the
+// box that is to have it. Positions count characters.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@ struct OctetBox {
     std::string Text = "0";
     size_t SelStart = 0;
     size_t SelLength = 0;
-    std::string Accepted;  // the text that an unacceptable one gives way to
+    std::string Accepted;  // the last valid text, which replaces an invalid one
 };
 
 class ucIP {
@@ -28,15 +28,15 @@ public:
     uint32_t Value();
     void SetValue(uint32_t netAddr);
 
-    // Before the box's own handling, which goes on.
+    // Called before the box handles the key itself, which it does in any case.
     int KeyDown(int box, CaretKey key);
-    // False: the typed character is to be dropped. Control characters, pasting among them, always pass.
+    // False: the typed character is to be dropped. Control characters, such as that of pasting, are always accepted.
     bool Accepts(int box, char32_t character) const;
-    // After every change of a box's text that comes from its window.
+    // Called after every change of a box's text that the window reports.
     int TextChanged(int box);
     void DoubleClick(int box);
 
-    // Where the user is to go on after an address that was none: the leftmost empty box, otherwise the leftmost.
+    // The box that gets the focus when the boxes hold no address: the leftmost empty one, otherwise the leftmost.
     int BoxToFill() const;
 
     std::array<OctetBox, 4> txtIP;

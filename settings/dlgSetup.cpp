@@ -10,6 +10,7 @@
 #include "base/utf8.h"
 #include "common/mTypes3.h"
 #include "platform/user_interface.h"
+#include "resources/icons.h"
 #include "resources/texts.h"
 #include "selection/name_pattern.h"
 
@@ -17,7 +18,7 @@ namespace corvane {
 
 namespace {
 
-// The design-time text stays where there is no other.
+// The built-in caption stays when there is no text with this number.
 void Localize(std::string& caption, TextNumber number) {
     const std::string text = ResourceText(number);
     if (!text.empty()) caption = text;
@@ -52,7 +53,7 @@ bool ShowSetting(const DeviceInfo& device, const EngineState& engine, CrateInfo&
 dlgSetup::dlgSetup(const DeviceInfo& device, const EngineState& engine, CrateInfo& crate, const std::string& helpFile)
     : Device_(device), Engine_(engine), Crate_(crate) {
     constexpr size_t ExtensionLength = 4;
-    constexpr size_t NameLetters = 3;  // of LTR27: the rest is the topic's number
+    constexpr size_t NameLetters = 3;  // the LTR of LTR27; the digits are the topic's number
     LocalizeCaptions();
     if (helpFile.size() > ExtensionLength) {
         const std::string& name = device.ADCName;
@@ -85,10 +86,10 @@ void dlgSetup::FillContents() {
 }
 
 void dlgSetup::FillModuleTree() {
-    tvwLTR = {{"C" + Crate_.Serial, Crate_.TypeName, platform::CratePicture, -1}};
+    tvwLTR = {{"C" + Crate_.Serial, Crate_.TypeName, CratePicture, -1}};
     for (const ModuleRecord& module : Engine_.Opened()) {
-        tvwLTR.push_back({"M" + std::to_string(tvwLTR.size() - 1), TwoDigits(module.Slot) + ". " + module.Name,
-                          platform::ModulePicture, 0});
+        tvwLTR.push_back(
+            {"M" + std::to_string(tvwLTR.size() - 1), TwoDigits(module.Slot) + ". " + module.Name, ModulePicture, 0});
     }
 }
 

@@ -26,11 +26,11 @@ public:
                                                              "Wait Internal",    "Wait DIGIN1 Rise", "Wait DIGIN1 Fall",
                                                              "Wait DIGIN2 Rise", "Wait DIGIN2 Fall"};
 
-    // Throws when the driver's state doesn't hold together.
+    // Throws std::out_of_range when the mark mode is none of MarkModes, or a mezzanine has no range.
     dlgSetup(const DeviceInfo& device, const EngineState& engine, CrateInfo& crate, const std::string& helpFile);
 
     void ClickNode(const std::string& key);
-    void PressOK(int mark);  // selected entry of MarkModes; one that is none changes nothing
+    void PressOK(int mark);  // index of the selected entry of MarkModes; any other number changes nothing
 
     bool HelpEnabled() const { return !HelpFile.empty(); }
 
@@ -40,10 +40,10 @@ public:
     std::string MarkSTARTCaption = "Use START &Mark:";
     std::string CancelCaption = "Cancel";
     std::string HelpCaption = "Help";
-    std::vector<platform::TreeNode> tvwLTR;  // all expanded and kept so; the first one is selected at the start
+    std::vector<platform::TreeNode> tvwLTR;  // always expanded; initially the first node is selected
     std::string txtInfo;                     // describes the node that was clicked
     std::vector<std::string> lstMezzanines;
-    int cboMarkSTART = 0;   // entry that is selected at the start
+    int cboMarkSTART = 0;   // entry that is selected initially
     std::string HelpFile;   // full path; empty: there is no help
     int32_t HelpTopic = 0;  // context number in it
 

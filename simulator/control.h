@@ -1,5 +1,5 @@
-// How tests and tools steer the simulator and read what it saw. Exported by the simulated ltrapi.dll beside the
-// vendor's functions, and linked in natively. Safe from any thread.
+// How tests and tools control the simulator and ask it what it has noticed. Exported by the simulated ltrapi.dll beside
+// the vendor's functions, and linked in natively. Safe from any thread.
 #pragma once
 
 #include <cstdint>
@@ -27,11 +27,11 @@ int32_t LTRSIM_CALL LtrSim_Violations();
 // Calls of one exported function ("LTR27_Recv") since the last LtrSim_Configure.
 int32_t LTRSIM_CALL LtrSim_Calls(const char* function);
 
-// Module and crate connections open now; modules converting now.
+// Module and crate connections that are open; modules that are running.
 int32_t LTRSIM_CALL LtrSim_OpenConnections();
 int32_t LTRSIM_CALL LtrSim_RunningModules();
 
-// The last CrateConfig that LTR_Config took (seven words), and the last mark mode; -1 when there was none.
+// The last mark mode, and a word (0 to 6) of the last CrateConfig given to LTR_Config; -1 when there was none.
 int32_t LTRSIM_CALL LtrSim_LastMarkMode();
 int32_t LTRSIM_CALL LtrSim_LastConfigWord(int32_t index);
 

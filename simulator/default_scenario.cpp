@@ -5,7 +5,7 @@
 namespace ltrsim {
 
 const char* const DefaultScenario = R"toml(
-# 1.0 is real time, 10 ten times as fast, 0 as fast as the words are taken.
+# 1.0 is real time, 10 ten times as fast, 0 as fast as the words are read.
 speed = 1.0
 
 [[server]]
@@ -20,7 +20,7 @@ interface = "USB"            # or Ethernet
 # seconds later or, without that key, never. "at once" and "never" apply to all modes.
 start_marks = "by mode"
 # start_mark_after = 0.3
-# At speed 0 a mark made at once shows so many kadrs after the next one that is delivered.
+# At speed 0 a mark made at once appears this many kadrs after the next one that is delivered.
 start_mark_kadr = 3
 
 [[server.crate.module]]
@@ -157,8 +157,16 @@ signal = [{ kind = "ramp", amplitude = 40, frequency = 0.01, offset = 60 },
 # Faults. What they aim at: call (a function's name), server, crate (serial), slot; each left out is any. LTR_ functions
 # don't know a slot, and the two Init functions not even where they will connect to: they can't be aimed by these. When:
 # after (so many matching calls pass first), at (seconds since the start), times (so many calls are affected; left out:
-# all). What they do, exactly one of: error = n; delay = seconds; short = words that LTR27_Recv delivers at most;
-# stall = true, LTR27_Recv delivers nothing; unplug = true, all later calls for the server, crate or slot fail.
+# all). What they do, exactly one of:
+#   error = n       the call fails
+#   delay = s       it takes so many seconds longer
+#   unplug = true   all later calls for the server, crate or slot fail, and its modules stop
+#   short = n       LTR27_Recv delivers n words at most
+#   excess = n      it claims n words more than it was asked for
+#   stall = true    it delivers nothing
+#   marks = n       it delivers senseless time marks, from n on; so does LTR_Open
+#   value = x       LTR27_ProcessData gives x for channel 0 once; nan and inf can be given, too
+#   size = n        it claims to have made n values
 # [[fault]]
 # call = "LTR27_Recv"
 # slot = 3

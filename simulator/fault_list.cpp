@@ -18,13 +18,25 @@ Verdict VerdictOf(const Fault& fault) {
             verdict.Error = fault.Code;
             break;
         case FaultKind::Delay:
-            verdict.Delay = fault.Seconds;
+            verdict.Delay = fault.Number;
             break;
         case FaultKind::Short:
-            verdict.Short = fault.Words;
+            verdict.Short = fault.Amount;
+            break;
+        case FaultKind::Excess:
+            verdict.Excess = fault.Amount;
             break;
         case FaultKind::Stall:
             verdict.Stall = true;
+            break;
+        case FaultKind::Marks:
+            verdict.Marks = fault.Amount;
+            break;
+        case FaultKind::Value:
+            verdict.Value = fault.Number;
+            break;
+        case FaultKind::Size:
+            verdict.Size = fault.Amount;
             break;
         case FaultKind::Unplug:
             verdict.Error = Unplugged;

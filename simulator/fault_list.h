@@ -17,12 +17,16 @@ struct Target {
     uint32_t Slot = 0;
 };
 
-// What the faults make of one call.
+// What the faults do to one call.
 struct Verdict {
     int32_t Error = 0;
     double Delay = 0;               // s, before the call goes on
     std::optional<uint32_t> Short;  // words that LTR27_Recv delivers at most
+    uint32_t Excess = 0;            // words that it claims beyond those that were asked for
     bool Stall = false;
+    std::optional<uint32_t> Marks;  // in place of the first time mark; the others are as wrong
+    std::optional<double> Value;    // that LTR27_ProcessData gives for channel 0 in the middle of what it is given
+    std::optional<uint32_t> Size;   // values that it claims to have made; it makes no more
 };
 
 // The faults in force. Not safe from several threads: the world's lock guards it.

@@ -16,6 +16,7 @@ namespace {
 constexpr uint32_t LargestCount = 1 << 24;  // words of one call, 17 minutes at the top rate; more is a mistake
 constexpr uint32_t ModuleFlag = 1;          // of LTR27_GetDescription; mezzanine k has the flag 2 << k
 constexpr double TopRate = 1000;            // Hz, at divisor 0
+constexpr uint32_t MarkStep = 0x9E3779B9;   // between two wrong time marks: no two of them in a row look alike
 
 // The library's own bytes in a record. They are copied with it, so a copied record uses the same connection.
 struct RecordState {
@@ -50,12 +51,16 @@ int32_t CheckRecord(World& world, const char* function, const TLTR27* record) {
 template <class Body>
 int32_t ModuleCall(const char* function, TLTR27* record, Body body) noexcept {
     return VendorCall(function, [&](World& world) {
-        const int32_t code = CheckRecord(world, function, record);
-        return code != Success ? code : ConnectedCall(world, function, ConnectionOf(world, *record), body);
+        if (const int32_t code = CheckRecord(world, function, record)) return code;
+        const auto connection = ConnectionOf(world, *record);
+        const int32_t code = ConnectedCall(world, function, connection, body);
+        // A module without its power forgets that it was started.
+        if (code == Unplugged) connection->Stream.Stop();
+        return code;
     });
 }
 
-// Words must be whole and in order from channel 0 on: their lower halves count up by one.
+// Words must begin with channel 0 and have no gap: their lower halves count up by one.
 bool WordsInOrder(const uint32_t* words, uint32_t count) {
     const uint32_t first = words[0] & 0xFFFF;
     uint32_t differences = first % ModuleChannels;
@@ -200,13 +205,17 @@ int32_t VENDOR_CALL LTR27_Recv(TLTR27* record, uint32_t* words, uint32_t* timeMa
             return Success;
         }
         const uint32_t wanted = std::min(count, verdict.Short.value_or(count));
-        return static_cast<int32_t>(module.Stream.Receive(words, timeMarksOrNull, wanted, timeoutMs));
+        const uint32_t received = module.Stream.Receive(words, timeMarksOrNull, wanted, timeoutMs);
+        for (uint32_t at = 0; verdict.Marks && timeMarksOrNull && at < received; at++) {
+            timeMarksOrNull[at] = *verdict.Marks + at * MarkStep;
+        }
+        return static_cast<int32_t>(received == count ? received + verdict.Excess : received);
     });
 }
 
 int32_t VENDOR_CALL LTR27_ProcessData(TLTR27* record, const uint32_t* words, double* values, uint32_t* sizeInOut,
                                       int32_t flag1, int32_t flag2) {
-    return ModuleCall("LTR27_ProcessData", record, [&](ModuleConnection&, const Verdict&) {
+    return ModuleCall("LTR27_ProcessData", record, [&](ModuleConnection&, const Verdict& verdict) {
         World& world = World::Instance();
         if (!words || !values || !sizeInOut || *sizeInOut == 0 || *sizeInOut > LargestCount) {
             return world.Violation("LTR27_ProcessData", "null buffer or senseless size", BadArgument);
@@ -214,7 +223,10 @@ int32_t VENDOR_CALL LTR27_ProcessData(TLTR27* record, const uint32_t* words, dou
         if (!WordsInOrder(words, *sizeInOut)) {
             return world.Violation("LTR27_ProcessData", "the words are no unbroken run of kadrs", WrongWords);
         }
-        Convert(ConversionOf(*record, flag1 & 1, flag2 != 0), words, values, *sizeInOut);
+        const uint32_t made = std::min(*sizeInOut, verdict.Size.value_or(*sizeInOut));
+        Convert(ConversionOf(*record, flag1 & 1, flag2 != 0), words, values, made);
+        if (verdict.Value && made > 0) values[made / 2 / ModuleChannels * ModuleChannels] = *verdict.Value;
+        *sizeInOut = verdict.Size.value_or(made);
         return Success;
     });
 }

@@ -11,7 +11,7 @@ using corvane::CrateConnection;
 
 namespace {
 
-// LTR_Init leaves the server's port in the record's first reserved field, by which a prepared record is known.
+// LTR_Init writes the server's port to the record's first reserved field, which shows that a record has been prepared.
 constexpr uint16_t ServerPort = corvane::ModulePort;
 
 bool Prepared(const CrateConnection& record) {
@@ -86,7 +86,7 @@ int32_t VENDOR_CALL LTR_Open(CrateConnection* connection) {
         uint32_t timeMark = 0;
         const int32_t code = world.OpenLink(connection->ServerAddress, serial, id, timeMark);
         SetId(*connection, id);
-        if (code == Success) connection->TimeMark = timeMark;
+        if (code == Success) connection->TimeMark = verdict.Marks.value_or(timeMark);
         return code;
     });
 }

@@ -67,7 +67,7 @@ void ModuleStream::AddMarkAfter(int64_t kadrs, double seconds) {
     MarkKadrs_.push_back(nextKadr + kadrs + static_cast<int64_t>(std::ceil(seconds * Begun_.Rate)));
 }
 
-// Kadr k is there once it has been sampled, (k + 1) periods after the start.
+// Kadr k is available once it has been sampled, (k + 1) periods after the start.
 int64_t ModuleStream::WordsThere(Clock::time_point now) const {
     if (!Runs_) return 0;
     if (Begun_.Speed == 0) return std::numeric_limits<int64_t>::max();

@@ -1,4 +1,5 @@
-// The conversion stream of one opened module: when its words are there, what they hold, and which time mark they carry.
+// The conversion stream of one opened module: when its words are available, what they hold, and which time mark they
+// carry.
 #pragma once
 
 #include <chrono>
@@ -35,16 +36,16 @@ public:
 
     // The kadrs sampled after `moment` carry one START mark more. Ignored while stopped and at speed 0.
     void AddMarkAt(Clock::time_point moment);
-    // Takes back one AddMarkAt of the same moment.
+    // Undoes one AddMarkAt of the same moment.
     void DropMarkAt(Clock::time_point moment);
-    // As AddMarkAt, from the kadr on that comes `kadrs` after the next one to be delivered, or `seconds` of sampled
-    // time later.
+    // As AddMarkAt, but from the kadr on that comes `kadrs` kadrs and `seconds` of sampled time after the next one to
+    // be delivered. Also at speed 0.
     void AddMarkAfter(int64_t kadrs, double seconds);
 
-    // Waits up to `timeoutMs` (at most a minute) for `count` words; delivers what is there and returns its number.
-    // `marks` may be null.
+    // Waits up to `timeoutMs` (at most a minute) for `count` words; delivers what is available and returns how many
+    // words that are. `marks` may be null.
     uint32_t Receive(uint32_t* words, uint32_t* marks, uint32_t count, uint32_t timeoutMs);
-    // A Receive that gets nothing.
+    // As Receive, but delivers nothing.
     void WaitInVain(uint32_t timeoutMs);
 
 private:

@@ -10,7 +10,7 @@ namespace ltrsim {
 
 void DescribeModule(const Module& module, corvane::TLTR27& record);
 
-// None is fitted: all zero.
+// All zero when no mezzanine is fitted.
 corvane::MezzanineDescription Describe(const std::optional<Mezzanine>& mezzanine);
 
 // Of a module that nobody has configured yet: the mezzanine's unit and scale, and a calibration that changes nothing.

@@ -189,40 +189,62 @@ void ReadServer(const toml::table& toml, const std::string& source, Scenario& sc
     scenario.Servers.push_back(std::move(server));
 }
 
-void ReadFaultAction(const TomlTable& table, Fault& fault) {
-    const Choice<FaultKind> actions[] = {{"error", FaultKind::Error},
-                                         {"delay", FaultKind::Delay},
-                                         {"short", FaultKind::Short},
-                                         {"stall", FaultKind::Stall},
-                                         {"unplug", FaultKind::Unplug}};
-    const Choice<FaultKind>* action = nullptr;
-    for (const Choice<FaultKind>& candidate : actions) {
-        if (!table.Find(candidate.Name)) continue;
-        if (action) table.Refuse(candidate.Name, "can't stand beside '" + std::string(action->Name) + "'");
+// What a fault does, and the calls that it can do that to; none: any.
+struct FaultAction {
+    std::string_view Key;
+    FaultKind Kind;
+    std::vector<std::string_view> Calls = {};
+};
+
+const FaultAction FaultActions[] = {{"error", FaultKind::Error},
+                                    {"delay", FaultKind::Delay},
+                                    {"short", FaultKind::Short, {"LTR27_Recv"}},
+                                    {"excess", FaultKind::Excess, {"LTR27_Recv"}},
+                                    {"stall", FaultKind::Stall, {"LTR27_Recv"}},
+                                    {"marks", FaultKind::Marks, {"LTR27_Recv", "LTR_Open"}},
+                                    {"value", FaultKind::Value, {"LTR27_ProcessData"}},
+                                    {"size", FaultKind::Size, {"LTR27_ProcessData"}},
+                                    {"unplug", FaultKind::Unplug}};
+
+const FaultAction& FindFaultAction(const TomlTable& table) {
+    const FaultAction* action = nullptr;
+    for (const FaultAction& candidate : FaultActions) {
+        if (!table.Find(candidate.Key)) continue;
+        if (action) table.Refuse(candidate.Key, "can't stand beside '" + std::string(action->Key) + "'");
         action = &candidate;
     }
-    if (!action) table.Refuse("error", "or delay, short, stall or unplug is missing");
-    fault.Kind = action->Meaning;
-    const std::string_view key = action->Name;
-    if (fault.Kind == FaultKind::Error) {
+    if (!action) table.Refuse("error", "or delay, short, excess, stall, marks, value, size or unplug is missing");
+    return *action;
+}
+
+void ReadFaultAction(const TomlTable& table, Fault& fault) {
+    const auto& [key, kind, calls] = FindFaultAction(table);
+    constexpr int64_t LargestAmount = std::numeric_limits<uint32_t>::max();
+    fault.Kind = kind;
+    if (kind == FaultKind::Error) {
         using Codes = std::numeric_limits<int32_t>;
         fault.Code = static_cast<int32_t>(*table.Integer(key, Codes::min(), Codes::max()));
         if (fault.Code == 0) table.Refuse(key, "can't be 0, which is success");
-    } else if (fault.Kind == FaultKind::Delay) {
-        fault.Seconds = *table.Number(key, 0, 10);  // calls of a simulation must end
-    } else if (fault.Kind == FaultKind::Short) {
-        fault.Words = static_cast<uint32_t>(*table.Integer(key, 0, 1 << 24));
-    } else {
+    } else if (kind == FaultKind::Delay) {
+        fault.Number = *table.Number(key, 0, 10);  // calls of a simulation must end
+    } else if (kind == FaultKind::Value) {
+        const std::optional<double> value = table.Find(key)->value<double>();  // also nan and inf
+        if (!value) table.Refuse(key, "must be a number");
+        fault.Number = *value;
+    } else if (kind == FaultKind::Stall || kind == FaultKind::Unplug) {
         table.True(key);
+    } else {
+        fault.Amount = static_cast<uint32_t>(*table.Integer(key, 0, LargestAmount));
     }
-    if (fault.Kind == FaultKind::Short || fault.Kind == FaultKind::Stall) {
-        if (fault.Call.empty()) fault.Call = "LTR27_Recv";
-        if (fault.Call != "LTR27_Recv") table.Refuse(key, "is for LTR27_Recv only");
+    if (calls.empty()) return;
+    if (fault.Call.empty()) fault.Call = calls.front();
+    if (std::ranges::find(calls, fault.Call) == calls.end()) {
+        table.Refuse(key, "is not for " + fault.Call + " but for " + std::string(calls.front()));
     }
 }
 
-// A fault can only be aimed by what its call is told: the Init functions don't know yet where the record will lead to,
-// and no crate function knows a slot.
+// A fault can choose its calls only by what they are passed: the Init functions don't know yet what the record will be
+// connected to, and no crate function knows a slot.
 void CheckAim(const TomlTable& table, const Fault& fault) {
     const bool init = fault.Call == "LTR_Init" || fault.Call == "LTR27_Init";
     for (const std::string_view key : {"server", "crate", "slot"}) {
@@ -233,9 +255,9 @@ void CheckAim(const TomlTable& table, const Fault& fault) {
 }
 
 Fault ReadFaultTable(const toml::table& toml, const std::string& source) {
-    const TomlTable table(
-        toml, source,
-        {"call", "server", "crate", "slot", "after", "at", "times", "error", "delay", "short", "stall", "unplug"});
+    const TomlTable table(toml, source,
+                          {"call", "server", "crate", "slot", "after", "at", "times", "error", "delay", "short",
+                           "excess", "stall", "marks", "value", "size", "unplug"});
     Fault fault;
     fault.Call = table.Text("call").value_or("");
     if (table.Find("call") && !IsFaultableCall(fault.Call))

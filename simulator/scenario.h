@@ -53,7 +53,7 @@ struct Module {
     uint16_t Id = 0;    // the module's number in both bytes
     std::string Serial;
     char Revision = 'A';
-    uint32_t Firmware = 0;  // one component a byte, the most significant first
+    uint32_t Firmware = 0;  // four numbers of a byte each, the most significant first
     std::string Processor;
     double ClockRate = 0;                                                          // Hz
     std::array<std::optional<Mezzanine>, corvane::MezzaninePositions> Mezzanines;  // of an LTR27 only
@@ -69,7 +69,7 @@ struct Crate {
     int ListPosition = 0;   // 0 to 15, where the server lists it
     StartMarks Marks = StartMarks::ByMode;
     std::optional<double> StartMarkAfter;  // s
-    int64_t StartMarkKadr = 3;  // at speed 0 a mark made at once shows so many kadrs after the next delivered one
+    int64_t StartMarkKadr = 3;  // at speed 0 a mark made at once appears this many kadrs after the next delivered one
     std::vector<Module> Modules;
 };
 
@@ -78,7 +78,7 @@ struct Server {
     std::vector<Crate> Crates;
 };
 
-enum class FaultKind { Error, Delay, Short, Stall, Unplug };
+enum class FaultKind { Error, Delay, Short, Excess, Stall, Marks, Value, Size, Unplug };
 
 struct Fault {
     std::string Call;  // export; empty: any
@@ -89,13 +89,13 @@ struct Fault {
     double At = 0;                 // s since the scenario was set; earlier calls pass and are not counted
     std::optional<int64_t> Times;  // calls that it acts on; none: all
     FaultKind Kind = FaultKind::Error;
-    int32_t Code = 0;    // of Error
-    double Seconds = 0;  // of Delay
-    uint32_t Words = 0;  // of Short
+    int32_t Code = 0;     // of Error
+    double Number = 0;    // of Delay (s) and Value
+    uint32_t Amount = 0;  // of Short, Excess, Marks and Size
 };
 
 struct Scenario {
-    double Speed = 1;  // 1: real time; 0: as fast as taken
+    double Speed = 1;  // 1: real time; 0: as fast as its words are read
     std::vector<Server> Servers;
     std::vector<Fault> Faults;
 };

@@ -1,5 +1,5 @@
 // What every simulated function does around its own work: count the call, find the connection that the record holds,
-// refuse a second thread, ask the faults. No exception passes.
+// refuse a second thread, ask the faults. No exception gets out.
 #pragma once
 
 #include <memory>

@@ -191,7 +191,7 @@ void World::DropPendingMark(CrateState& crate, Clock::time_point now) {
     crate.StartMarks.pop_back();
 }
 
-// A crate has one source of START marks: a request takes the place of an earlier one whose mark has not come yet.
+// A crate has one source of START marks: a request replaces an earlier one whose mark has not come yet.
 void World::RequestStartMark(const CrateLink& link, int32_t mode) {
     const std::scoped_lock lock(Mutex_);
     MarkMode_ = mode;
@@ -201,7 +201,7 @@ void World::RequestStartMark(const CrateLink& link, int32_t mode) {
     const bool atOnce = crate.Marks == StartMarks::AtOnce || mode == InternalMark;
     if (crate.Marks == StartMarks::Never || (!atOnce && !crate.StartMarkAfter)) return;
     const double seconds = atOnce ? 0 : *crate.StartMarkAfter;
-    // Without real time the crate counts the mark at once, and each stream shows it at its own kadr.
+    // Without real time the crate counts the mark at once, and in each stream it appears at a kadr of its own.
     const bool timeless = link.Installation->Speed == 0;
     const auto ahead = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
     const Clock::time_point moment = timeless ? now : now + ahead;

@@ -1,6 +1,6 @@
-// The one simulated installation of a process: its scenario, who is connected, what was called. One lock guards all
-// of that. A call shares the ownership of its connection, which so lives until the call returns, even when the scenario
-// is replaced meanwhile. Lock order: the world's, then a stream's.
+// The one simulated installation of a process: its scenario, who is connected, what was called. One lock guards all of
+// that. A call shares the ownership of its connection, which therefore exists until the call returns, even when the
+// scenario is replaced meanwhile. Lock order: the world's, then a stream's.
 #pragma once
 
 #include <array>
@@ -22,7 +22,7 @@ namespace ltrsim {
 // A crate and the START marks that it makes; guarded by the world's lock.
 struct CrateState {
     const Crate& Definition;
-    std::vector<Clock::time_point> StartMarks = {};  // when each comes; only the last may still lie ahead
+    std::vector<Clock::time_point> StartMarks = {};  // when each comes; only the last may be in the future
 };
 
 struct Connection {
@@ -52,7 +52,7 @@ public:
 
     // Counts a call and, the first time, reads the scenario file. False while the scenario is broken.
     bool Enter(std::string_view function);
-    // Takes note of a call that no correct driver makes; returns `code`.
+    // Counts and reports a call that no correct driver makes; returns `code`.
     int32_t Violation(std::string_view function, std::string_view reason, int32_t code);
     // What the faults do to the call; a delay is over when this returns.
     Verdict Judge(std::string_view function, const Target& target);
@@ -109,7 +109,7 @@ private:
     int32_t ViolationCount_ = 0;
     std::string FirstViolation_;
     std::string LastFailure_;
-    std::set<std::string> LastingTexts_;  // all that were handed out: the caller never frees them
+    std::set<std::string> LastingTexts_;  // every text that was returned, because callers keep the pointers
     int32_t MarkMode_ = -1;
     std::vector<uint16_t> ConfigWords_;
 };

@@ -58,7 +58,7 @@ struct Registry {
     RegistryKey NextHandle = 0x100;
     int Calls = 0;
     int InterceptedCalls = 0;
-    bool Intercepting = false;  // the interceptor's own calls pass
+    bool Intercepting = false;  // the interceptor's own calls are not intercepted
     RegistryInterceptor Interceptor;
 
     Registry() { Clear(); }
@@ -79,7 +79,7 @@ Registry& TheRegistry() {
     return registry;
 }
 
-// Cyrillic letters of the code page whose two cases are not 0x20 apart, each lower one behind its upper one.
+// Cyrillic letters of the code page whose two cases are not 0x20 apart, in pairs: upper case, lower case.
 constexpr std::string_view CasePairs =
     "\xA8\xB8\x80\x90\x81\x83\x8A\x9A\x8C\x9C\x8D\x9D\x8E\x9E\x8F\x9F\xA1\xA2\xA3\xBC\xA5\xB4\xAA\xBA\xAF\xBF\xB2\xB3"
     "\xBD\xBE";
@@ -194,7 +194,7 @@ int32_t CopyData(const StoredValue& value, uint32_t* type, void* data, uint32_t&
     if (data == nullptr || stored.empty()) return Success;
     if (size > room) return MoreData;
     std::memcpy(data, stored.data(), stored.size());
-    // The platform ends a text that has no end of its own when there is room.
+    // The platform adds a terminator to a text without one when there is room.
     if (IsText(value.Type) && size < room && stored.back() != '\0') static_cast<char*>(data)[size] = '\0';
     return Success;
 }
@@ -277,7 +277,7 @@ int32_t EnumKeyValue(RegistryKey key, uint32_t index, char* name, uint32_t& leng
         if (index >= target->Values.size()) return NoMoreItems;
         const StoredValue& value = target->Values[index];
         if (const int32_t result = CopyData(value, type, data, size); result != Success) return result;
-        if (value.Name.size() >= length) {  // as much as has room, and `length` stays
+        if (value.Name.size() >= length) {  // as many characters as have room; `length` stays
             if (length == 0) return MoreData;
             std::memcpy(name, value.Name.data(), length - 1);
             name[length - 1] = '\0';

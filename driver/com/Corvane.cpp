@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-// Unknown identifiers are everyday questions here, so they don't go through Guard's exceptions.
+// Hosts ask for unknown identifiers all the time, so these are answered without Guard's exceptions.
 HRESULT Corvane::QueryInterface(REFIID identifier, void** object) {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
@@ -150,7 +150,7 @@ HRESULT Corvane::get_InputChannels(SAFEARRAY** result) {
 HRESULT Corvane::put_InputChannels(SAFEARRAY** table) {
     return Guard(
         [&] {
-            // While a recording runs no table counts, so that none is looked at.
+            // While a recording runs every table is ignored, so that none is read.
             if (!Driver_.Busy()) Driver_.SetInputChannels(FromArray(*table));
         },
         table);

@@ -20,12 +20,12 @@ class Corvane final : private LibraryUse,
                       public StatusMembers,
                       public IProvideClassInfo {
 public:
-    // Born with one reference, the caller's.
+    // Made with one reference, which is the caller's.
     Corvane() : ScriptMembers(static_cast<IADC3&>(*this), static_cast<ICorvaneStatus&>(*this)) {}
     Corvane(const Corvane&) = delete;
     Corvane& operator=(const Corvane&) = delete;
 
-    // IUnknown, one for all interfaces
+    // IUnknown, the same for all interfaces
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID identifier, void** object) override;
     ULONG STDMETHODCALLTYPE AddRef() override;
     ULONG STDMETHODCALLTYPE Release() override;

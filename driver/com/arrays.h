@@ -50,8 +50,8 @@ SAFEARRAY* ToArray(std::span<const std::string> texts);
 // Dimension 1 is the gap's four numbers, module, first kadr, kadrs and reason, adjacent in memory; dimension 2 the gap.
 SAFEARRAY* ToArray(std::span<const Gap> gaps);
 
-// Elements of a one-dimensional array of short, whatever its lower bound; it may be empty, which null is too: a dynamic
-// array that was never allocated. E_INVALIDARG for other elements and for more dimensions.
+// Elements of a one-dimensional array of short, whatever its lower bound. None for an empty array and for null, which
+// is a dynamic array that was never allocated. E_INVALIDARG for other elements and for more dimensions.
 std::vector<int16_t> FromArray(SAFEARRAY* array);
 
 // All unread kadrs: dimension 1 is the channel position, dimension 2 the kadr, where kadr 0 holds the channel numbers.

@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-// The description of one interface, loaded when it is first asked for: most hosts never do.
+// The description of one interface, loaded when it is first needed: most hosts never need it.
 class TypeDescription {
 public:
     TypeDescription(int resource, const GUID& interfaceIdentifier)
@@ -28,7 +28,7 @@ private:
     ITypeInfo* Info_ = nullptr;
 };
 
-// IDispatch passes IID_NULL wherever an interface identifier is reserved.
+// Callers of IDispatch have to pass IID_NULL for the parameter that is reserved.
 inline void CheckReserved(REFIID reserved) {
     Check(reserved == IID_NULL ? S_OK : DISP_E_UNKNOWNINTERFACE);
 }

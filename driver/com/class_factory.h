@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-// Answers as DllGetClassObject does for the component's one class.
+// DllGetClassObject for the component's one class.
 HRESULT GetClassFactory(REFIID identifier, void** object);
 
 }  // namespace corvane

@@ -1,4 +1,4 @@
-// The wrapper around every function that COM calls. It alone checks pointers, keeps exceptions inside and turns C++
+// The wrapper around the functions that COM calls. It alone checks pointers, keeps exceptions inside and turns C++
 // values into automation's.
 #pragma once
 
@@ -51,8 +51,8 @@ HRESULT Guard(Body body, Needed*... needed) noexcept {
     }
 }
 
-// Runs `body` and stores what it returns in `*result`, which is 0 or null after a failure. A host may pass one variable
-// as argument and for the result, so nothing is stored before the body has read its arguments.
+// Runs `body` and stores what it returns in `*result`, which is 0 or null after a failure. A host may pass the same
+// variable as an argument and for the result, so nothing is stored before the body has read its arguments.
 template <class Result, class Body, class... Needed>
 HRESULT Guard(Result* result, Body body, Needed*... needed) noexcept {
     const HRESULT answer = Guard([&] { Store(result, body()); }, result, needed...);

@@ -26,7 +26,8 @@ constexpr wchar_t ADCInterface3Version[] = L"1.0";
 constexpr GUID CorvaneStatusLibrary = {0xE73A14C2, 0x4CB9, 0x4E85, {0x85, 0x01, 0x43, 0x9A, 0xD7, 0xF1, 0x6B, 0xC7}};
 constexpr wchar_t CorvaneStatusVersion[] = L"1.0";
 
-// _Corvane as hosts built against earlier releases ask for it: the same slots.
+// The identifier that _Corvane had in earlier releases, for hosts that were built against them; its members are the
+// same.
 constexpr GUID EarlierCorvane = {0xFAC99029, 0x3AFF, 0x4FAD, {0xA8, 0x3E, 0xC4, 0x16, 0xF4, 0x0B, 0x48, 0xB6}};
 
 }  // namespace corvane

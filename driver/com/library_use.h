@@ -1,14 +1,14 @@
-// Who keeps the component loaded: objects, references to the class factory, and its locks.
+// What keeps the component loaded: objects, references to the class factory, and its locks.
 #pragma once
 
 namespace corvane {
 
-// Any thread.
+// For any thread.
 void KeepLibrary();
 void LetLibraryGo();
 bool LibraryInUse();
 
-// Keeps the library for as long as it lives. As the first base of a class it goes last.
+// Keeps the library loaded for as long as it exists. To be the first base of a class, which is destroyed last.
 class LibraryUse {
 public:
     LibraryUse(const LibraryUse&) = delete;

@@ -26,7 +26,8 @@ void RegisterIn(HKEY root) {
     };
     write(ClassEntries(path));
     for (const TypeLibraryRow& library : TypeLibraries()) {
-        // Beside the host's description nothing of ours is made, but what was there before may have moved.
+        // Where somebody else has registered the description, nothing is added to it. Only entries that name our file
+        // already are written again, because the file may have moved.
         const bool leave = library.OfTheHost && (IsOfOthers(AllUsers, library) || IsOfOthers(ThisUser, library));
         for (const RegistryEntry& file : FileEntries(library, path)) {
             if (!leave || IsOurs(root, file)) write({file});
@@ -38,7 +39,7 @@ void RegisterIn(HKEY root) {
     journal.Accept();
 }
 
-// The first failure, or ERROR_SUCCESS; removes what it can.
+// Removes what it can. The first failure, or ERROR_SUCCESS.
 LSTATUS RemoveFrom(HKEY root) {
     LSTATUS first = ERROR_SUCCESS;
     const auto note = [&](LSTATUS status) {
@@ -48,7 +49,7 @@ LSTATUS RemoveFrom(HKEY root) {
         note(static_cast<LSTATUS>(SHDeleteKeyW(root, (Classes + key).c_str())));
     }
     for (const TypeLibraryRow& library : TypeLibraries()) note(RemoveLibrary(root, library));
-    // A user without classes of his own has none of these until something is registered for him.
+    // A user has none of these keys until something is registered for this user only, so empty ones are removed.
     if (root == ThisUser) {
         for (const wchar_t* shared : {L"CLSID", L"AppID", L"TypeLib", L"Interface"}) {
             DeleteIfEmpty(root, std::wstring(Classes) + shared);
@@ -67,7 +68,7 @@ void Register() {
         RegisterIn(ThisUser);
         return;
     }
-    // What an earlier, restricted registration left would hide the new one from this user.
+    // Entries of an earlier registration for this user only would hide the new ones.
     RemoveFrom(ThisUser);
 }
 

@@ -12,14 +12,15 @@ std::wstring ClassIdentifier() {
 std::wstring ClassKey() {
     return L"CLSID\\" + ClassIdentifier();
 }
-// Named after the class, as nothing else is in the surrogate's process.
+// The surrogate has the identifier of the class, because its process serves no other class.
 std::wstring SurrogateKey() {
     return L"AppID\\" + ClassIdentifier();
 }
 
 }  // namespace
 
-// The marshaler asks for no language: without locale 0 it would have no proxy for an interface.
+// The marshaler asks for locale 0, which is no particular language: without that entry it finds no proxy for an
+// interface.
 std::vector<TypeLibraryRow> TypeLibraries() {
     return {
         {TessmarkLibrary,
@@ -81,12 +82,12 @@ std::vector<RegistryEntry> ClassEntries(const std::wstring& path) {
         {ClassKey() + L"\\TypeLib", nullptr, Braced(TessmarkLibrary)},
         {ClassKey() + L"\\Version", nullptr, TessmarkVersion},
         {SurrogateKey(), nullptr, ComponentDescription},
-        {SurrogateKey(), L"DllSurrogate", L""},  // empty: the platform's own
+        {SurrogateKey(), L"DllSurrogate", L""},  // empty: the platform's own surrogate
     };
 }
 
 std::vector<RegistryEntry> FileEntries(const TypeLibraryRow& library, const std::wstring& path) {
-    // The first library of a file is the one that its plain path stands for.
+    // A path without a number means the file's first library.
     const std::wstring file = library.Resource == 1 ? path : path + L'\\' + std::to_wstring(library.Resource);
     std::vector<RegistryEntry> entries;
     for (const wchar_t* locale : library.Locales) {

@@ -27,7 +27,7 @@ struct TypeLibraryRow {
     int Resource;                         // its number in the component's file
     std::vector<const wchar_t*> Locales;  // hexadecimal
     std::vector<DescribedInterface> Interfaces;
-    bool OfTheHost;  // recorded only where the host has not registered it, in its own way
+    bool OfTheHost;  // the host's: registered only where no host has registered it
 };
 
 std::vector<TypeLibraryRow> TypeLibraries();
@@ -37,7 +37,7 @@ std::wstring LibraryKey(const std::wstring& bracedIdentifier);
 std::wstring VersionKey(const TypeLibraryRow& library);
 std::wstring InterfaceKey(const DescribedInterface& described);
 
-// Keys that are the component's with all that is below.
+// Keys that are the component's, with everything below them.
 std::vector<std::wstring> ClassKeys();
 
 // `path` is that of the component's file.

@@ -26,8 +26,8 @@ void RegistryJournal::Write(const std::wstring& key, const wchar_t* name, const 
     CheckStatus(status);
 }
 
-// One level after the other, so that each new key is known. Keys that are there are only looked at: without
-// administrator's rights even that needs no more than reading.
+// Makes the keys level by level, so that each new one is noted. Keys that exist are only opened for reading, which
+// needs no administrator's rights.
 void RegistryJournal::MakeKeys(const std::wstring& key) {
     for (size_t end = 0; end != std::wstring::npos;) {
         end = key.find(L'\\', end + 1);
@@ -52,7 +52,7 @@ std::optional<StoredValue> RegistryJournal::Read(const std::wstring& key, const 
     return value;
 }
 
-// Failures have nobody to go to: the one that led here is what is reported.
+// Its own failures are ignored: what is reported is the failure that made undoing necessary.
 void RegistryJournal::Undo(const Step& step) const {
     if (step.MadeKey) {
         RegDeleteKeyW(Root_, step.Key.c_str());

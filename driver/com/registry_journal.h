@@ -1,5 +1,5 @@
-// Registry values written one after the other, all of which are taken back unless they are kept: what was there before
-// returns, keys that were made go again.
+// Writes registry values one after the other. Unless they are accepted in the end, the destructor undoes all of it:
+// earlier values are restored, and new keys are removed.
 #pragma once
 
 #include <windows.h>
@@ -19,13 +19,14 @@ public:
     RegistryJournal(const RegistryJournal&) = delete;
     RegistryJournal& operator=(const RegistryJournal&) = delete;
 
-    // Stores a text, making the keys on the way there; `name` null: the key's default value. Throws Failure.
+    // Stores a text and makes the missing keys of its path. `name` null: the key's default value. Throws Failure.
     void Write(const std::wstring& key, const wchar_t* name, const std::wstring& text);
 
     void Accept() { Steps_.clear(); }
 
 private:
-    // Either a key that was made, or a value that was written over; `Earlier` is empty when there was none.
+    // Either a key that was made, or a value that was written; `Earlier` is the value before, or empty when there was
+    // none.
     struct Step {
         std::wstring Key;
         bool MadeKey;

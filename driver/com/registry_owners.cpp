@@ -11,13 +11,14 @@ namespace corvane {
 
 namespace {
 
-constexpr int FileDepth = 3;  // keys below a library's: version, locale, platform, whose value is the file
+constexpr int FileDepth = 3;  // keys below a library's: version, locale, platform; the last one's value is the file
 
 bool SameText(const std::wstring& one, const std::wstring& other) {
     return StrCmpIW(one.c_str(), other.c_str()) == 0;
 }
 
-// The component's file by its name, in whatever folder, with or without the number of a library in it.
+// Whether this is the component's file, judged by its name alone: in any folder, with or without the number of a
+// library after it.
 bool IsOurFile(std::wstring file) {
     const size_t beforeNumber = file.find_last_not_of(L"0123456789");
     if (beforeNumber != std::wstring::npos && file[beforeNumber] == L'\\') file.resize(beforeNumber);
@@ -25,7 +26,7 @@ bool IsOurFile(std::wstring file) {
     return file.size() >= name.size() && SameText(file.substr(file.size() - name.size()), name);
 }
 
-// Whether somebody else's file is registered so many levels below the key.
+// Whether somebody else's file is registered `depth` levels below the key.
 bool HoldsOtherFile(HKEY root, const std::wstring& key, int depth) {
     if (depth == 0) {
         const std::wstring file = ReadText(root, Classes + key, nullptr);
@@ -36,7 +37,8 @@ bool HoldsOtherFile(HKEY root, const std::wstring& key, int depth) {
     });
 }
 
-// Led to a proxy of its own, or to somebody else's library that there is.
+// Whether the interface is registered with another proxy, or for a library for which somebody else's file is
+// registered.
 bool InterfaceIsOfOthers(HKEY root, const DescribedInterface& described) {
     const std::wstring key = Classes + InterfaceKey(described);
     const std::wstring proxy = ReadText(root, key + L"\\ProxyStubClsid32", nullptr);
@@ -53,7 +55,8 @@ public:
         const LSTATUS status = static_cast<LSTATUS>(SHDeleteValueW(Root_, (Classes + key).c_str(), name));
         const bool gone = status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
         if (First == ERROR_SUCCESS && !gone) First = status;
-        // The keys above it, too, up to the one that all libraries or interfaces share.
+        // Then the key, and those above it, as long as they are empty; but never the key that all libraries or
+        // interfaces share.
         for (std::wstring empty = key; empty.find(L'\\') != std::wstring::npos; empty.resize(empty.rfind(L'\\'))) {
             if (!DeleteIfEmpty(Root_, Classes + empty)) break;
         }
@@ -88,7 +91,7 @@ LSTATUS RemoveLibrary(HKEY root, const TypeLibraryRow& library) {
         wasOurs = true;
         removal.Value(file.Key, file.Name);
     }
-    // Who registered the only file of a version wrote its other values, wherever that file lay.
+    // When ours was the only file of a version, the other values of that version are ours, too, wherever the file was.
     if (wasOurs && !HoldsOtherFile(root, VersionKey(library), FileDepth - 1)) {
         for (const RegistryEntry& entry : VersionEntries(library, path)) removal.Value(entry.Key, entry.Name);
     }

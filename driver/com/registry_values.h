@@ -1,5 +1,5 @@
-// What stands in the platform's registry, for registering and its opposite. Names of values may be null: the key's
-// default value.
+// Values and keys of the platform's registry, as registering and unregistering need them. Names of values may be null:
+// the key's default value.
 #pragma once
 
 #include <windows.h>
@@ -25,7 +25,7 @@ std::wstring ReadText(HKEY root, const std::wstring& key, const wchar_t* name);
 // Names of the keys right below.
 std::vector<std::wstring> SubKeys(HKEY root, const std::wstring& key);
 
-// False when the key is not there, or not empty, or stays.
+// True when the key was empty and is deleted now.
 bool DeleteIfEmpty(HKEY root, const std::wstring& key);
 
 }  // namespace corvane

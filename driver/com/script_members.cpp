@@ -12,14 +12,15 @@ namespace {
 // Dispatch identifiers, as IADC3's description has them.
 constexpr DISPID GetADC3Member = 0x60030031, InputChannelsMember = 21, GetDataMember = 27;
 
-// ICorvaneStatus' identifiers start where no member of IADC3 can ever be.
+// ICorvaneStatus has identifiers that no member of IADC3 can have.
 constexpr DISPID FirstStatusMember = 101, LastStatusMember = 109;
 
 bool IsStatusMember(DISPID id) {
     return id >= FirstStatusMember && id <= LastStatusMember;
 }
 
-// Numbers go back into a script's variable and into a caller's long; a mere value has no place for them.
+// Writes a number back into an argument: a script's variable, or a long by reference. An argument passed by value stays
+// as it is.
 void GiveBack(VARIANT& argument, LONG number) {
     if (argument.vt == (VT_BYREF | VT_VARIANT)) {
         VariantClear(argument.pvarVal);
@@ -30,8 +31,8 @@ void GiveBack(VARIANT& argument, LONG number) {
     }
 }
 
-// GetData for a script: its variable gets an array of the samples taken, at most `Count`. IADC3 itself is given a plain
-// buffer, and a variable is none.
+// GetData for a script, whose variable can't be the plain buffer that IADC3 needs: the variable gets an array of the
+// samples read, at most `Count`.
 void GetDataIntoVariable(IADC3& driver, const DISPPARAMS& parameters, VARIANT* result) {
     VARIANT& remainingArgument = parameters.rgvarg[0];
     VARIANT& countArgument = parameters.rgvarg[1];
@@ -54,8 +55,9 @@ void GetDataIntoVariable(IADC3& driver, const DISPPARAMS& parameters, VARIANT* r
     result->lVal = kadrs;
 }
 
-// Who passes a short by reference is no script and means the first element of a buffer of `Count`: that goes on as it
-// is. Anything else but a script's variable would be written behind its end.
+// True when the call is GetData with a script's variable. False for other members and for a short by reference, which
+// is the first element of a compiled caller's buffer of `Count` samples: such calls are passed on as they are. Throws
+// for anything else, which would be too short for the samples.
 bool IsScriptsGetData(DISPID id, WORD flags, const DISPPARAMS& parameters, UINT* argument) {
     constexpr UINT Data = 2;
     if (id != GetDataMember || (flags & DISPATCH_METHOD) == 0) return false;
@@ -68,15 +70,15 @@ bool IsScriptsGetData(DISPID id, WORD flags, const DISPPARAMS& parameters, UINT*
     throw Failure{DISP_E_TYPEMISMATCH};
 }
 
-// A table for a recording that runs.
+// True when a table of channels is set while a recording runs, which ignores it.
 bool IsLateTable(IADC3& driver, DISPID id, WORD flags, const DISPPARAMS& parameters) {
     VARIANT_BOOL busy = VARIANT_FALSE;
     return id == InputChannelsMember && flags == DISPATCH_PROPERTYPUT && parameters.cArgs == 1 &&
            SUCCEEDED(driver.get_Busy(&busy)) && busy != VARIANT_FALSE;
 }
 
-// No member but GetData changes its arguments, so values serve for all of them; the interface's own dispatch makes of
-// them what the member wants.
+// Calls a member with the values of its arguments, which is enough because no member but GetData changes them. The
+// interface's own dispatch converts them to what the member needs.
 void InvokeWithValues(IDispatch& members, DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
                       EXCEPINFO* exception, UINT* argument) {
     std::vector<OwnedVariant> values(parameters.cArgs);
@@ -123,7 +125,7 @@ HRESULT ScriptMembers::Invoke(DISPID id, REFIID reserved, LCID locale, WORD flag
     return Guard(
         [&] {
             CheckReserved(reserved);
-            // Some engines can't tell a value from a reference when they assign, and ask for both.
+            // Some script engines can't tell a value from a reference when they assign, and set both flags.
             constexpr WORD Puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
             const WORD asked = (flags & Puts) != 0 ? WORD{DISPATCH_PROPERTYPUT} : flags;
             if (IsLateTable(Driver_, id, asked, *parameters)) return;

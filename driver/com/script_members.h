@@ -1,7 +1,7 @@
-// The dispatch interfaces of the object. Its own is that of _Corvane, which also answers the members of IADC3 and of
-// ICorvaneStatus by name, so that a script can record. On this road, and only on it, arrays come out as arrays of
-// VARIANT, and arguments go in in any form that a script makes. Unknown names and identifiers, wrong counts and types
-// are answered with automation's own results.
+// The dispatch interfaces of the object. The object's own one is that of _Corvane, which also answers the members of
+// IADC3 and of ICorvaneStatus by name, so that a script can record. There, and only there, arrays are returned as
+// arrays of VARIANT, and arguments are accepted in every form that a script makes. Unknown names and identifiers, wrong
+// counts and types are answered with automation's own results.
 #pragma once
 
 #include "driver/com/automation.h"

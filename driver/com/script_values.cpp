@@ -10,7 +10,7 @@ namespace corvane {
 
 namespace {
 
-// Longer lists than channel numbers there are name each of them twice: a mistake, and a long one.
+// Elements of a list, at most: as many as there are different channel numbers.
 constexpr int32_t LongestList = 65536;
 
 int16_t ReadShort(VARIANT& element) {
@@ -23,7 +23,7 @@ std::vector<int16_t> ReadArray(SAFEARRAY* array) {
     if (array == nullptr) return {};  // never allocated
     if (SafeArrayGetDim(array) != 1) throw Failure{DISP_E_TYPEMISMATCH};
     Check(SafeArrayGetVartype(array, &type));
-    // Numbers of at most 8 bytes fit beside the type; decimals and records don't.
+    // A VARIANT has room for numbers of at most 8 bytes; decimals are larger, and records are no numbers.
     if (type != VT_VARIANT && (type == VT_RECORD || SafeArrayGetElemsize(array) > sizeof(LONGLONG))) {
         throw Failure{DISP_E_TYPEMISMATCH};
     }
@@ -109,7 +109,8 @@ void MakeReadable(VARIANT& value) {
     const int element = value.vt ^ VT_ARRAY;
     if (element != VT_I2 && element != VT_R8 && element != VT_BSTR) return;
     const UINT dimensions = SafeArrayGetDim(value.parray);
-    // An array keeps its bounds last dimension first; elements lie the same way in both arrays.
+    // A descriptor lists the bounds from the last dimension to the first. The elements are in the same order in both
+    // arrays.
     const std::vector<SAFEARRAYBOUND> bounds(std::make_reverse_iterator(value.parray->rgsabound + dimensions),
                                              std::make_reverse_iterator(value.parray->rgsabound + 0));
     ArrayOwner readable(SafeArrayCreate(VT_VARIANT, dimensions, const_cast<SAFEARRAYBOUND*>(bounds.data())));

@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-// A VARIANT that clears itself. Nothing but the VARIANT, so that some in a row are an argument list.
+// A VARIANT that clears itself. It has no other data, so that an array of them is a list of arguments.
 struct OwnedVariant : VARIANT {
     OwnedVariant() { VariantInit(this); }
     ~OwnedVariant() { VariantClear(this); }

@@ -1,20 +1,20 @@
-// Leaves nothing behind when a thread ends or the library is unloaded.
+// Frees what would be left when a thread ends or the library is unloaded.
 //
-// Slots: the driver takes a thread-local slot, and so does the compiler's thread runtime, linked into this library,
-// with two handles for each thread that comes by. It gives a thread's handles back when that thread ends, and the slot
-// never: after some thousand loads in one process there would be no slot left.
+// Slots: the driver allocates a thread-local slot, and so does the compiler's thread runtime, which is linked into this
+// library. The runtime also opens two handles for each thread that uses it. It closes them when the thread ends, but it
+// never frees its slot: after about a thousand loads in one process there would be no slot left.
 //
-// Devices: while objects live, DllCanUnloadNow says no, but the last CoUninitialize of a process unloads all the same.
-// With the loader's lock held no thread can end, so none can be waited for here. None needs to: each recording thread
-// holds this library until its own end, so that the library only goes when no recording runs. A recording that a dead
-// host thread left behind has been asked to stop when that thread ended.
+// Devices: while objects exist, DllCanUnloadNow says no, but the last CoUninitialize of a process unloads the library
+// all the same. While the loader's lock is held no thread can end, so none can be waited for here. None needs to be:
+// each recording thread keeps this library loaded until its own end, so that no recording is running now. A recording
+// that a dead host thread had not stopped was asked to stop when that thread ended.
 #include <windows.h>
 
 #include "driver/lifecycle.h"
 
 namespace {
 
-DWORD Slots[4];  // two are taken
+DWORD Slots[4];  // two are in use
 int SlotCount = 0;
 
 DWORD WINAPI RememberSlot() {
@@ -29,19 +29,20 @@ DWORD WINAPI RememberSlot() {
 
 extern "C" {
 
-// Takes the place of the import that TlsAlloc is called through.
+// Replaces the pointer through which imported TlsAlloc is called.
 extern DWORD(WINAPI* const ImportedTlsAlloc)() __asm__("__imp__TlsAlloc@0");
 DWORD(WINAPI* const ImportedTlsAlloc)() = RememberSlot;
 
-// The runtime's own callback for threads that come and go.
+// The runtime's own callback for threads that start and end.
 extern const PIMAGE_TLS_CALLBACK RuntimeThreadCallback __asm__("___xl_f");
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds) {
     if (reason == DLL_THREAD_DETACH) corvane::LeaveThread();
-    // At the end of the process the other threads are gone already, wherever they were, and everything goes with it.
+    // At the end of the process the other threads have been ended already, each at any point of its work, and the
+    // system frees everything.
     if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
         corvane::CloseWhatIsLeft();
-        // For the runtime this thread ends here. No destructor that still runs uses it.
+        // Tells the runtime that this thread ends. No destructor that runs after this uses the runtime.
         RuntimeThreadCallback(instance, DLL_THREAD_DETACH, nullptr);
         for (int i = 0; i < SlotCount; i++) TlsFree(Slots[i]);
     }

@@ -28,6 +28,8 @@ struct EngineState {
     platform::Thread Thread;         // a fact: tells whether the recording thread has ended
     bool Started = false;            // set before the thread is resumed: its modules run, and it stops them at its end
 
+    bool EndToLog = false;  // the start of the last recording has been logged, its end has not
+
     std::vector<ModuleRecord> Modules;  // one per module of the chosen crate; only the first OpenedCount are open
     int16_t OpenedCount = 0;
 

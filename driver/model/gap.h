@@ -10,7 +10,7 @@ enum class GapReason : uint8_t {
     Various = 0,       // several gaps in one, because the list was full
     CutShort = 1,      // a receive was cut short: mid-scale
     NothingCame = 2,   // the last block again, or the lowest code when there was none yet
-    NotProcessed = 3,  // the same, because the library could not process what came
+    NotProcessed = 3,  // the same, because the library could not process what came; or it gave no number
 };
 
 // A run of kadrs of one module.

@@ -1,4 +1,4 @@
-// The portable build's ANSI code page is 1251, that of the machines where these modules are at home.
+// The portable build's ANSI code page is 1251, that of a Russian Windows, where these modules are mostly used.
 #include "platform/ansi_text.h"
 
 #include <array>

@@ -10,4 +10,13 @@ std::string ComponentFolder() {
     return std::filesystem::read_symlink("/proc/self/exe", failure).parent_path().string();
 }
 
+std::string ComponentFile() {
+    return HostProgram();
+}
+
+std::string HostProgram() {
+    std::error_code failure;
+    return std::filesystem::read_symlink("/proc/self/exe", failure).string();
+}
+
 }  // namespace corvane::platform

@@ -24,10 +24,10 @@ bool WriteWhole(int file, std::string_view bytes) {
 
 enum class Outcome { Done, Failed, NotPossible };
 
-// NotPossible: nothing of the same owner and protection can take the file's place.
+// NotPossible: no file with the same owner and protection can take the file's place.
 Outcome WriteBeside(const std::string& path, std::string_view bytes, const struct stat* held) {
     const std::string beside = path + ".new";
-    unlink(beside.c_str());  // of a run that broke off
+    unlink(beside.c_str());  // left by a run that was interrupted
     const int file = open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (file < 0) return Outcome::NotPossible;
     const bool alike =
@@ -47,7 +47,7 @@ std::string PathIn(const std::string& folder, const std::string& name) {
 
 std::string ReadFileStart(const std::string& path, size_t limit) {
     std::string bytes;
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // a pipe without a writer would hang
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // a pipe would block otherwise
     if (file < 0) return bytes;
     struct stat status = {};
     if (fstat(file, &status) == 0 && S_ISREG(status.st_mode)) {
@@ -63,7 +63,7 @@ std::string ReadFileStart(const std::string& path, size_t limit) {
 }
 
 bool ReplaceContent(const std::string& path, std::string_view bytes) {
-    // Renaming asks for no right to the file that it replaces, so it would undo the protection of one.
+    // Renaming needs no right to the file that it replaces: without this check it would replace a protected file.
     const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0) return errno == ENOENT && WriteBeside(path, bytes, nullptr) == Outcome::Done;
     struct stat held = {};

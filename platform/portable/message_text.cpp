@@ -29,7 +29,7 @@ constexpr SystemText SystemTexts[] = {
     {1018, "Illegal operation attempted on a registry key that has been marked for deletion.\r\n"},
 };
 
-// Reads its way through a template; the end reads as a zero.
+// Reads a template character by character; at its end it reads zeros.
 class Reader {
 public:
     explicit Reader(std::string_view text) : Text_(text.substr(0, text.find('\0'))) {}
@@ -46,7 +46,7 @@ public:
         return true;
     }
     bool AtDigit() const { return std::isdigit(static_cast<unsigned char>(Peek())) != 0; }
-    // Digits as a number that saturates beyond every capacity.
+    // The number in the digits here; CapacityLimit for a larger one.
     size_t TakeNumber() {
         size_t number = 0;
         while (AtDigit()) number = std::min<size_t>(number * 10 + static_cast<size_t>(Take() - '0'), CapacityLimit);
@@ -58,7 +58,7 @@ private:
     size_t Next_ = 0;
 };
 
-// One insert, behind its first digit. Nothing when its format is left open or is not a text's.
+// The text of one insert, whose first digit has been read. None when its format has no end or is not that of a text.
 std::optional<std::string> TakeInsert(Reader& reader, size_t number, const MessageArguments& arguments) {
     if (reader.AtDigit()) number = number * 10 + static_cast<size_t>(reader.Take() - '0');
     if (number > arguments.size()) return std::nullopt;

@@ -5,7 +5,7 @@
 
 namespace corvane::platform {
 
-extern std::atomic<bool> SkipSleeps;          // SleepMs only yields: for endurance tests on a source without a clock
+extern std::atomic<bool> SkipSleeps;          // SleepMs only yields: for long tests with a simulator that does not wait
 extern std::atomic<bool> FailThreadCreation;  // Thread::Create fails
 
 }  // namespace corvane::platform

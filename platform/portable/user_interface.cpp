@@ -5,7 +5,7 @@ namespace corvane::platform {
 BusyPointer::BusyPointer() : Previous_(nullptr) {}
 
 BusyPointer::~BusyPointer() {
-    static_cast<void>(Previous_);  // there is no screen, and so no pointer to give back
+    static_cast<void>(Previous_);  // there is no screen, so there is no pointer to restore
 }
 
 }  // namespace corvane::platform

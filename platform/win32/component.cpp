@@ -13,19 +13,37 @@ HMODULE ComponentModule() {
     return module;
 }
 
-std::wstring ComponentPath() {
+namespace {
+
+// Null: the program's. Empty on failure, with the system's last error.
+std::wstring PathOf(HMODULE module) {
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {
-        const DWORD length = GetModuleFileNameW(ComponentModule(), path.data(), static_cast<DWORD>(path.size()));
-        if (length == 0) ThrowLastError();
+        const DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
         if (length < path.size()) return path.substr(0, length);
-        path.resize(path.size() * 2);  // paths end at 32767 characters
+        path.resize(path.size() * 2);  // a path has at most 32767 characters
     }
+}
+
+}  // namespace
+
+std::wstring ComponentPath() {
+    std::wstring path = PathOf(ComponentModule());
+    if (path.empty()) ThrowLastError();
+    return path;
 }
 
 std::string ComponentFolder() {
     const std::wstring path = ComponentPath();
     return Utf8(path.substr(0, path.rfind(L'\\')));
+}
+
+std::string ComponentFile() {
+    return Utf8(PathOf(ComponentModule()));
+}
+
+std::string HostProgram() {
+    return Utf8(PathOf(nullptr));
 }
 
 }  // namespace corvane::platform

@@ -1,4 +1,4 @@
-// The component's own module: its resources, and where it lies.
+// The component's own module: its resources and its path.
 #pragma once
 
 #include <windows.h>

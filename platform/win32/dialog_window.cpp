@@ -12,19 +12,19 @@ namespace corvane::platform {
 
 namespace {
 
-constexpr UINT MonitorDpiChanged = 0x02E0;  // WM_DPICHANGED, newer than the oldest platform
+constexpr UINT MonitorDpiChanged = 0x02E0;  // WM_DPICHANGED, which Windows XP does not know
 
-// A service's process has windows that nobody sees: a dialog there would wait for ever.
+// Nobody sees the windows of a service's process: a dialog there would wait for ever.
 bool DesktopVisible() {
     USEROBJECTFLAGS flags = {};
     return !GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &flags, sizeof flags, nullptr) ||
            (flags.dwFlags & WSF_VISIBLE) != 0;
 }
 
-// What lies under the dialog is drawn again before the caller goes on to something slow. Only that: a host that got
-// other messages here could call the driver in the middle of an opening.
+// Redraws what the dialog has covered, because the caller may go on with something slow. Handles no other messages:
+// with them a host could call the driver in the middle of an opening.
 void DrawUncovered() {
-    constexpr int ManyWindows = 200;  // one that never stops asking must not hold the host
+    constexpr int ManyWindows = 200;  // a window that is never done must not hold up the host
     MSG message;
     for (int i = 0; i < ManyWindows && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_PAINT); i++) {
         DispatchMessageW(&message);
@@ -33,7 +33,7 @@ void DrawUncovered() {
 
 }  // namespace
 
-// The host's windows of this thread, disabled while it lives, the owner among them.
+// Disables the host's windows of this thread, the owner among them, for as long as it exists.
 class HostWindows {
 public:
     HostWindows() {
@@ -67,7 +67,7 @@ bool DialogWindow::ShowModal(HWND owner) {
     const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_ARROW));
     HostWindows host;
     Host_ = &host;
-    // No controls, no place and no font: those come with the layout.
+    // No controls, no place and no font: the layout adds them.
     struct {
         DLGTEMPLATE Head;
         WORD Menu, Class, Title;
@@ -87,7 +87,8 @@ void DialogWindow::SetText(int id, const std::string& text) {
     SetDlgItemTextW(Window_, id, Wide(text).c_str());
 }
 
-// The host's windows come first, or the platform would activate another program's when the dialog goes.
+// Enables the host's windows first: otherwise the platform would activate another program's window when the dialog
+// closes.
 void DialogWindow::Close() {
     Host_->Enable();
     EndDialog(Window_, 0);
@@ -112,7 +113,7 @@ INT_PTR CALLBACK DialogWindow::Procedure(HWND window, UINT message, WPARAM wPara
     }
 }
 
-// True: nothing is left to do for the dialog manager.
+// True: the dialog manager has nothing more to do.
 bool DialogWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_INITDIALOG:
@@ -120,11 +121,11 @@ bool DialogWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return false;  // we have set the focus
         case WM_ACTIVATE:
             if (LOWORD(wParam) != WA_INACTIVE) {
-                // In front of the host's windows, but not above everything for ever.
+                // Brings the dialog in front of the host's windows, without keeping it above all others.
                 SetWindowPos(Window_, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
                 SetWindowPos(Window_, HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
                 SetForegroundWindow(Window_);
-                // The title was drawn while the dialog was not in front yet, and not every platform draws it again.
+                // The title was drawn as that of an inactive window, and not every platform draws it again.
                 if (GetForegroundWindow() == Window_) SendMessageW(Window_, WM_NCACTIVATE, TRUE, 0);
             }
             return false;
@@ -153,11 +154,11 @@ void DialogWindow::Load() {
     ScaleDialogOurselves(Window_);
     SetWindowTextW(Window_, Wide(Caption_).c_str());
     Layout_.Create(Window_, Controls);
-    Center();  // on its monitor first, whose resolution sets the size
+    Center();  // first to find its monitor, whose resolution decides its size
     ApplyDpi(WindowDpi(Window_));
     Center();
     Loaded();
-    // As the Tab key gives it: the text of a box is selected.
+    // Sets the focus as the Tab key does, which also selects a box's text.
     const HWND first = GetNextDlgTabItem(Window_, nullptr, FALSE);
     SendMessageW(Window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
 }
@@ -173,7 +174,8 @@ void DialogWindow::ApplyDpi(UINT dpi) {
     Placed();
 }
 
-// On the host's window where it is the one in front, otherwise on the monitor with the pointer; never off the screen.
+// Centres the dialog on the host's window when that is in front, otherwise on the monitor with the pointer; always
+// within the screen.
 void DialogWindow::Center() {
     const HWND front = GetForegroundWindow();
     DWORD process = 0;

@@ -18,7 +18,7 @@ public:
     DialogWindow(const DialogWindow&) = delete;
     DialogWindow& operator=(const DialogWindow&) = delete;
 
-    // Returns when the user has closed the dialog. The windows of the host that belong to this thread take no input
+    // Returns when the user has closed the dialog. The windows of the host that belong to this thread accept no input
     // meanwhile; `owner` may be null. False when no user could see it: the process has no visible desktop. Throws what
     // a handler has thrown, and std::runtime_error with the platform's message when the dialog can't be made.
     bool ShowModal(HWND owner);
@@ -29,9 +29,9 @@ protected:
         : Caption_(std::move(caption)), Client_{0, 0, width, height} {}
     virtual ~DialogWindow() = default;
 
-    // What is still to be shown when the controls have been made, in the order of the Tab key.
+    // Called when all controls have been made. Shows what they are to contain.
     virtual void Loaded() = 0;
-    // After the controls have been placed for the monitor's resolution, at first and whenever it changes.
+    // Called after the controls have been placed for the monitor's resolution, at first and whenever that changes.
     virtual void Placed() {}
     // A button was pressed, or a control reports something by a notification code.
     virtual void Command(int id, int code) = 0;

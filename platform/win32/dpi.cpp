@@ -26,7 +26,7 @@ UINT SystemDpi() {
 }  // namespace
 
 MonitorDpi::MonitorDpi() {
-    // Per monitor, second version with the frame scaled too, or first. The platform's headers define them so.
+    // Per monitor: version 2, which also scales the window's frame, or version 1. Later platforms define these values.
     for (const intptr_t context : {-4, -3}) {
         Previous_ = SetThreadContext(reinterpret_cast<void*>(context));
         if (Previous_ != nullptr) return;

@@ -1,5 +1,5 @@
-// Dots per inch of windows and monitors. Everything newer than the oldest platform is looked up at run time; where it
-// is missing, all monitors have the system's one resolution.
+// Dots per inch of windows and monitors. Functions that Windows XP does not have are looked up at run time; where they
+// are missing, all monitors have the one resolution of the system.
 #pragma once
 
 #include <windows.h>
@@ -8,8 +8,8 @@ namespace corvane::platform {
 
 constexpr UINT DesignDpi = 96;
 
-// While it lives, windows that the thread makes see the resolution of their own monitor, even where the host leaves
-// stretching its windows to the system: texts stay sharp.
+// While it exists, windows that the thread makes are given the resolution of their own monitor, even when the system
+// stretches the windows of the host: texts stay sharp.
 class MonitorDpi {
 public:
     MonitorDpi();
@@ -23,7 +23,7 @@ private:
 
 UINT WindowDpi(HWND window);
 
-// The dialog manager would otherwise scale a dialog by itself, on top of us.
+// Keeps the dialog manager from scaling the dialog, which we do ourselves.
 void ScaleDialogOurselves(HWND dialog);
 
 }  // namespace corvane::platform

@@ -11,7 +11,7 @@ namespace {
 
 constexpr DWORD NotOrdinary = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
 
-// A search for files also finds them by their short names, in which longer extensions are cut.
+// Checks the long name: a search also finds files by their short names, in which longer extensions are cut.
 bool Encloses(const std::wstring& name, const std::wstring& prefix, const std::wstring& suffix) {
     return name.size() >= prefix.size() + suffix.size() &&
            lstrcmpiW(name.substr(0, prefix.size()).c_str(), prefix.c_str()) == 0 &&
@@ -30,13 +30,13 @@ bool WriteWhole(HANDLE file, std::string_view bytes) {
     return FlushFileBuffers(file);
 }
 
-// What may stand in a file's place: its attributes, owner and list of rights.
+// What a new file gets from the file that it replaces: attributes, owner and list of rights.
 struct Protection {
     DWORD Attributes = FILE_ATTRIBUTE_NORMAL;
-    std::vector<BYTE> Descriptor;  // empty: what the folder gives
+    std::vector<BYTE> Descriptor;  // empty: the folder's default
 };
 
-// False when the file doesn't tell.
+// False when they can't be read.
 bool ReadProtection(const std::wstring& path, Protection& protection) {
     constexpr SECURITY_INFORMATION Asked =
         OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
@@ -54,7 +54,7 @@ enum class Outcome { Done, Failed, NotPossible };
 Outcome WriteBeside(const std::wstring& path, std::string_view bytes, Protection& protection) {
     const std::wstring beside = path + L".new";
     SECURITY_ATTRIBUTES security = {sizeof security, protection.Descriptor.data(), FALSE};
-    DeleteFileW(beside.c_str());  // of a run that broke off
+    DeleteFileW(beside.c_str());  // left by a run that was interrupted
     const HANDLE file =
         CreateFileW(beside.c_str(), GENERIC_WRITE, 0, protection.Descriptor.empty() ? nullptr : &security, CREATE_NEW,
                     protection.Attributes, nullptr);
@@ -99,7 +99,8 @@ std::string ReadFileStart(const std::string& path, size_t limit) {
 
 bool ReplaceContent(const std::string& path, std::string_view bytes) {
     const std::wstring target = Wide(path);
-    // Moving a file over another asks for no right to write to that one, so it would undo its protection.
+    // Moving a file over another needs no right to write to that one: this check keeps it from replacing a protected
+    // file.
     HANDLE file = OpenToWrite(target);
     const bool isNew = file == INVALID_HANDLE_VALUE;
     if (isNew && GetLastError() != ERROR_FILE_NOT_FOUND) return false;

@@ -8,7 +8,7 @@
 
 namespace corvane::platform {
 
-// Opens the topic with that context number; its window goes when `window` does. False when that fails.
+// Opens the topic with that context number; its window closes together with `window`. False when that fails.
 bool ShowHelp(HWND window, const std::string& file, int32_t topic);
 
 }  // namespace corvane::platform

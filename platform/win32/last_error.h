@@ -1,4 +1,4 @@
-// A failed call of the platform in the platform's own words, in the user's language; also as an exception.
+// The platform's own text, in the user's language, for a call that failed; also as an exception.
 #pragma once
 
 #include <windows.h>

@@ -20,7 +20,7 @@ int32_t Opening(Call call, RegistryKey& key) {
     return result;
 }
 
-// The platform's DWORD is 32 bits as ours, but another type.
+// The platform's DWORD has 32 bits, too, but is another type than uint32_t.
 template <class Call>
 int32_t WithLengths(uint32_t& first, uint32_t* type, uint32_t& second, Call call) {
     DWORD firstLength = first, valueType = 0, secondLength = second;

@@ -6,18 +6,18 @@ namespace corvane::platform {
 
 namespace {
 
-// Committed stack of a recording thread. The reserve stays the executable's default, so the thread may grow beyond it.
+// Committed stack of a recording thread. What is reserved is the executable's default, so the stack can grow.
 constexpr SIZE_T ThreadStackBytes = 8192;
 
-// Not a thread_local variable: that would keep the component loaded for ever. Unloading the component gives all of its
-// slots back (driver/com/unloading.cpp).
+// Not a thread_local variable: that would keep the component loaded for ever. When the component is unloaded, all of
+// its slots are freed (driver/com/unloading.cpp).
 const DWORD TokenSlot = TlsAlloc();
 
 }  // namespace
 
 struct Thread::Implementation {
     HANDLE Handle = nullptr;
-    HMODULE Library = nullptr;  // what the code is in; the thread's own reference to it
+    HMODULE Library = nullptr;  // the thread's own reference to the library with the code
     ThreadProcedure Procedure = nullptr;
     void* Argument = nullptr;
 

@@ -1,5 +1,5 @@
-// Lets our files load on Windows XP: the compiler's thread runtime, linked into them, counts its waits with
-// GetTickCount64, which only later Windows have. Linked straight into a file, this takes the place of that import.
+// Lets our files load on Windows XP: the compiler's thread runtime, linked into them, measures its waits with
+// GetTickCount64, which only later Windows have. In a file that this is linked into, it replaces that import.
 #include <windows.h>
 
 namespace {

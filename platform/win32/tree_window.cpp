@@ -5,22 +5,15 @@
 
 namespace corvane::platform {
 
-namespace {
-
-constexpr int PictureCount = 2;
-constexpr int FirstPictureIcon = 2;  // number of the icon of picture 1; that of picture 2 follows
-
-}  // namespace
-
 TreeWindow::~TreeWindow() {
     if (Pictures_ != nullptr) ImageList_Destroy(Pictures_);
 }
 
-void TreeWindow::LoadPictures(HWND tree, int size) {
-    const HIMAGELIST pictures = ImageList_Create(size, size, ILC_COLOR32 | ILC_MASK, PictureCount, 0);
-    for (int i = 0; i < PictureCount; i++) {
-        const HANDLE icon = LoadImageW(ComponentModule(), MAKEINTRESOURCEW(FirstPictureIcon + i), IMAGE_ICON, size,
-                                       size, LR_DEFAULTCOLOR);
+void TreeWindow::LoadPictures(HWND tree, std::span<const int> icons, int size) {
+    const HIMAGELIST pictures = ImageList_Create(size, size, ILC_COLOR32 | ILC_MASK, static_cast<int>(icons.size()), 0);
+    for (const int number : icons) {
+        const HANDLE icon =
+            LoadImageW(ComponentModule(), MAKEINTRESOURCEW(number), IMAGE_ICON, size, size, LR_DEFAULTCOLOR);
         ImageList_ReplaceIcon(pictures, -1, static_cast<HICON>(icon));
         DestroyIcon(static_cast<HICON>(icon));
     }

@@ -1,10 +1,11 @@
-// A tree view that shows a list of nodes, each with its key and one of the pictures of crate and module.
+// A tree view that shows a list of nodes, each with its key and a picture.
 #pragma once
 
 #include <windows.h>
 
 #include <commctrl.h>
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,8 @@ public:
     // Shows all nodes, expanded, the first one selected. A node that can't be added is left out, with those below it.
     void Fill(HWND tree, const std::vector<TreeNode>& nodes);
 
-    // Loads the pictures in the size of that many pixels.
-    void LoadPictures(HWND tree, int size);
+    // Loads the list of pictures, from the component's icons with these numbers. size: pixels.
+    void LoadPictures(HWND tree, std::span<const int> icons, int size);
 
     void SetBold(const std::string& key, bool bold);
     const std::string& Key(const NMTREEVIEWW& change) const {

@@ -1,5 +1,5 @@
-// The look of the user's system for windows that the thread makes while this lives. The component brings a manifest of
-// its own for it: the host's process may have none, or an old one.
+// While it exists, windows that the thread makes have the look of the user's system. For this the component has a
+// manifest of its own: the host's process may have none, or an old one.
 #pragma once
 
 #include <windows.h>

@@ -24,8 +24,8 @@ bool LettersFit(HDC context, int dpi) {
            letters.tmHeight * SignedDesignDpi <= DesignLetterHeight * dpi;
 }
 
-// The system's font for dialogs, 8 points high; where its letters are larger than the design's, as those of stand-ins
-// are, the largest size that fits. The caller deletes it.
+// The system's font for dialogs, 8 points high; where its letters are larger than the design's, as those of a
+// substitute font may be, the largest size that fits. The caller deletes it.
 HFONT DialogFont(HWND window, int dpi) {
     constexpr int Points = 8, PointsPerInch = 72;
     const HDC context = GetDC(window);
@@ -42,8 +42,8 @@ HFONT DialogFont(HWND window, int dpi) {
     return font;
 }
 
-// A closed combo box is as high as the text in it wants it, whatever its window is given. How much it adds to that
-// shows when it is asked.
+// A closed combo box ignores the height of its window: it is as high as its line of text and what it adds around it. So
+// the line gets the wanted height first, to measure what is added, and then that much less.
 void SetClosedHeight(HWND combo, int height) {
     constexpr auto Closed = static_cast<WPARAM>(-1);
     SendMessageW(combo, CB_SETITEMHEIGHT, Closed, height);

@@ -1,4 +1,4 @@
-// The controls of a dialog, described in a table in twips and kept in pixels of the window's monitor.
+// The controls of a dialog, described in a table in twips and placed in pixels of the window's monitor.
 #pragma once
 
 #include <windows.h>
@@ -10,12 +10,12 @@ namespace corvane::platform {
 
 constexpr int TwipsPerInch = 1440;
 
-// Twentieths of a point: 15 to a pixel at 96 dots per inch.
+// A rectangle in twips, which are twentieths of a point: 15 to a pixel at 96 dots per inch.
 struct TwipsRect {
     int Left, Top, Width, Height;
 };
 
-// A place given relative to a frame's.
+// The place in the dialog of what is placed relative to a frame.
 constexpr TwipsRect Inside(const TwipsRect& frame, const TwipsRect& place) {
     return {frame.Left + place.Left, frame.Top + place.Top, place.Width, place.Height};
 }
@@ -30,7 +30,7 @@ struct ControlDesign {
 };
 
 // Mean width in pixels of the 52 letters in the font that is selected there. A quarter of it is the dialog unit in
-// which list boxes take their tab stops.
+// which list boxes measure their tab stops.
 int MeanLetterWidth(HDC context);
 
 class WindowLayout {
@@ -45,7 +45,7 @@ public:
     void Create(HWND window, const std::vector<ControlDesign>& controls);
 
     // Places the controls exactly as designed at that resolution and gives them the system's font for dialogs. Where
-    // its letters are larger than the design's, the font gives way, not the layout.
+    // its letters are larger than the design's, a smaller size is chosen; the layout stays.
     void Apply(HWND window, const std::vector<ControlDesign>& controls, UINT dpi);
 
     int Pixels(int twips) const;  // as of the last Apply

@@ -55,7 +55,7 @@ private:
         } else if (id == cmdOK) {
             PressOK();
         } else if (id == cmdRemove) {
-            // An automation tool selects without a notification.
+            // Reads the selection anew: an automation tool selects without a notification.
             if (SelectedIndex() != Dialog_.ListIndex()) Dialog_.Select(SelectedIndex());
             Dialog_.PressRemove();
             ShowList();
@@ -88,7 +88,7 @@ private:
         ShowSelection();
     }
 
-    // A button that is about to be disabled must not keep the focus: no key would reach anything then.
+    // A button must not keep the focus when it is disabled: no key would have any effect then.
     void ShowSelection() {
         if (!Dialog_.RemoveEnabled() && GetFocus() == Control(cmdRemove)) {
             SendMessageW(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Control(lstIP)), TRUE);
@@ -103,7 +103,7 @@ private:
 
 }  // namespace
 
-// No owner: it comes up while the host waits for the search.
+// Without an owner window: it appears while the host waits for the search to end.
 void ShowModal(dlgIP& dialog) {
     if (!IPWindow(dialog).ShowModal(nullptr)) dialog.PressCancel();
 }

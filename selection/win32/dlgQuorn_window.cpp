@@ -2,6 +2,7 @@
 #include "platform/win32/component_module.h"
 #include "platform/win32/dialog_window.h"
 #include "platform/win32/tree_window.h"
+#include "resources/icons.h"
 #include "selection/dlgQuorn.h"
 
 namespace corvane {
@@ -17,8 +18,8 @@ public:
     explicit QuornWindow(dlgQuorn& dialog) : DialogWindow(dialog.Caption, ClientWidth, ClientHeight), Dialog_(dialog) {
         constexpr DWORD TreeStyle = WS_VISIBLE | WS_TABSTOP | TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT |
                                     TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP;
-        // The hidden label is what screen readers call the tree. Cancel is there for the Esc key alone: in a group of
-        // its own, so that the arrow keys don't lead there from OK.
+        // Screen readers read the hidden label as the name of the tree. Cancel lies outside the window and serves only
+        // the Esc key. It has a group of its own, so that the arrow keys don't lead there from OK.
         Controls = {
             {NameOfTree, WC_STATICW, 0, {0, 0, 0, 0}, dialog.Caption},
             {tvwLTR, WC_TREEVIEWW, TreeStyle, {90, 90, 3030, 2700}, {}, WS_EX_CLIENTEDGE},
@@ -32,14 +33,14 @@ public:
 
 private:
     void Loaded() override {
-        Icon_ = static_cast<HICON>(LoadImageW(platform::ComponentModule(), MAKEINTRESOURCEW(1), IMAGE_ICON,
+        Icon_ = static_cast<HICON>(LoadImageW(platform::ComponentModule(), MAKEINTRESOURCEW(WindowIcon), IMAGE_ICON,
                                               GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), 0));
         if (Icon_ != nullptr) SendMessageW(Window(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(Icon_));
         Tree_.Fill(Control(tvwLTR), Dialog_.tvwLTR);
         ShowSelection();
     }
 
-    void Placed() override { Tree_.LoadPictures(Control(tvwLTR), Pixels(PictureSize)); }
+    void Placed() override { Tree_.LoadPictures(Control(tvwLTR), TreeIcons, Pixels(PictureSize)); }
 
     void Command(int id, int) override {
         if (id == cmdCancel) Dialog_.PressCancel();

@@ -14,7 +14,7 @@ using platform::Inside;
 using platform::TwipsRect;
 
 constexpr int Boxes = 4, MaxDigits = 3;
-// Identifiers after the first: the frame, the boxes by index, their names, the dots.
+// Identifiers, counted from the first one: the frame, the boxes by index, their names, the dots.
 constexpr int FrameId = 0, BoxId = 1, NameId = BoxId + Boxes, DotId = NameId + Boxes;
 constexpr TwipsRect DotPlaces[] = {{450, 30, 45, 195}, {870, 30, 45, 195}, {1320, 30, 45, 195}};
 constexpr TwipsRect BoxPlaces[] = {{1365, 30, 375, 195}, {930, 30, 375, 195}, {495, 30, 375, 195}, {60, 30, 375, 195}};
@@ -53,7 +53,8 @@ void ucIPWindow::AddControls(std::vector<platform::ControlDesign>& controls, con
         controls.push_back(
             {FirstId_ + DotId + dot, WC_STATICW, WS_VISIBLE | SS_CENTER, Inside(place, DotPlaces[dot]), "."});
     }
-    // Behind the boxes, which it must not paint over. An edit has the border that the user's system gives to edits.
+    // The frame is added last, so that it lies behind the boxes and doesn't paint over them. It is an edit, to have the
+    // border that the user's system gives to edits.
     constexpr DWORD FrameStyle = WS_VISIBLE | WS_DISABLED | WS_CLIPSIBLINGS | ES_READONLY;
     controls.push_back({FirstId_ + FrameId, WC_EDITW, FrameStyle, place, {}, WS_EX_CLIENTEDGE});
 }
@@ -81,7 +82,7 @@ HWND ucIPWindow::Box(int index) const {
 void ucIPWindow::Read(int index) {
     OctetBox& box = Control_.txtIP[static_cast<size_t>(index)];
     wchar_t text[16] = {};
-    GetWindowTextW(Box(index), text, 16);  // never more than its limit, but for what another program sends
+    GetWindowTextW(Box(index), text, 16);  // longer than the limit only when another program sets it
     box.Text = platform::Utf8(text);
     DWORD start = 0, end = 0;
     SendMessageW(Box(index), EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
@@ -149,11 +150,11 @@ LRESULT CALLBACK ucIPWindow::BoxProcedure(HWND window, UINT message, WPARAM wPar
     try {
         if (!self.BeforeBox(box, message, wParam)) return 0;
         const LRESULT result = CallWindowProcW(self.EditProcedure_, window, message, wParam, lParam);
-        // After the box's own handling, which takes the focus and puts the caret.
+        // After the box's own handling, which moves the focus and the caret there.
         if (message == WM_LBUTTONDBLCLK) self.DoubleClick(box);
         return result;
     } catch (...) {
-        return 0;  // no memory for a few digits: the key is lost, the box stands
+        return 0;  // out of memory: the key has no effect
     }
 }
 

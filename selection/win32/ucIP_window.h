@@ -15,7 +15,7 @@ namespace corvane {
 
 class ucIPWindow {
 public:
-    // Takes the identifiers firstId to firstId + IdCount - 1.
+    // Uses the identifiers firstId to firstId + IdCount - 1.
     static constexpr int IdCount = 12;
 
     ucIPWindow(ucIP& control, int firstId) : Control_(control), FirstId_(firstId) {}
@@ -27,10 +27,11 @@ public:
     void AddControls(std::vector<platform::ControlDesign>& controls, const platform::TwipsRect& place,
                      const std::string& name) const;
 
-    void Attach(HWND dialog);  // once they are made
-    // After the controls have been placed, each with its font: three digits have no pixel to spare for margins.
+    void Attach(HWND dialog);  // once the controls exist
+    // Called when the controls have been placed and have their font. Removes the boxes' margins, for which three digits
+    // leave no room.
     void Placed(HWND dialog) const;
-    void Show();  // all of the control, after the dialog has changed it
+    void Show();  // shows all boxes, after the dialog has changed the address
     void Focus(int box);
     bool Owns(int id) const { return id >= FirstId_ && id < FirstId_ + IdCount; }
     // For the dialog's WM_COMMAND with an identifier of this control.
@@ -38,7 +39,7 @@ public:
 
 private:
     static LRESULT CALLBACK BoxProcedure(HWND box, UINT message, WPARAM wParam, LPARAM lParam);
-    // False: the message is done with.
+    // False: the box must not handle the message.
     bool BeforeBox(int box, UINT message, WPARAM wParam);
     void KeyDown(int box, WPARAM key);
     void DoubleClick(int box);
@@ -50,7 +51,7 @@ private:
     int FirstId_;
     HWND Dialog_ = nullptr;
     WNDPROC EditProcedure_ = nullptr;
-    bool Showing_ = false;  // what changes is our own doing
+    bool Showing_ = false;  // the boxes are being changed by Show, not by the user
 };
 
 }  // namespace corvane

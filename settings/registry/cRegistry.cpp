@@ -112,8 +112,8 @@ bool cRegistry::DeleteValue(uint32_t root, const std::string& path, const std::s
     return Open(key, root, path, ChangeRights) && SetLastError(DeleteKeyValue(key.Handle, ToAnsi(name)));
 }
 
-// Once the length is known the text counts as read. A value that grew meanwhile gives what the platform left in the
-// buffer, which is an empty text.
+// When the length can be read, the text counts as read. If the value becomes longer before the second call, that call
+// fails, the buffer keeps its zeros, and the text is empty.
 bool cRegistry::ReadAt(const ValueLocation& at, std::string& text) {
     HeldKey key;
     if (!Open(key, at.Root, at.Path, QueryValueRight)) return false;
@@ -142,7 +142,7 @@ bool cRegistry::ReadAt(const ValueLocation& at, RegistryBytes& bytes) {
     const std::string name = ToAnsi(at.Name);
     uint32_t size = 0;
     if (!SetLastError(QueryKeyValue(key.Handle, name, nullptr, nullptr, size)) || size == 0) return false;
-    RegistryBytes stored(size);  // keeps this length when the value shrinks now
+    RegistryBytes stored(size);  // stays this long also if the value becomes shorter now
     if (!SetLastError(QueryKeyValue(key.Handle, name, nullptr, stored.data(), size))) return false;
     bytes = std::move(stored);
     return true;
@@ -182,7 +182,7 @@ bool cRegistry::Store(const ValueLocation& at, uint32_t rights, uint32_t type, c
            SetLastError(SetKeyValue(key.Handle, ToAnsi(at.Name), type, data, static_cast<uint32_t>(size)));
 }
 
-// The terminator is not counted; the platform finds it behind the text and adds it.
+// The length that is passed does not count the terminator; the platform finds it after the text and stores it too.
 bool cRegistry::WriteAt(const ValueLocation& at, const std::string& text) {
     const std::string ansi = ToAnsi(text);
     return Store(at, SetValueRight, TextType, ansi.c_str(), ansi.size());

@@ -2,8 +2,8 @@
 // at an explicit one, keys, listings, and export in the registry editor's text form.
 //
 // Texts are UTF-8 here and cross to the platform in the ANSI code page. Every operation opens the keys that it needs
-// and closes them before it returns. Failure is silent: the result says it, destinations keep what they held, and
-// `LastError` has the platform's code. One object is for one thread at a time.
+// and closes them before it returns. A failure shows only in the result and in `LastError`, the platform's code;
+// destinations keep what they held. One object is for one thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -18,13 +18,13 @@ namespace corvane {
 
 using RegistryBytes = std::vector<uint8_t>;
 
-// What QueryValue found; monostate: nothing that it has a form for.
+// What QueryValue has read; monostate: nothing yet. Data of other types is not read.
 using RegistryValue = std::variant<std::monostate, int32_t, std::string, RegistryBytes>;
 
 // The value families: FAMILY(name, the caller's type), by the type of the data that the registry holds.
 //   text REG_SZ          the text in the ANSI code page
-//   up to 4 bytes        REG_DWORD, the value's bytes in the low end and zeros above; any nonzero one is true
-//   8 bytes              REG_BINARY of exactly the value's bytes. Currency counts 1/10000 units
+//   up to 4 bytes        REG_DWORD: the value's bytes, then zeros. A bool is true for any number but 0
+//   8 bytes              REG_BINARY: exactly the value's bytes. Currency counts 1/10000 units
 //   bytes                REG_BINARY
 // Readers do not look at the stored type. The zero value of a type is what accessors give for a missing value.
 #define CORVANE_REGISTRY_FAMILIES(FAMILY) \
@@ -40,22 +40,23 @@ using RegistryValue = std::variant<std::monostate, int32_t, std::string, Registr
 class cRegistry {
 public:
     uint32_t RootKey() const { return RootKey_; }
-    // Goes to the root itself, unless it is the current one already or can't be opened.
+    // Makes this the current root, with an empty key path. Does nothing when it is the current root already or can't be
+    // opened.
     void SetRootKey(uint32_t root);
     const std::string& KeyPath() const { return KeyPath_; }
-    // Creates the key when it is missing; where that fails the location stays.
+    // A missing key is created; when that fails, the location stays as it was.
     void SetKeyPath(const std::string& path);
-    // The platform's code of the last call to it, closing apart.
+    // The platform's code for the last call, not counting those that close keys.
     int32_t LastError() const { return LastError_; }
-    std::string LastErrorText() const;  // without its closing period
+    std::string LastErrorText() const;  // without the period at its end
 
     // Each family F of type T, here for the current location:
     //   FValue      the value; zero when it can't be read
-    //   SetFValue   writes it, whatever comes of that
+    //   SetFValue   writes it; a failure shows in LastError only
     //   ReadF       false when it can't be read: `value` becomes the fallback then, unless that is an empty text
     //   WriteF      true when written
     // and ReadFAt, WriteFAt for an explicit one; on failure `value` stays as it was. An empty name is the key's default
-    // value. Of a number stored in fewer than 4 bytes ReadDWord replaces only these.
+    // value. Where fewer than 4 bytes are stored, ReadDWord replaces only as many bytes of `value`.
 #define CORVANE_REGISTRY_MEMBERS(F, T)                                                           \
     T F##Value(const std::string& name);                                                         \
     void Set##F##Value(const std::string& name, const T& value);                                 \
@@ -65,8 +66,8 @@ public:
 #define CORVANE_REGISTRY_READ_WITH_FALLBACK(F, T) bool Read##F(const std::string& name, T& value, const T& fallback);
     CORVANE_REGISTRY_FAMILIES(CORVANE_REGISTRY_MEMBERS)
     CORVANE_REGISTRY_FAMILIES(CORVANE_REGISTRY_READ_WITH_FALLBACK)
-    // Bytes have no fallback. What can't be read, a value without data included, is {0} to BinaryValue. No bytes at all
-    // can't be written.
+    // Bytes have no fallback. BinaryValue gives one byte, 0, when the value can't be read or has no data. An empty
+    // array can't be written.
     CORVANE_REGISTRY_MEMBERS(Binary, RegistryBytes)
     bool ReadBinary(const std::string& name, RegistryBytes& value);
 #undef CORVANE_REGISTRY_READ_WITH_FALLBACK
@@ -75,28 +76,29 @@ public:
     bool KeyExists(uint32_t root, const std::string& path);
     // True when the key is there afterwards. defaultText, unless empty, becomes its default value.
     bool CreateKey(uint32_t root, const std::string& path, const std::string& defaultText);
-    // False too for a key that has subkeys.
+    // False also for a key that has subkeys.
     bool DeleteKey(uint32_t root, const std::string& path);
     bool DeleteValue(uint32_t root, const std::string& path, const std::string& name);
 
     // Type code of the value with exactly this name, 0 when there is none. Texts come without their last character, the
-    // terminator, multiple ones with their separating zeros; numbers of either byte order as little-endian ones.
+    // terminator; several texts in one value keep the zeros between them. Numbers of both byte orders are read as
+    // little-endian.
     uint32_t QueryValue(uint32_t root, const std::string& path, const std::string& name, RegistryValue& value);
     // Number of subkeys, or values. names[0] becomes the path itself, the names follow.
     int32_t EnumSubKeys(uint32_t root, const std::string& path, std::vector<std::string>& names);
     int32_t EnumValues(uint32_t root, const std::string& path, std::vector<std::string>& names);
 
-    // The key in the registry editor's text form, without the header line; empty when it can't be opened. Of a multiple
-    // text only the first is kept, and spaces around a text are not; double quotes stay as they are, which the editor
-    // does not take back.
+    // The key in the registry editor's text form, without the header line; empty when it can't be opened. Of several
+    // texts in one value only the first is written, without the spaces around it. Double quotes are written as they
+    // are, and the editor can't import such a text.
     std::string ExportKey(uint32_t root, const std::string& path, bool includeSubKeys);
     static std::string RootKeyName(uint32_t root);  // empty for anything but a predefined root
 
-    // The platform's message for a code, without its line end; up to its first period when asked for.
+    // The platform's message for a code, without its line end. cutAtPeriod: only up to its first period.
     static std::string SystemErrorText(int32_t code, bool cutAtPeriod);
 
 private:
-    // A key that is closed again at the end of its scope; the root itself stays open.
+    // A key that is closed at the end of its scope, unless it is a predefined root.
     struct HeldKey {
         HeldKey() = default;
         ~HeldKey();

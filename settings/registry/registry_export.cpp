@@ -1,5 +1,5 @@
-// What cRegistry tells about whole keys: listings, values of any type, export. A platform call that fails on the way
-// leaves its buffer as it was filled before, and the work goes on with what is there.
+// The part of cRegistry that reads whole keys: listings, values of any type, export. When a call of the platform fails,
+// its buffer keeps what it was filled with before, and the work goes on with that.
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -13,10 +13,11 @@ namespace {
 
 using namespace platform;
 
-// The platform's own limit of levels in its tree. What is deeper comes from a link that leads back up.
+// The platform's limit for the levels of its tree. What is deeper can only be reached through a link that leads back
+// up.
 constexpr int DeepestLevel = 512;
 
-// Appends as the registry editor writes numbers: lowercase, so many digits.
+// Appends a number as the registry editor writes it: hexadecimal, lowercase, with this many digits.
 void AppendHex(std::string& text, uint32_t number, int digits) {
     while (digits-- > 0) text += "0123456789abcdef"[number >> (4 * digits) & 15];
 }
@@ -56,7 +57,7 @@ int32_t EnumNameOfValue(RegistryKey key, uint32_t index, char* name, uint32_t& l
     return EnumKeyValue(key, index, name, length, nullptr, nullptr, size);
 }
 
-// Characters that the platform says it wrote, within the buffer that it had.
+// Cuts the buffer to the characters that the platform says it wrote; it may say more than there was room for.
 void CutToLength(std::string& buffer, uint32_t length) {
     buffer.resize(std::min<size_t>(buffer.size(), length));
 }
@@ -128,7 +129,7 @@ uint32_t cRegistry::QueryValue(uint32_t root, const std::string& path, const std
 
 int32_t cRegistry::EnumNames(uint32_t root, const std::string& path, std::vector<std::string>& names,
                              uint32_t KeyInfo::*count, uint32_t KeyInfo::*longest, EnumerateName next) {
-    names = {std::string(path)};  // which may stand in the list itself
+    names = {std::string(path)};  // a copy: `path` may be an element of `names`
     HeldKey key;
     if (!OpenForListing(key, root, names[0])) return 0;
     KeyInfo info;
@@ -180,7 +181,7 @@ std::string cRegistry::ExportSubKeys(uint32_t root, const std::string& path, boo
     const std::string prefix = path.empty() ? "" : path + "\\";
     std::string text;
     for (size_t i = 1; i < names.size(); i++) {
-        // The ANSI functions see a name only up to its first zero: they would open another key, this one even.
+        // The ANSI functions see a name only up to its first zero: they would open another key, even this one again.
         if (names[i].empty() || names[i].find('\0') != std::string::npos) continue;
         text += ExportLevel(root, prefix + names[i], includeSubKeys, level + 1);
     }

@@ -11,6 +11,7 @@
 #include "platform/win32/help.h"
 #include "platform/win32/tree_window.h"
 #include "platform/win32/wide_text.h"
+#include "resources/icons.h"
 #include "resources/texts.h"
 #include "settings/dlgSetup.h"
 
@@ -47,12 +48,12 @@ public:
         constexpr DWORD TextStyle = Stop | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | ES_AUTOHSCROLL;
         constexpr DWORD ListStyle = Stop | WS_VSCROLL | WS_HSCROLL | LBS_USETABSTOPS | LBS_NOINTEGRALHEIGHT;
         constexpr DWORD ComboStyle = Stop | WS_VSCROLL | CBS_DROPDOWNLIST;
-        // The hidden labels are what screen readers call the tree and the text.
+        // Screen readers read the hidden labels as the names of the tree and of the text.
         Controls = {
             {NameOfTree, WC_STATICW, 0, {0, 0, 0, 0}, "LTR"},
             {tvwLTR, WC_TREEVIEWW, TreeStyle, {120, 120, 2280, 810}, {}, WS_EX_CLIENTEDGE},
             {NameOfInfo, WC_STATICW, 0, {0, 0, 0, 0}, "LTR"},
-            // An edge would cost the last of its four lines.
+            // Without an edge, which would leave no room for the last of its four lines.
             {txtInfo, WC_EDITW, TextStyle, {2520, 120, 2070, 795}, {}},
             {frMezzanines, WC_BUTTONW, WS_VISIBLE | BS_GROUPBOX, frMezzaninesPlace, dialog.MezzaninesCaption},
             {lstMezzanines,
@@ -83,21 +84,21 @@ private:
     }
 
     void Placed() override {
-        Tree_.LoadPictures(Control(tvwLTR), Pixels(PictureSize));
-        SendMessageW(Control(txtInfo), EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, 0);  // no pixel to spare
+        Tree_.LoadPictures(Control(tvwLTR), TreeIcons, Pixels(PictureSize));
+        SendMessageW(Control(txtInfo), EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, 0);  // there is no room for them
         std::array<int, 3> stops = dlgSetup::TabStops;
         SendMessageW(Control(lstMezzanines), LB_SETTABSTOPS, stops.size(), reinterpret_cast<LPARAM>(stops.data()));
         SendMessageW(Control(lstMezzanines), LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(WidestLine()), 0);
     }
 
-    // In pixels, so that the list can be scrolled sideways where a unit's text is long.
+    // In pixels. The list needs it to be scrolled sideways, when a unit's text is long.
     int WidestLine() const {
         const HWND list = Control(lstMezzanines);
         const HDC context = GetDC(list);
         const HGDIOBJ previous = SelectObject(context, reinterpret_cast<HGDIOBJ>(SendMessageW(list, WM_GETFONT, 0, 0)));
         const int letterWidth = platform::MeanLetterWidth(context);
         std::array<int, 3> stops = dlgSetup::TabStops;
-        for (int& stop : stops) stop = MulDiv(stop, letterWidth, 4);  // a dialog unit is a quarter letter
+        for (int& stop : stops) stop = MulDiv(stop, letterWidth, 4);  // a dialog unit is a quarter of a letter's width
         int widest = 0;
         for (const std::string& line : Dialog_.lstMezzanines) {
             const std::wstring text = platform::Wide(line);
@@ -112,7 +113,7 @@ private:
 
     void Command(int id, int) override {
         if (id == cmdOK) {
-            // An automation tool selects without a notification, so nothing is remembered before.
+            // The selection is read only now: an automation tool selects without a notification.
             Dialog_.PressOK(static_cast<int>(SendMessageW(Control(cboMarkSTART), CB_GETCURSEL, 0, 0)));
             Close();
         } else if (id == cmdCancel) {

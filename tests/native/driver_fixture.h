@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -81,6 +82,11 @@ protected:
 
     std::unique_ptr<DriverObject> Driver;
 };
+
+// Of this process; a recording's thread must not outlive it.
+inline auto Threads() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
 
 // Kadr number that an even channel's sample stands for, modulo 32768.
 inline int32_t KadrNumber(int16_t sample) {

@@ -8,6 +8,7 @@
 
 #include "driver/model/channel_model.h"
 #include "driver/model/data_ring.h"
+#include "driver/model/gap_list.h"
 #include "driver/model/input_state.h"
 
 namespace corvane {
@@ -67,6 +68,32 @@ TEST(ChannelModel, TablesAreBroughtIntoOrder) {
         NormalizeChannelTable(table, channels);
         EXPECT_EQ(table, expected);
     }
+}
+
+TEST(GapList, JoinsNeighboursAndForgetsNothingWhenFull) {
+    const auto cut = GapReason::CutShort, silent = GapReason::NothingCame;
+    GapList list;
+    list.Reserve();
+    // Two modules mixed: only what touches, of one module and one reason, is one gap.
+    for (const Gap& gap : {Gap{0, 0, 4, silent}, Gap{1, 0, 4, silent}, Gap{0, 4, 4, silent}, Gap{1, 4, 2, cut},
+                           Gap{0, 9, 1, silent}, Gap{1, 6, 1, cut}}) {
+        list.Add(gap);
+    }
+    const std::vector<Gap> joined = {{0, 0, 8, silent}, {1, 0, 4, silent}, {1, 4, 3, cut}, {0, 9, 1, silent}};
+    EXPECT_EQ(list.Gaps(), joined);
+
+    // Full with gaps of module 0; module 1's first one is still listed, later ones of each lengthen its last.
+    list.Clear();
+    const auto capacity = static_cast<int64_t>(GapList::Capacity);
+    for (int64_t i = 0; i < capacity; i++) list.Add({0, 2 * i, 1, cut});
+    for (const int64_t later : {1, 3}) {
+        for (const int32_t module : {0, 1}) list.Add({module, 2 * capacity + later, 1, silent});
+    }
+    const std::vector<Gap> gaps = list.Gaps();
+    ASSERT_EQ(gaps.size(), GapList::Capacity + 1);
+    EXPECT_EQ(gaps[GapList::Capacity - 2], (Gap{0, 2 * capacity - 4, 1, cut}));
+    EXPECT_EQ(gaps[GapList::Capacity - 1], (Gap{0, 2 * capacity - 2, 6, GapReason::Various}));
+    EXPECT_EQ(gaps[GapList::Capacity], (Gap{1, 2 * capacity + 1, 3, GapReason::Various}));
 }
 
 TEST(InputState, SizesAreToldByTheRules) {

@@ -1,6 +1,7 @@
 // The recorder's own rules: what it accepts on the command line, and what it writes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -9,37 +10,20 @@
 #include <sstream>
 
 #include "recorder/command_line.h"
-#include "recorder/console.h"
 #include "recorder/csv_writer.h"
 #include "recorder/data_clock.h"
 #include "recorder/envelope.h"
 #include "recorder/failure.h"
 #include "recorder/options.h"
 #include "recorder/output_file.h"
-#include "recorder/repeat_check.h"
+#include "recorder/recorded_gaps.h"
+#include "recorder/silence_watch.h"
 #include "recorder/svg_plot.h"
 #include "standins/registry_hooks.h"
 #include "tests/native/driver_fixture.h"
+#include "tests/recorder/test_console.h"
 
 namespace corvane::recorder {
-
-// The console of these tests: it keeps what is said, and asks the test for a user's interrupt.
-static std::string Said;
-static std::string StandardOutputText;
-static std::function<bool()> Interrupt;
-
-bool WriteText(std::FILE* stream, std::string_view text) {
-    (stream == stdout ? StandardOutputText : Said) += text;
-    return true;
-}
-bool IsTerminal(std::FILE*) {
-    return false;
-}
-void WatchInterrupt() {}
-bool InterruptRequested() {
-    return Interrupt && Interrupt();
-}
-
 namespace {
 
 using Numbers = std::vector<int16_t>;
@@ -90,7 +74,18 @@ TEST(RecorderCommandLine, ExitCodesAndWordsTellHowItEnded) {
         {"start_marks = 'never'", "", " --stall-timeout 200ms", ExitCode::Incomplete, "(0 s), incomplete: 0 of 200 k",
          "# incomplete: 0 of 200 kadrs, no data came for 0.2 s"},
         {"", "call = 'LTR27_ProcessData'\nafter = 4\ntimes = 1\nerror = -1", " -q", ExitCode::Incomplete,
-         "Warning: doubtful: a module sent nothing for 64 kadrs", "# doubtful: a module sent nothing for 64 kadrs"},
+         "Warning: not measured: 64 kadrs (0.064 s) of the module in slot 3, in 1 gap\n", "# note: after a gap"},
+        {"", "call = 'LTR27_Recv'\nafter = 4\nerror = -12", " -d 5s --stall-timeout 400ms", ExitCode::Incomplete,
+         "of 5000 kadrs, nothing was measured for 0.4 s", "# incomplete: "},
+        {"", "slot = 5\ncall = 'LTR27_Recv'\nafter = 2\nerror = -12", " -d 700ms --stall-timeout 400ms",
+         ExitCode::Incomplete, "(0.7 s), all kadrs written, but not all measured\n", "# note: after a gap"},
+        {"", "slot = 5\ncall = 'LTR27_Recv'\nafter = 2\ntimes = 5\nerror = -12", " -d 600ms", ExitCode::Incomplete,
+         "The module in slot 5 sends nothing: check the crate, its cable and the LTR server.\n"
+         "The module in slot 5 sends again after 0.",
+         "# note: after a gap"},
+        {"", "slot = 5\ncall = 'LTR27_Recv'\nerror = -12", " -c 0-13", ExitCode::Success, "complete\n", "0.199,"},
+        {"", "", " -c 13-14", ExitCode::Incomplete, "all kadrs written, but not all measured\n",
+         "# not measured: 1 of the channels, without mezzanine"},
         {"", "", " --interrupt", ExitCode::Interrupted, "interrupted: 0 of 200 kadrs\n",
          "# interrupted: 0 of 200 kadrs"},
         {"", "call = 'LTR27_ADCStart'\nerror = -5", "", ExitCode::StartFailed, "could not be started. Error '-5'", ""},
@@ -117,15 +112,15 @@ TEST(RecorderCommandLine, ExitCodesAndWordsTellHowItEnded) {
         ASSERT_EQ(LtrSim_Configure(SequenceCrate({3, 5}, "1.0", crate).c_str()), 0) << LtrSim_Message();
         ASSERT_TRUE(*fault == '\0' || LtrSim_AddFault(fault) == 0) << LtrSim_Message();
         Said.clear();
-        StandardOutputText.clear();
         const bool interrupted = rest == " --interrupt";
         Interrupt = [=] { return interrupted; };
         if (interrupted) rest.clear();
         const bool records = rest.empty() || rest.find_first_of(" /") == 0;
-        std::istringstream words(records ? "record -r 1000 -d 200ms -o " + csv + rest : rest);
+        std::istringstream words(records ? "record -r 1000 -o " + csv + rest : rest);
+        if (records && rest.find(" -d ") == std::string::npos) words.str(words.str() + " -d 200ms");
         std::ofstream(csv).close();
         EXPECT_EQ(RunCommandLine({std::istream_iterator<std::string>(words), {}}), code) << rest;
-        EXPECT_NE((Said + StandardOutputText).find(said), std::string::npos) << rest << Said << StandardOutputText;
+        EXPECT_NE(Said.find(said), std::string::npos) << rest << Said;
         std::string line, last;
         for (std::ifstream file(csv); std::getline(file, line);) last = line;
         EXPECT_TRUE(last.starts_with(lastLine)) << rest << last;
@@ -195,7 +190,7 @@ TEST(RecorderCsv, ValuesLieWithinATwentiethOfACode) {
         std::string rows;
         Numbers samples;
         for (int sample = -16384; sample <= 16383; sample++) samples.push_back(static_cast<int16_t>(sample));
-        csv.AppendRows(rows, samples);
+        csv.AppendRows(rows, {samples, {}});
         std::istringstream lines(rows);
         std::string line;
         for (const int16_t sample : samples) {
@@ -210,23 +205,24 @@ TEST(RecorderCsv, ValuesLieWithinATwentiethOfACode) {
 }
 
 TEST(RecorderCsv, TextOfARecording) {
-    CsvWriter csv({{0, "a,\"b\"", "", "V", 1, 0}, {1, "c", "", "", 10, 0}}, static_cast<double>(1000.0F / 3));
+    CsvWriter csv({{0, "a,\"b\"", "", "V", 1, 0}, {16, "c", "", "", 10, 0}}, static_cast<double>(1000.0F / 3));
     std::string text;
     csv.AppendHeader(text, std::vector<std::string>{"Rate: 333.333 Hz"});
     EXPECT_EQ(text, "# Rate: 333.333 Hz\ntime (s),\"a,\"\"b\"\" (V)\",c\n");
     text.clear();
-    csv.AppendRows(text, Numbers{1, -2, 3, 15});
-    csv.AppendRows(text, Numbers{5, 0});
-    EXPECT_EQ(text, "0.000,1.0,-0.20\n0.003,3.0,1.50\n0.006,5.0,0.00\n");
+    csv.AppendRows(text, {Numbers{1, -2, 3, 15}, {}});
+    csv.AppendRows(text, {Numbers{5, 0}, {}});
+    csv.AppendRows(text, {Numbers{6, 7, 8, 9}, std::vector<uint8_t>{MissingBit(1), MissingBit(0) | NeverMeasured}});
+    EXPECT_EQ(text, "0.000,1.0,-0.20\n0.003,3.0,1.50\n0.006,5.0,0.00\n0.009,6.0,\n0.012,,0.90\n");
 }
 
 TEST(RecorderEnvelope, KeepsExtremesWhenBinsDouble) {
     for (const size_t kadrs : {Envelope::Capacity, 5 * Envelope::Capacity + 3}) {
-        Envelope envelope(2);
+        Envelope envelope({1, 1});
         std::vector<int16_t> first;  // of channel 0; channel 1 is its mirror image
         for (size_t i = 0; i < kadrs; i++) {
             first.push_back(static_cast<int16_t>(static_cast<int>(i * 7919 % 30011) - 15000));
-            envelope.Add(Numbers{first[i], static_cast<int16_t>(-first[i])});
+            envelope.Add({Numbers{first[i], static_cast<int16_t>(-first[i])}, {}});
         }
         const auto width = static_cast<size_t>(envelope.BinKadrs());
         EXPECT_EQ(envelope.Kadrs(), static_cast<int64_t>(kadrs));
@@ -245,31 +241,88 @@ TEST(RecorderEnvelope, KeepsExtremesWhenBinsDouble) {
     }
 }
 
+TEST(RecorderRecordedGaps, AreThoseOfTheKadrsTaken) {
+    // Kadrs that are taken, the driver's list then, the modules' bits in these kadrs, and all gaps by then.
+    const auto cut = GapReason::CutShort, silent = GapReason::NothingCame, various = GapReason::Various;
+    const std::tuple<int64_t, std::vector<Gap>, std::string, std::vector<Gap>> steps[] = {
+        {4, {{0, 2, 4, silent}, {1, 3, 1, cut}}, "0013", {{0, 2, 2, silent}, {1, 3, 1, cut}}},
+        {2, {{0, 2, 4, silent}, {1, 3, 2, various}}, "31", {{0, 2, 4, silent}, {1, 3, 1, cut}, {1, 4, 1, various}}},
+        {2, {}, "00", {{0, 2, 4, silent}, {1, 3, 1, cut}, {1, 4, 1, various}}}};
+    RecordedGaps gaps;
+    for (const auto& [kadrs, listed, bits, all] : steps) {
+        std::string text;
+        for (const uint8_t missing : gaps.Add(kadrs, listed)) text += static_cast<char>('0' + (missing & 3));
+        EXPECT_EQ(text, bits);
+        EXPECT_EQ(gaps.Gaps(), all);
+        EXPECT_EQ(gaps.NewestReason(0), (bits.back() & 1) != 0 ? std::optional(silent) : std::nullopt);
+    }
+    for (int64_t kadr = 8; kadr < 30000; kadr += 2) gaps.Add(2, std::vector<Gap>{{0, kadr, 1, cut}});
+    EXPECT_EQ(gaps.Gaps().size(), RecordedGaps::KeptMax);
+    EXPECT_EQ(gaps.Gaps().back().First + gaps.Gaps().back().Kadrs, 29999) << "nothing is forgotten";
+    EXPECT_EQ(gaps.Gaps().back().Reason, various);
+}
+
+TEST(RecorderSilence, IsToldAtOnceButNotAllTheTime) {
+    const auto cut = GapReason::CutShort, silent = GapReason::NothingCame, unusable = GapReason::NotProcessed;
+    // Seconds, how the module is then, and what is told; an empty text: nothing.
+    const char *nothing = "5 sends nothing: ", *again = "in slot 5 sends again after ";
+    const std::tuple<double, std::optional<GapReason>, std::string> steps[] = {
+        {0, {}, ""},
+        {1, cut, ""},
+        {2, silent, nothing},
+        {3, silent, ""},
+        {4, cut, ""},
+        {5.2, {}, again + std::string("3.2 s.")},
+        {6, unusable, "can't be processed"},
+        {7, silent, nothing},
+        {8, {}, "2.0 s."},
+        {9, silent, nothing},
+        {10, {}, again},
+        {11, silent, nothing},
+        {12, {}, again},
+        {12.5, silent, nothing},
+        {13, {}, again},
+        // From here on each has to wait until ten seconds more have passed.
+        {14, silent, ""},
+        {15, {}, ""},
+        {16, silent, ""},
+        {22, silent, "(Silences not told meanwhile: 1.)"},
+        {23, {}, "7.0 s."},
+        {24, silent, ""}};
+    SilenceWatch watch(5);
+    for (const auto& [seconds, missing, told] : steps) {
+        const std::chrono::milliseconds time(3600000 + static_cast<int>(1000 * seconds));
+        const std::string text = watch.Observe(missing, SilenceWatch::Clock::time_point(time));
+        EXPECT_TRUE(text.empty() == told.empty() && text.find(told) != std::string::npos) << seconds << text;
+    }
+}
+
+TEST(RecorderPlot, BreaksTheCurveAndShadesWhereNothingWasMeasured) {
+    Envelope data({MissingBit(0)});
+    data.Add({Numbers{1, 2, 3, 4, 5}, std::vector<uint8_t>{0, 0, MissingBit(0), MissingBit(0), 0}});
+    const std::vector<Channel> channels = {{0, "a", "", "V", 1, 0}};
+    const std::vector<RecordedModule> modules = {{0, 5}};
+    const std::vector<Gap> gaps = {
+        {0, 2, 1, GapReason::CutShort}, {0, 3, 1, GapReason::NothingCame}, {1, 0, 5, GapReason::NothingCame}};
+    const std::string svg = RenderPlot({"", "", 10, channels, data, modules, gaps});
+    // The plot is 936 pixels wide from 78 on, half a second; the gaps are one span, half way to their neighbours.
+    EXPECT_NE(svg.find("<path fill='url(#gap0)' d='M358.8 82.0H733.2V502.0H358.8Z'/>"), std::string::npos) << svg;
+    EXPECT_NE(svg.find(">not measured, slot 5</text>"), std::string::npos) << svg;
+    EXPECT_NE(svg.find(">0.2 s in 2 gaps</text>"), std::string::npos) << svg;
+    const size_t curve = svg.find("<path class='line'");
+    const std::string path = svg.substr(curve, svg.find("/>", curve) - curve);
+    EXPECT_EQ(std::ranges::count(path, 'M'), 2) << path;
+    EXPECT_NE(svg.find("1 \u2026 5 V"), std::string::npos) << svg;
+}
+
 TEST(RecorderPlot, EscapesTexts) {
     EXPECT_EQ(EscapeXml("<a & 'b'>\"\x01\xC2\xB1"), "&lt;a &amp; &#39;b&#39;&gt;&quot;\xC2\xB1");
-    Envelope data(1);
-    data.Add(Numbers{5, 5, 5});  // a flat line needs an axis too
+    Envelope data({1});
+    data.Add({Numbers{5, 5, 5}, {}});  // a flat line needs an axis too
     const std::vector<Channel> channels = {{0, "a<b", "", "m&V", 100, 0}};
     const std::string svg = RenderPlot({"x<y", "", 10, channels, data});
     for (const char* text : {"a&lt;b", "m&amp;V", "x&lt;y"}) EXPECT_NE(svg.find(text), std::string::npos) << text;
     for (const char* number : {"nan", "inf"}) EXPECT_EQ(svg.find(number), std::string::npos);
-}
-
-TEST(RecorderRepeatCheck, FindsBlocksFilledInForAModule) {
-    // 40 Hz makes blocks of two kadrs; columns 0 and 1 belong to the first module, column 2 to the second.
-    const std::vector<Channel> channels = {{0, "", "", "", 1, 0}, {15, "", "", "", 1, 0}, {16, "", "", "", 1, 0}};
-    const std::tuple<const char*, Numbers, int64_t> cases[] = {
-        {"repeated in one module", {1, 2, 3, 4, 5, 6, 1, 2, 7, 4, 5, 8, 1, 2, 9, 4, 5, 1}, 4},
-        {"repeated but for one channel", {1, 2, 3, 4, 5, 6, 1, 3, 7, 4, 5, 8}, 0},
-        {"quiet", {1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3}, 0},
-        {"never filled", {1, 2, -16384, 4, 5, -16384}, 2},
-        {"repeated across a block's edge", {9, 9, 9, 1, 2, 3, 1, 2, 3, 8, 8, 8}, 0}};
-    for (const auto& [what, samples, kadrs] : cases) {
-        RepeatCheck check(channels, 40);
-        check.Add(std::span(samples).first(3));  // cuts the first block
-        check.Add(std::span(samples).subspan(3));
-        EXPECT_EQ(check.FilledInKadrs(), kadrs) << what;
-    }
 }
 
 TEST(RecorderDataClock, DoubtsDataAtAnotherPace) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <new>
 #include <random>
 
@@ -105,7 +104,7 @@ TEST_F(RecordingTest, AStartThatRunsOutOfMemoryLeavesNothingRunning) {
         ASSERT_EQ(Driver->Busy(), started) << allocation;
         ASSERT_EQ(LtrSim_RunningModules(), started ? 2 : 0) << allocation;
         ASSERT_TRUE(started || !State().Engine.Thread.Running()) << allocation;
-        ASSERT_EQ(started, unused > 0);
+        ASSERT_TRUE(started || unused == 0) << "only the log does without its memory";
     }
 }
 
@@ -294,11 +293,6 @@ constexpr int64_t ManyKadrs = 1000000;
 #else
 constexpr int64_t ManyKadrs = 10000000;
 #endif
-
-// Of this process; a recording's thread must not outlive it.
-auto Threads() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-}
 
 TEST_F(RecordingTest, EveryKadrPassesOnceInOrder) {
     Configure(SequenceCrate({3, 5}, "0", "type = \"LTR010\""));

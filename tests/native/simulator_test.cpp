@@ -186,6 +186,7 @@ TEST(Simulator, MistakesInTheScenarioNameTheirLine) {
         {crate + "[[server.crate]]\nserial = 'C'", "scenario:6: key 'serial' is used twice"},
         {module + "[[server.crate.module]]\nslot = 2\nid = 'LTR11'", "scenario:9: key 'slot' is used twice"},
         {"[[fault]]\nerror = -1\nstall = true", "scenario:3: key 'stall' can't stand beside 'error'"},
+        {"[[fault]]\ncall = 'LTR27_Recv'\nsize = 3", "scenario:3: key 'size' is not for LTR27_Recv"},
         {"[[fault]]\ncall = 'LTR27_Receive'\nerror = -1", "scenario:2: key 'call'"},
         {"[[fault]]\ncall = 'LTR27_Init'\nslot = 3\nerror = -1", "scenario:3: key 'slot' is not passed"},
         {"[[fault]]\ncall = 'LTR_Init'\ncrate = 'C'\nerror = -1", "scenario:3: key 'crate' is not passed"},

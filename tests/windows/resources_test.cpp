@@ -105,6 +105,10 @@ TEST_F(Resources, NothingNewerThanWindowsXPIsImported) {
         }
     }
     EXPECT_GT(found, 100u);
+    // At another address in each process, and no code where data is.
+    constexpr int Hardened = IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE | IMAGE_DLLCHARACTERISTICS_NX_COMPAT;
+    EXPECT_EQ(Hardened, header->OptionalHeader.DllCharacteristics & Hardened);
+    EXPECT_NE(0u, header->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_BASERELOC].Size);
 }
 
 }  // namespace

@@ -1,0 +1,85 @@
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+
+#include "platform/event_log.h"
+#include "tests/native/driver_fixture.h"
+
+namespace corvane {
+namespace {
+
+class EventLog : public DriverFixture {
+protected:
+    void SetUp() override {
+        std::filesystem::create_directories(Folder);
+        setenv("CORVANE_LOG", Path.c_str(), 1);
+        DriverFixture::SetUp();
+    }
+    void TearDown() override {
+        DriverFixture::TearDown();
+        unsetenv("CORVANE_LOG");
+        std::filesystem::remove_all(Folder);
+    }
+
+    // A recording whose second module pauses for a block.
+    void Record() {
+        Configure(SequenceCrate({3, 5}, "1.0"));
+        AddFault("call = \"LTR27_Recv\"\nslot = 5\nafter = 2\ntimes = 1\nstall = true\n");
+        EXPECT_TRUE(Driver->Test());
+        Select({0, 1, 2, 16});
+        Driver->SetRate(1000);
+        EXPECT_TRUE(Driver->StartRecord());
+        EXPECT_FALSE(Take(192).empty());
+        StopWhole();
+        Driver.reset();
+    }
+    std::string Text() const {
+        std::ifstream file(Path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    const std::filesystem::path Folder = std::filesystem::temp_directory_path() / "corvane-event-log";
+    const std::filesystem::path Path = Folder / "named.log";
+};
+
+TEST_F(EventLog, IsKeptWhereItExistsAndTellsTheRoadOfARecording) {
+    Record();
+    EXPECT_TRUE(std::filesystem::is_empty(Folder)) << "nobody asked for a log";
+    std::ofstream(Path).flush();
+    Record();
+    std::string text = Text();
+    EXPECT_TRUE(std::regex_match(
+        text, std::regex("(\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}Z \\d+\\.\\d+ [^\\r\\n]+\\r\\n)+")))
+        << text;
+    size_t last = 0;
+    for (const char* part : {"Corvane 3.", "host ", "settings read", "server 127.0.0.1: crates 1",
+                             "opening crate CRATE1", "Crate Slot: 3, mezzanines SEQ", "Crate Slot: 5",
+                             "recording: channels 0-2,16 at 1000", "gap: slot 5, 64 kadrs from 128: nothing came",
+                             "recording ended: ", "gaps: 1", "device closed", "settings written"}) {
+        const size_t at = text.find(part, last);
+        EXPECT_NE(std::string::npos, at) << part << " in\n" << text;
+        last = at == std::string::npos ? last : at;
+    }
+    AddFault("call = \"LTR27_Open\"\nerror = -7\n");
+    EXPECT_FALSE(std::make_unique<DriverObject>()->Test());
+    text = Text().substr(text.size());
+    EXPECT_NE(std::string::npos, text.find("slot 3 can't be opened. Error '-7': ")) << text;
+    EXPECT_NE(std::string::npos, text.find("no device opened. Error '-7': ")) << text;
+}
+
+TEST_F(EventLog, IsBoundedAndHarmlessWhereItCanNotBeWritten) {
+    std::ofstream(Path) << std::string(platform::LogBytesMax, 'x');
+    Record();
+    EXPECT_EQ(platform::LogBytesMax, std::filesystem::file_size(Path.string() + ".old"));
+    EXPECT_GT(Text().size(), 500u);
+    EXPECT_LT(Text().size(), 10000u);
+    std::filesystem::remove(Path);
+    std::filesystem::create_directory(Path);
+    Record();
+    EXPECT_EQ("t 1.2 " + std::string(2000, 'e') + "\r\n", platform::LogLine("t", 1, 2, std::string(2100, 'e')));
+    EXPECT_EQ("t 1.2 two lines \r\n", platform::LogLine("t", 1, 2, "two\r\n\tlines\x01"));
+}
+
+}  // namespace
+}  // namespace corvane
