@@ -21,11 +21,7 @@
 namespace corvane::recorder {
 namespace {
 
-#ifdef _WIN32
-constexpr int Rates[] = {10, 1000};
-#else
 constexpr int Rates[] = {4, 10, 20, 50, 100, 500, 1000};
-#endif
 constexpr size_t Modules = 2;
 constexpr std::array<int, Modules> Slots = {3, 5};
 constexpr size_t Fitted = 14;  // channels of each module
