@@ -204,6 +204,14 @@ void Host::Stop() {
 void Host::Read() {
     DriverObject& driver = Any();
     std::vector<int16_t> samples(static_cast<size_t>(Chance_.From(1, 60000)));
+    const int64_t again = Chance_.OneIn(4) ? Chance_.Below(20) : 0;
+    for (int64_t reading = 0; reading <= again && Broken_.empty(); reading++) {
+        if (reading > 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        ReadOnce(driver, samples);
+    }
+}
+
+void Host::ReadOnce(DriverObject& driver, std::vector<int16_t>& samples) {
     int32_t count = static_cast<int32_t>(Chance_.OneIn(10) ? -Chance_.Below(100000) : Chance_.Below(60001));
     count = std::min(count, static_cast<int32_t>(samples.size()));
     const int32_t room = count;

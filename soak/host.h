@@ -61,6 +61,7 @@ private:
     void Start();
     void Stop();
     void Read();
+    void ReadOnce(DriverObject& driver, std::vector<int16_t>& samples);
     void ReadInputData();
     void Dawdle();
     void SelectChannels();
