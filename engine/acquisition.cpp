@@ -38,7 +38,9 @@ private:
     int32_t FindStartMark(int32_t words) const;
     void CompleteBlock(ModuleRecord& module, int32_t words);
     void ListGaps();
-    void ListGapsOf(const ModuleRecord& module, size_t index);
+    void ListGapsOf(const ModuleRecord& module);
+    int32_t WholeKadrs(const ModuleRecord& module, size_t values) const;
+    size_t IndexOf(const ModuleRecord& module) const { return static_cast<size_t>(&module - Engine_.Modules.data()); }
     void PauseUntilDue();
 
     EngineState& Engine_;
@@ -208,27 +210,36 @@ void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
     const auto values = static_cast<size_t>(std::clamp(static_cast<int32_t>(size), 0, words));
     std::fill(module.Block.begin() + static_cast<ptrdiff_t>(values), module.Block.end(), double(MidScale));
     module.Received = Engine_.BlockWords;
-    module.Measured = static_cast<int32_t>(values / ModuleChannels);
+    module.Measured = WholeKadrs(module, values);
     module.Missing = GapReason::CutShort;
+}
+
+// Kadrs of which all recorded channels are among the block's first `values` values. The last kadr may be cut
+// after them.
+int32_t Acquisition::WholeKadrs(const ModuleRecord& module, size_t values) const {
+    const std::vector<size_t>& recorded = Recorded_[IndexOf(module)];
+    const size_t beyond = recorded.empty() ? 0 : ModuleChannels - 1 - recorded.back();
+    return static_cast<int32_t>((values + beyond) / ModuleChannels);
 }
 
 // Called before the block becomes visible to the reader: a kadr that was not measured is listed before it can be read.
 void Acquisition::ListGaps() {
     for (const ModuleRecord& module : Engine_.UsedModules()) {
-        if (module.Used) ListGapsOf(module, static_cast<size_t>(&module - Engine_.Modules.data()));
+        if (module.Used) ListGapsOf(module);
     }
 }
 
 // Where a calibration is senseless the library gives NaN or infinity and reports success. The sample is then the lowest
 // or the highest, which a channel can also measure: only the list tells.
-void Acquisition::ListGapsOf(const ModuleRecord& module, size_t index) {
+void Acquisition::ListGapsOf(const ModuleRecord& module) {
     GapList& gaps = Engine_.Target->Gaps;
-    const auto number = static_cast<int32_t>(index);
+    const std::vector<size_t>& recorded = Recorded_[IndexOf(module)];
+    const auto number = static_cast<int32_t>(IndexOf(module));
     const bool numbers = AllNumbers(module.Block.data(), module.Measured);
     for (int32_t kadr = 0; !numbers && kadr < module.Measured; kadr++) {
         const double* values = module.Block.data() + ptrdiff_t{kadr} * ModuleChannels;
         const auto measured = [&](size_t channel) { return std::isfinite(values[channel]); };
-        if (std::ranges::all_of(Recorded_[index], measured)) continue;
+        if (std::ranges::all_of(recorded, measured)) continue;
         gaps.Add({number, Stored_ + kadr, 1, GapReason::NotProcessed});
     }
     const int32_t missing = Engine_.BlockKadrs - module.Measured;

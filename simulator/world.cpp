@@ -136,7 +136,7 @@ int32_t World::OpenLink(uint32_t address, const std::string& crateSerial, uint32
     if (!crateSerial.empty()) {
         link->Crate = FindCrate(*server, crateSerial);
         if (!link->Crate) return NoCrate;
-        timeMark = StartMarkCount(*link->Crate, now) << 16 | (static_cast<uint32_t>(Elapsed(now)) & 0xFFFF);
+        timeMark = link->Crate->Marks(now) << 16 | (static_cast<uint32_t>(Elapsed(now)) & 0xFFFF);
     }
     link->Installation = Current_;
     link->Lists = server;
@@ -168,27 +168,20 @@ void World::CloseLink(uint32_t id) {
     Links_.erase(id);
 }
 
-uint32_t World::StartMarkCount(const CrateState& crate, Clock::time_point now) {
-    return static_cast<uint32_t>(std::count_if(crate.StartMarks.begin(), crate.StartMarks.end(),
-                                               [now](Clock::time_point moment) { return moment <= now; }));
-}
-
 void World::StartModule(ModuleConnection& module, double rate) {
     const std::scoped_lock lock(Mutex_);
     const Clock::time_point now = Clock::now();
     module.Stream.Start({rate, module.Installation->Speed, now, module.Installation->Speed == 0 ? 0 : Elapsed(now),
-                         StartMarkCount(*module.Crate, now)});
-    for (const Clock::time_point moment : module.Crate->StartMarks) {
-        if (moment > now) module.Stream.AddMarkAt(moment);
-    }
+                         module.Crate->Marks(now)});
+    if (module.Crate->Pending(now)) module.Stream.AddMarkAt(*module.Crate->LastMark);
 }
 
 void World::DropPendingMark(CrateState& crate, Clock::time_point now) {
-    if (crate.StartMarks.empty() || crate.StartMarks.back() <= now) return;
+    if (!crate.Pending(now)) return;
     for (const auto& [id, module] : Modules_) {
-        if (module->Crate.get() == &crate) module->Stream.DropMarkAt(crate.StartMarks.back());
+        if (module->Crate.get() == &crate) module->Stream.DropMarkAt(*crate.LastMark);
     }
-    crate.StartMarks.pop_back();
+    crate.LastMark.reset();
 }
 
 // A crate has one source of START marks: a request replaces an earlier one whose mark has not come yet.
@@ -205,7 +198,8 @@ void World::RequestStartMark(const CrateLink& link, int32_t mode) {
     const bool timeless = link.Installation->Speed == 0;
     const auto ahead = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
     const Clock::time_point moment = timeless ? now : now + ahead;
-    link.Crate->StartMarks.push_back(moment);
+    link.Crate->EarlierMarks = link.Crate->Marks(now);
+    link.Crate->LastMark = moment;
     for (const auto& [id, module] : Modules_) {
         if (module->Crate != link.Crate) continue;
         timeless ? module->Stream.AddMarkAfter(crate.StartMarkKadr, seconds) : module->Stream.AddMarkAt(moment);

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -22,7 +23,11 @@ namespace ltrsim {
 // A crate and the START marks that it makes; guarded by the world's lock.
 struct CrateState {
     const Crate& Definition;
-    std::vector<Clock::time_point> StartMarks = {};  // when each comes; only the last may be in the future
+    std::optional<Clock::time_point> LastMark = {};  // when the last one comes, or came
+    uint32_t EarlierMarks = 0;                       // that came before it
+
+    bool Pending(Clock::time_point now) const { return LastMark && *LastMark > now; }
+    uint32_t Marks(Clock::time_point now) const { return EarlierMarks + (LastMark && *LastMark <= now ? 1 : 0); }
 };
 
 struct Connection {
@@ -93,7 +98,6 @@ private:
     const Server* FindServer(uint32_t address) const;
     std::shared_ptr<CrateState> FindCrate(const Server& server, const std::string& serial) const;
     void DropPendingMark(CrateState& crate, Clock::time_point now);
-    static uint32_t StartMarkCount(const CrateState& crate, Clock::time_point now);
 
     std::mutex Mutex_;
     bool Loaded_ = false;

@@ -28,13 +28,13 @@ public:
     // Kadrs in the order of the recording; `first` is the number of the first. `gaps` are the recording's.
     void Take(const int16_t* kadrs, int64_t first, int64_t count, const std::vector<Gap>& gaps) {
         for (size_t m = 0; m < Modules_.size(); m++) {
-            std::vector<char> listed(static_cast<size_t>(count), 0);
+            std::vector<Listing> listed(static_cast<size_t>(count), Measured);
             for (const Gap& gap : gaps) {
-                if (gap.Module != static_cast<int32_t>(m)) continue;
+                if (gap.Module != static_cast<int32_t>(m) || Modules_[m].Columns.empty()) continue;
                 const int64_t from = std::clamp<int64_t>(gap.First - first, 0, count);
                 const int64_t to = std::clamp<int64_t>(gap.First + gap.Kadrs - first, from, count);
-                const char mark = gap.Reason == GapReason::Various ? 2 : 1;
-                std::fill(listed.begin() + from, listed.begin() + to, mark);
+                const bool some = gap.Reason == GapReason::Various;
+                std::fill(listed.begin() + from, listed.begin() + to, some ? MayBeMeasured : NotMeasured);
             }
             for (int64_t k = 0; k < count && !Modules_[m].Columns.empty(); k++) {
                 const int16_t* kadr = kadrs + k * static_cast<int64_t>(Table_.size());
@@ -51,6 +51,8 @@ public:
     std::string Fault;     // the first of these
 
 private:
+    enum Listing : char { Measured, NotMeasured, MayBeMeasured };
+
     struct Module {
         std::vector<size_t> Columns;
         int64_t Next = -1;     // number that is due; -1: any
@@ -75,12 +77,13 @@ private:
         return high * 32768 + low;
     }
 
-    void TakeKadr(size_t index, const int16_t* kadr, int64_t at, char listed) {
+    void TakeKadr(size_t index, const int16_t* kadr, int64_t at, Listing listed) {
         Module& module = Modules_[index];
-        if (listed != 0) {
+        if (listed != Measured) {
             Listed++;
             module.GapKadrs++;
-            if (listed == 1 && module.Next > 0 && Shows(module, kadr, module.Next)) Report(index, kadr, at, "needless");
+            const bool due = module.Next > 0 && Shows(module, kadr, module.Next);
+            if (due && listed == NotMeasured) Report(index, kadr, at, "needless");
             return;
         }
         int64_t number = module.Next < 0 ? NumberOf(module, kadr) : module.Next;

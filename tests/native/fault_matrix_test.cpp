@@ -37,7 +37,7 @@ const std::vector<std::string> Receiving = {
 const std::vector<std::string> Slow = {"stall = true\ntimes = 1", "delay = 0.7\ntimes = 1"};  // the time-out: 564 ms
 const std::vector<std::string> Processing = {
     "value = nan\ntimes = 1", "value = inf",           "value = -inf\ntimes = 3",
-    "size = 0\ntimes = 1",    "size = 17\ntimes = 2",  "size = 1000",
+    "size = 0\ntimes = 1",    "size = 17\ntimes = 2",  "size = 1023",
     "size = 4294967295",      "slot = 5\nvalue = nan", "unplug = true"};
 
 std::vector<Cell> Cells() {
