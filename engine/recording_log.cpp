@@ -21,20 +21,6 @@ std::string ChannelList(const std::vector<int16_t>& table) {
     return list;
 }
 
-const char* ReasonText(GapReason reason) {
-    switch (reason) {
-        case GapReason::CutShort:
-            return "a receive was cut short";
-        case GapReason::NothingCame:
-            return "nothing came";
-        case GapReason::NotProcessed:
-            return "what came could not be processed";
-        case GapReason::Various:
-            break;
-    }
-    return "several gaps for various reasons, with kadrs between them that were measured";
-}
-
 }  // namespace
 
 void LogStarted(EngineState& engine, const CrateInfo& crate) {

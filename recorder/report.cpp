@@ -15,19 +15,6 @@ namespace {
 
 constexpr size_t GapsShown = 10;
 
-const char* Words(GapReason reason) {
-    switch (reason) {
-        case GapReason::CutShort:
-            return "a receive was cut short";
-        case GapReason::NothingCame:
-            return "nothing came";
-        case GapReason::NotProcessed:
-            return "the library could not process what came";
-        default:
-            return "various gaps, too many to be listed one by one";
-    }
-}
-
 // The times are those of the gap's first and last row.
 std::string GapLine(const RecordingTask& task, const Gap& gap) {
     const TimeColumn times(task.Rate);
@@ -36,7 +23,7 @@ std::string GapLine(const RecordingTask& task, const Gap& gap) {
     times.Append(to, gap.First + gap.Kadrs - 1);
     return fmt::format("not measured: module {}, slot {}, from {} to {}, {:.6g} s, {}", gap.Module,
                        task.SlotOf(gap.Module), from, to, static_cast<double>(gap.Kadrs) / task.Rate,
-                       Words(gap.Reason));
+                       ReasonText(gap.Reason));
 }
 
 std::string UnfittedLine(const Verdict& verdict) {

@@ -8,7 +8,7 @@
 
 #include "driver/lifecycle.h"
 #include "simulator/control.h"
-#include "tests/sequence.h"
+#include "simulator/sequence.h"
 
 namespace corvane::soak {
 

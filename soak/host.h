@@ -13,7 +13,7 @@
 
 #include "driver/driver_object.h"
 #include "soak/installation.h"
-#include "tests/kadr_check.h"
+#include "soak/kadr_check.h"
 
 namespace corvane::soak {
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "tests/sequence.h"
+#include "simulator/sequence.h"
 
 namespace corvane::soak {
 

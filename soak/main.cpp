@@ -13,8 +13,8 @@
 
 #include "platform/portable/test_hooks.h"
 #include "simulator/control.h"
+#include "simulator/sequence.h"
 #include "soak/host.h"
-#include "tests/sequence.h"
 
 namespace corvane::soak {
 

@@ -13,6 +13,21 @@ enum class GapReason : uint8_t {
     NotProcessed = 3,  // the same, because the library could not process what came; or it gave no number
 };
 
+// The reason in words, for the log and for users.
+inline const char* ReasonText(GapReason reason) {
+    switch (reason) {
+        case GapReason::CutShort:
+            return "a receive was cut short";
+        case GapReason::NothingCame:
+            return "nothing came";
+        case GapReason::NotProcessed:
+            return "the library could not process what came";
+        case GapReason::Various:
+            break;
+    }
+    return "various gaps, too many to be listed one by one";
+}
+
 // A run of kadrs of one module.
 struct Gap {
     int32_t Module = 0;  // index of the opened module

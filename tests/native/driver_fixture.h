@@ -15,8 +15,8 @@
 #include "driver/lifecycle.h"
 #include "platform/portable/test_hooks.h"
 #include "simulator/control.h"
+#include "simulator/sequence.h"
 #include "standins/registry_hooks.h"
-#include "tests/sequence.h"
 
 namespace corvane {
 

@@ -11,7 +11,7 @@
 #include "base/rounding.h"
 #include "engine/rate.h"
 #include "engine/store_block.h"
-#include "tests/sequence.h"
+#include "simulator/sequence.h"
 
 namespace corvane {
 namespace {

@@ -1,7 +1,7 @@
 // Every vendor call fails in every way at every moment of a host's work, one fault in each cell. Whatever happens: each
 // kadr is what the module sent or is listed as a gap, nothing stays behind, and once the fault is over the next
 // recording is whole.
-#include "tests/kadr_check.h"
+#include "soak/kadr_check.h"
 #include "tests/native/driver_fixture.h"
 
 namespace corvane {

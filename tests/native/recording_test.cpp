@@ -212,7 +212,7 @@ TEST_F(RecordingTest, ShortReceivesArePaddedAndNeverShiftChannels) {
 }
 
 TEST_F(RecordingTest, TheStartMarkBeginsTheRecording) {
-    for (const int32_t first : {3, 64, 201}) {  // in the first block, just behind it, and later
+    for (const int32_t first : {3, 64, 201}) {  // in the first block, just after it, and later
         Open(SequenceCrate({3, 5}, "0", "start_marks = \"at once\"\nstart_mark_kadr = " + std::to_string(first)),
              {0, 16}, 1000);
         if (first == 3) AddFault("call = \"LTR27_Recv\"\nslot = 5\ntimes = 1\nstall = true");  // one comes later

@@ -15,8 +15,8 @@
 
 #include "recorder/command_line.h"
 #include "simulator/control.h"
+#include "simulator/sequence.h"
 #include "tests/recorder/test_console.h"
-#include "tests/sequence.h"
 
 namespace corvane::recorder {
 namespace {

@@ -2,7 +2,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/sequence.h"
+#include "simulator/sequence.h"
 #include "tests/windows/com_host.h"
 
 namespace corvane::test {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "simulator/control.h"
-#include "tests/sequence.h"
+#include "simulator/sequence.h"
 #include "tests/windows/com_host.h"
 
 namespace corvane::test {
