@@ -13,7 +13,8 @@
 namespace corvane {
 
 // Between two gaps a module's numbers count up without a hole. Over a gap they may go on by as many kadrs as the gap
-// has, because what came then may have been dropped. A listed kadr never shows the number that is due.
+// has, because what came then may have been dropped. A listed kadr never shows the number that is due; where the due
+// samples are 0, it may, because 0 also stands for what wasn't measured.
 class KadrCheck {
 public:
     // The recorded channels. Each module's must contain an even one below 14; the last position holds no mezzanine.
@@ -82,7 +83,8 @@ private:
         if (listed != Measured) {
             Listed++;
             module.GapKadrs++;
-            const bool due = module.Next > 0 && Shows(module, kadr, module.Next);
+            const bool zero = std::ranges::all_of(module.Columns, [&](size_t column) { return kadr[column] == 0; });
+            const bool due = module.Next > 0 && !zero && Shows(module, kadr, module.Next);
             if (due && listed == NotMeasured) Report(index, kadr, at, "needless");
             return;
         }
