@@ -35,7 +35,7 @@ public:
                 const int64_t from = std::clamp<int64_t>(gap.First - first, 0, count);
                 const int64_t to = std::clamp<int64_t>(gap.First + gap.Kadrs - first, from, count);
                 const bool some = gap.Reason == GapReason::Various;
-                std::fill(listed.begin() + from, listed.begin() + to, some ? MayBeMeasured : NotMeasured);
+                std::fill_n(listed.data() + from, to - from, some ? MayBeMeasured : NotMeasured);
             }
             for (int64_t k = 0; k < count && !Modules_[m].Columns.empty(); k++) {
                 const int16_t* kadr = kadrs + k * static_cast<int64_t>(Table_.size());

@@ -84,9 +84,13 @@ protected:
 };
 
 // Of this process; a recording's thread must not outlive it.
+#ifdef _WIN32
+int Threads();
+#else
 inline auto Threads() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
 }
+#endif
 
 // Kadr number that an even channel's sample stands for, modulo 32768.
 inline int32_t KadrNumber(int16_t sample) {

@@ -40,6 +40,14 @@ const std::vector<std::string> Processing = {
     "size = 0\ntimes = 1",    "size = 17\ntimes = 2",  "size = 1023",
     "size = 4294967295",      "slot = 5\nvalue = nan", "unplug = true"};
 
+// Under Wine, where time can't be skipped, one cell of so many; the number has no divisor in common with the lists'
+// lengths.
+#ifdef _WIN32
+constexpr size_t Every = 11;
+#else
+constexpr size_t Every = 1;
+#endif
+
 std::vector<Cell> Cells() {
     std::vector<Cell> cells;
     const auto add = [&](Moment when, const char* crate, const std::string& call, int turns,
@@ -236,10 +244,12 @@ protected:
 };
 
 TEST_F(FaultMatrix, EveryCallFailsInEveryWayAtEveryMoment) {
-    const auto threads = Threads();
+    auto threads = Threads();
     const std::vector<Cell> cells = Cells();
+    size_t ran = 0;
     platform::SkipSleeps = true;
-    for (const Cell& cell : cells) {
+    for (size_t i = 0; i < cells.size(); i += Every, ran++) {
+        const Cell& cell = cells[i];
         SCOPED_TRACE(cell.Fault() + "\nmoment " + std::to_string(cell.When) + ", crate " + cell.Crate);
         Now = &cell;
         Configure(SequenceCrate({3, 5}, "0", cell.Crate));
@@ -252,10 +262,11 @@ TEST_F(FaultMatrix, EveryCallFailsInEveryWayAtEveryMoment) {
         Driver.reset();
         EXPECT_EQ(LtrSim_OpenConnections(), 0);
         EXPECT_EQ(LtrSim_Violations(), 0) << LtrSim_Message();
-        EXPECT_TRUE(Eventually([&] { return Threads() == threads; }));
+        if (i == 0) threads = std::max(threads, Threads());  // the platform's own, which come with the first use
+        EXPECT_TRUE(Eventually([&] { return Threads() <= threads; }));
         if (HasFailure()) return;  // the first cell is told whole
     }
-    std::printf("fault matrix: %zu cells\n", cells.size());
+    std::printf("fault matrix: %zu cells\n", ran);
 }
 
 }  // namespace
