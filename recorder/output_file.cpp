@@ -98,9 +98,15 @@ void OutputFile::WriteWhenLarge() {
 void OutputFile::Write() {
     const bool written = File_ ? std::fwrite(Buffer_.data(), 1, Buffer_.size(), File_.get()) == Buffer_.size()
                                : WriteText(stdout, Buffer_);
-    if (!written) ThrowFailure(Path_ + " can't be written on. See that there is room, and that nobody closes it");
+    if (!written) ThrowNotWritten();
     Written_ = Written_ || !Buffer_.empty();
     Buffer_.clear();
+}
+
+void OutputFile::WriteToDisk() {
+    Write();
+    // A device has no disk, and a pipe would wait for its reader.
+    if (!Part_.empty() && !Flush(File_.get())) ThrowNotWritten();
 }
 
 void OutputFile::Complete() {
@@ -112,6 +118,10 @@ void OutputFile::Complete() {
         ThrowFailure(fmt::format("{} can't be replaced. Everything is in {}: rename it", Path_, part));
     }
     if (std::fclose(File_.release()) != 0) ThrowFailure(Path_ + " can't be completed. Free some disk space");
+}
+
+void OutputFile::ThrowNotWritten() const {
+    ThrowFailure(Path_ + " can't be written on. See that there is room, and that nobody closes it");
 }
 
 void OutputFile::ThrowFailure(const std::string& what) {

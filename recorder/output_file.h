@@ -27,6 +27,8 @@ public:
     // Writes the buffer once it is large enough to be worth a call.
     void WriteWhenLarge();
     void Write();
+    // Writes, and waits until what was written is on the disk.
+    void WriteToDisk();
     // Writes the rest and gives the file its name.
     void Complete();
 
@@ -39,6 +41,7 @@ private:
     void RefuseIrreplaceable() const;
     void OpenPart();
     void PutAside() const;
+    [[noreturn]] void ThrowNotWritten() const;
     [[noreturn]] static void ThrowFailure(const std::string& what);
 
     std::string Path_;    // as the user gave it

@@ -62,9 +62,10 @@ void RecordingFiles::Add(TakenKadrs kadrs) {
     CsvFile_.WriteWhenLarge();
 }
 
+// Where the disk is slow, the driver's ring waits: it holds a minute.
 void RecordingFiles::WriteWhenDue() {
     if (Clock::now() - LastWrite_ < WriteInterval) return;
-    CsvFile_.Write();
+    CsvFile_.WriteToDisk();
     LastWrite_ = Clock::now();
 }
 

@@ -18,12 +18,9 @@ constexpr size_t GapsShown = 10;
 // The times are those of the gap's first and last row.
 std::string GapLine(const RecordingTask& task, const Gap& gap) {
     const TimeColumn times(task.Rate);
-    std::string from, to;
-    times.Append(from, gap.First);
-    times.Append(to, gap.First + gap.Kadrs - 1);
     return fmt::format("not measured: module {}, slot {}, from {} to {}, {:.6g} s, {}", gap.Module,
-                       task.SlotOf(gap.Module), from, to, static_cast<double>(gap.Kadrs) / task.Rate,
-                       ReasonText(gap.Reason));
+                       task.SlotOf(gap.Module), times.Text(gap.First), times.Text(gap.First + gap.Kadrs - 1),
+                       static_cast<double>(gap.Kadrs) / task.Rate, ReasonText(gap.Reason));
 }
 
 std::string UnfittedLine(const Verdict& verdict) {

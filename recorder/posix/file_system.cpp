@@ -71,7 +71,7 @@ std::FILE* OpenAlone(const std::string& path, bool& taken) {
 }
 
 bool Flush(std::FILE* file) {
-    return fsync(fileno(file)) == 0 || errno == EINVAL;  // EINVAL: a file system or device that has nothing to flush
+    return fdatasync(fileno(file)) == 0 || errno == EINVAL;  // EINVAL: a file system or device that has nothing to flush
 }
 
 bool Move(const std::string& from, const std::string& to) {

@@ -1,4 +1,5 @@
 // The recorder's own rules: what it accepts on the command line, and what it writes.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -197,25 +198,32 @@ TEST(RecorderCommandLine, MoreGapsThanTheDriverListsAreNoSilence) {
     EXPECT_EQ(Said.find("sends nothing"), std::string::npos) << Said;
 }
 
-TEST(RecorderCsv, ValuesLieWithinATwentiethOfACode) {
-    // Scale, offset, decimals.
-    const std::tuple<double, double, size_t> cases[] = {
-        {1638.4, -1e-9, 5}, {131.072, 125, 4}, {-1638.4, 0, 5}, {1000, 0, 4}, {0.01, 5, 0}};
+TEST(RecorderCsv, EveryValueIsTheNearestOfItsDecimals) {
+    // Scale, offset, decimals: as many as show a tenth of a code.
+    const std::tuple<double, double, int> cases[] = {
+        {1638.4, -1e-9, 5},   {1638.4F, 0, 5},  {131.072, 125, 4},  {-1638.4, 0, 5}, {1000, 0, 4},
+        {0.01, 5, 0},         {16, 0, 3},       {-16, 1.0 / 32, 3}, {64, -0.5, 3},   {1, 0.25, 1},
+        {0.1, -0.5, 0},       {0.2, 0.5, 1},    {3.0F, 1e6, 2},     {3, 1e9, 2},     {1e-30, 0, 0},
+        {409.6F, -273.15, 4}, {1e11, 1e-7, 12}, {1e15, 1e-12, 12},  {7e8F, -3, 10},  {1.0 / 3, 2.0 / 3, 1}};
+    Numbers samples;
+    for (int sample = INT16_MIN; sample <= INT16_MAX; sample++) samples.push_back(static_cast<int16_t>(sample));
     for (const auto& [scale, offset, decimals] : cases) {
         CsvWriter csv({{0, "a", "", "V", scale, offset}}, 1000);
-        std::string rows;
-        Numbers samples;
-        for (int sample = -16384; sample <= 16383; sample++) samples.push_back(static_cast<int16_t>(sample));
+        std::string rows, expected;
         csv.AppendRows(rows, {samples, {}});
-        std::istringstream lines(rows);
-        std::string line;
-        for (const int16_t sample : samples) {
-            ASSERT_TRUE(std::getline(lines, line));
-            const std::string value = line.substr(line.find(',') + 1);
-            ASSERT_NEAR((std::stod(value) - offset) * scale, sample, 0.0501) << line;
-            const size_t point = value.find('.');
-            ASSERT_EQ(point == std::string::npos ? 0 : value.size() - point - 1, decimals) << line;
-            ASSERT_FALSE(value.starts_with('-') && std::stod(value) == 0) << line;
+        for (size_t row = 0; row < samples.size(); row++) {
+            double value = samples[row] / scale + offset;
+            if (std::abs(value) < 0.5 * std::pow(10.0, -decimals)) value = 0;  // never "-0.000"
+            expected += fmt::format("{:.3f},{:.{}f}\n", static_cast<double>(row) / 1000, value, decimals);
+        }
+        ASSERT_TRUE(rows == expected) << scale << ' ' << offset;
+    }
+    for (const double rate : {1000.0, 1000.0 / 3, 4.0, 37.5, 999999.0}) {
+        const int64_t period = std::llround(1e6 / rate);
+        for (int64_t kadr = 0; kadr < (int64_t{1} << 45) / period; kadr += 1 + kadr / 7) {
+            const int64_t time = kadr * period;
+            const std::string text = fmt::format("{}.{:06}", time / 1000000, time % 1000000);
+            ASSERT_EQ(TimeColumn(rate).Text(kadr), text.substr(0, text.size() - (period % 1000 == 0 ? 3 : 0)));
         }
     }
 }
