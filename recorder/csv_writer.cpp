@@ -68,6 +68,30 @@ void CsvWriter::AppendHeader(std::string& text, std::span<const std::string> rem
     text += '\n';
 }
 
+void CsvWriter::AppendRow(std::string& text, int64_t kadr, std::span<const double> samples) const {
+    char* end = Times_.Write(Row_.data(), kadr);
+    for (size_t channel = 0; channel < Channels_.size(); channel++) {
+        *end++ = Style_.Separator;
+        if (std::isnan(samples[channel])) continue;
+        end = Numbers_[channel].Write(end, Channels_[channel].Physical(samples[channel]));
+    }
+    *end++ = '\n';
+    text.append(Row_.data(), end);
+}
+
+int64_t CsvWriter::RowLengthMax() const {
+    char text[FixedPoint::LengthMax];
+    ptrdiff_t length = TimeColumn::LengthMax;
+    for (size_t channel = 0; channel < Channels_.size(); channel++) {
+        ptrdiff_t longest = 0;
+        for (const int sample : {INT16_MIN, INT16_MAX}) {
+            longest = std::max(longest, Numbers_[channel].Write(text, Channels_[channel].Physical(sample)) - text);
+        }
+        length += longest + 2;  // a separator and a sign
+    }
+    return length;
+}
+
 void CsvWriter::AppendRows(std::string& text, const TakenKadrs& kadrs) {
     const size_t count = Channels_.size();
     for (size_t kadr = 0; (kadr + 1) * count <= kadrs.Samples.size(); kadr++) {

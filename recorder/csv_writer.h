@@ -53,14 +53,19 @@ public:
     // exact one; the cell of a sample that was not measured stays empty.
     void AppendRows(std::string& text, const TakenKadrs& kadrs);
 
+    // Appends a row of means or extremes of samples, a NaN where nothing was measured, at the time of a kadr.
+    void AppendRow(std::string& text, int64_t kadr, std::span<const double> samples) const;
+    // No row is longer, in bytes.
+    int64_t RowLengthMax() const;
+
 private:
     std::vector<Channel> Channels_;
     CsvStyle Style_;
     std::vector<uint8_t> MissingBits_;  // of each channel
     std::vector<FixedPoint> Numbers_;   // of each channel
     TimeColumn Times_;
-    int64_t Kadr_;           // of the next row
-    std::vector<char> Row_;  // room for the longest
+    int64_t Kadr_;                   // of the next row
+    mutable std::vector<char> Row_;  // room for the longest
 };
 
 }  // namespace corvane::recorder
