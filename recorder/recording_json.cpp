@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -41,7 +42,7 @@ Json ModulesJson(const Recording& recording) {
         const ModuleSummary& module = recording.Device.Modules[i];
         modules.push_back({{"module", i},
                            {"name", OrNull(module.Name)},
-                           {"slot", OrNull(module.Slot)},
+                           {"slot", module.Slot.empty() ? Json() : Json(std::atoi(module.Slot.c_str()))},
                            {"serial", OrNull(module.Serial)},
                            {"firmware", OrNull(module.Firmware)}});
     }
@@ -135,9 +136,11 @@ DeviceSummary DeviceIn(const Json& json) {
     device.CrateSerial = TextIn(json.at("crate"), "serial");
     device.CratePort = TextIn(json.at("crate"), "port");
     for (const Json& module : json.at("modules")) {
-        device.Modules.push_back(
-            {TextIn(module, "name"), TextIn(module, "slot"), TextIn(module, "serial"), TextIn(module, "firmware")});
+        const bool known = !module.at("slot").is_null();
+        device.Modules.push_back({TextIn(module, "name"), known ? std::to_string(CountIn(module, "slot", SlotMax)) : "",
+                                  TextIn(module, "serial"), TextIn(module, "firmware")});
     }
+    Require(device.Modules.size() <= ModulesMax, "modules: too many");
     device.StartMark = TextIn(json, "start_mark");
     for (const Json& library : json.at("libraries")) {
         device.Libraries.push_back({TextIn(library, "name"), TextIn(library, "version"), TextIn(library, "file"),
@@ -154,9 +157,11 @@ RecordingTask TaskIn(const Json& json, int64_t channels) {
     Require(static_cast<int64_t>(task.Channels.size()) == channels, "channels: not as many as the array has columns");
     const Json& wanted = json.at("kadrs_wanted");
     task.WantedKadrs = wanted.is_null() ? UntilInterrupted : CountIn(json, "kadrs_wanted", UntilInterrupted);
-    for (const Json& module : json.at("recorded_modules")) {
-        task.Modules.push_back({static_cast<int32_t>(CountIn(module, "module", ModulesMax - 1)),
-                                static_cast<int>(CountIn(module, "slot", SlotMax))});
+    for (const Channel& channel : task.Channels) {
+        const int32_t index = channel.Number / ModuleChannels;
+        if (!task.Modules.empty() && task.Modules.back().Index == index) continue;
+        const Json& slot = json.at("modules").at(static_cast<size_t>(index)).at("slot");
+        task.Modules.push_back({index, slot.is_null() ? 0 : slot.get<int>()});
     }
     return task;
 }
@@ -197,9 +202,6 @@ Verdict VerdictIn(const Json& json, const Recording& recording, int64_t kadrs) {
 std::string DescriptionText(const Recording& recording, const Verdict& verdict, int64_t kadrs) {
     const RecordingTask& task = recording.Task;
     const DeviceSummary& device = recording.Device;
-    Json recorded = Json::array();
-    for (const RecordedModule& module : task.Modules)
-        recorded.push_back({{"module", module.Index}, {"slot", module.Slot}});
     const Json text = {{"format", FormatVersion},
                        {"recorder", CORVANE_VERSION},
                        {"start", recording.Start},
@@ -218,7 +220,6 @@ std::string DescriptionText(const Recording& recording, const Verdict& verdict, 
                          {"serial", OrNull(device.CrateSerial)},
                          {"port", OrNull(device.CratePort)}}},
                        {"modules", ModulesJson(recording)},
-                       {"recorded_modules", std::move(recorded)},
                        {"start_mark", OrNull(device.StartMark)},
                        {"libraries", LibrariesJson(recording)},
                        {"note", OrNull(recording.Note)},

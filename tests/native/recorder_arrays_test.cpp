@@ -26,6 +26,7 @@ protected:
         std::filesystem::create_directory(Folder);
         Described.Task.Channels = {{0, "a", "", "V", 10, 0}, {17, "b", "", "", -1, 0.5}};
         Described.Task.Modules = {{0, 3}, {1, 5}};
+        Described.Device.Modules = {{"", "3", "", ""}, {"", "5", "", ""}};
         Described.Task.Rate = 1000;
         Described.Task.WantedKadrs = 9;
         Said.clear();
@@ -142,6 +143,8 @@ TEST_F(RecorderArrays, AreTakenForWhatTheyAreOrRefused) {
         {"\"number\": 17", "\"number\": 1.5", "number"},
         {"\"scale\": -1.0", "\"scale\": 0.0", "scale"},
         {"\"scale\": -1.0", "\"scale\": 1e-320", "scale"},
+        {"\"slot\": 5", "\"slot\": 100", "slot"},
+        {"\"slot\": 5", "\"slot\": -5", "slot"},
         {"\"kadrs\": 9", "\"kadrs\": 8", "kadrs"},
         {"\"first_kadr\": 0", "\"first_kadr\": 9223372036854775807", "first_kadr"},
         {"\"first_kadr\": 3", "\"first_kadr\": -3", "first_kadr"},
