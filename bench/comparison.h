@@ -27,6 +27,7 @@ struct Comparison {
 };
 
 std::vector<Comparison> KernelComparisons();
+std::vector<Comparison> CsvComparisons();
 std::vector<Comparison> RingComparisons();
 Comparison TwoCoreComparison();
 

@@ -71,6 +71,7 @@ private:
 int Run() {
     std::vector<Comparison> rows = KernelComparisons();
     for (Comparison& row : RingComparisons()) rows.push_back(std::move(row));
+    for (Comparison& row : CsvComparisons()) rows.push_back(std::move(row));
     for (size_t i = 0; i < rows.size(); i++) {
         Register(DriverName(i), rows[i].Driver, rows[i].BeforeEach);
         Register(AlternativeName(i), rows[i].Alternative, rows[i].BeforeEach);

@@ -18,7 +18,7 @@ struct Channel {
     double Offset = 0;  // unit value of sample 0
 
     bool Fitted() const { return Name != "Empty"; }
-    double Physical(int16_t sample) const { return sample / Scale + Offset; }
+    double Physical(double sample) const { return sample / Scale + Offset; }
 };
 
 // All channels of the device. A scale of 0 or infinity makes no values; such a channel is given in samples,

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "recorder/console.h"
+#include "recorder/convert_command.h"
 #include "recorder/host_device.h"
 #include "recorder/list_command.h"
 #include "recorder/open_device.h"
@@ -18,6 +19,7 @@ ExitCode Run(const Options& options) {
         WriteText(stdout, options.Text);
         return ExitCode::Success;
     }
+    if (options.Action == Command::Convert) return Convert(options);
     HostDevice device;
     OpenDevice(options, device);
     if (options.Action == Command::Settings) {

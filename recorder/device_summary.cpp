@@ -20,7 +20,11 @@ std::string Described(std::string_view description, std::string_view label) {
         }
         description.remove_prefix(std::min(end + 2, description.size()));
     }
-    return "?";
+    return "";
+}
+
+const char* OrUnknown(const std::string& text) {
+    return text.empty() ? "?" : text.c_str();
 }
 
 std::string LibraryText(const Library& library) {
@@ -38,24 +42,43 @@ bool Common(char32_t character) {
 
 }  // namespace
 
+bool DeviceSummary::Simulated() const {
+    return std::ranges::any_of(Libraries, &Library::Simulated);
+}
+
+std::string DeviceSummary::Device() const {
+    return Name + (Simulated() ? " (SIMULATED)" : "");
+}
+
+std::vector<std::string> DeviceSummary::Lines() const {
+    std::vector<std::string> lines = {
+        fmt::format("Server: {}", OrUnknown(Server)),
+        fmt::format("Crate: {}, serial {}, {}", OrUnknown(CrateName), OrUnknown(CrateSerial), OrUnknown(CratePort))};
+    for (const ModuleSummary& module : Modules) {
+        lines.push_back(fmt::format("Module: {}, slot {}, serial {}, firmware {}", OrUnknown(module.Name),
+                                    OrUnknown(module.Slot), OrUnknown(module.Serial), OrUnknown(module.Firmware)));
+    }
+    if (!StartMark.empty()) lines.push_back("START mark: " + StartMark);
+    for (const Library& library : Libraries) lines.push_back("Library: " + LibraryText(library));
+    return lines;
+}
+
 DeviceSummary SummaryOf(const HostDevice& device) {
-    const std::vector<Library> libraries = device.Libraries();
-    const bool simulated = std::ranges::any_of(libraries, &Library::Simulated);
-    DeviceSummary summary{device.ADCName() + (simulated ? " (SIMULATED)" : ""), {}};
-    std::vector<std::string>& lines = summary.Lines;
+    DeviceSummary summary;
+    summary.Name = device.ADCName();
     const std::string crate = device.CrateInfo();
-    lines.push_back("Server: " + Described(crate, "Crate IP"));
-    lines.push_back(fmt::format("Crate: {}, serial {}, {}", Described(crate, "Crate"), Described(crate, "Crate SN"),
-                                Described(crate, "Crate Port")));
+    summary.Server = Described(crate, "Crate IP");
+    summary.CrateName = Described(crate, "Crate");
+    summary.CrateSerial = Described(crate, "Crate SN");
+    summary.CratePort = Described(crate, "Crate Port");
     for (int16_t i = 0; i < device.ModulesCount(); i++) {
         const std::string module = device.ModuleInfo(i);
-        lines.push_back(fmt::format("Module: {}, slot {}, serial {}, firmware {}", Described(module, "Board"),
-                                    Described(module, "Crate Slot"), Described(module, "Board SN"),
-                                    Described(module, "Firmware")));
+        summary.Modules.push_back({Described(module, "Board"), Described(module, "Crate Slot"),
+                                   Described(module, "Board SN"), Described(module, "Firmware")});
     }
     const auto mode = static_cast<size_t>(device.StartMarkMode());
-    if (mode < dlgSetup::MarkModes.size()) lines.push_back(fmt::format("START mark: {}", dlgSetup::MarkModes[mode]));
-    for (const Library& library : libraries) lines.push_back("Library: " + LibraryText(library));
+    if (mode < dlgSetup::MarkModes.size()) summary.StartMark = dlgSetup::MarkModes[mode];
+    summary.Libraries = device.Libraries();
     return summary;
 }
 

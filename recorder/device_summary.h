@@ -10,9 +10,27 @@
 
 namespace corvane::recorder {
 
+// Of a module, as the driver describes it. Empty: unknown, here and below.
+struct ModuleSummary {
+    std::string Name;
+    std::string Slot;
+    std::string Serial;
+    std::string Firmware;
+};
+
 struct DeviceSummary {
-    std::string Device;              // its name, with SIMULATED where the vendor libraries are no real ones
-    std::vector<std::string> Lines;  // server, crate, modules, START mark, driver and libraries, each "What: ..."
+    std::string Name;
+    std::string Server;
+    std::string CrateName;
+    std::string CrateSerial;
+    std::string CratePort;
+    std::vector<ModuleSummary> Modules;
+    std::string StartMark;           // the mode, in words
+    std::vector<Library> Libraries;  // the driver, then the vendor's
+
+    bool Simulated() const;
+    std::string Device() const;              // its name, with SIMULATED where the vendor libraries are no real ones
+    std::vector<std::string> Lines() const;  // server, crate, modules, START mark, driver and libraries, "What: ..."
 };
 
 // Of an opened device.

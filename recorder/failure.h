@@ -15,6 +15,7 @@ enum class ExitCode : int {
     StartFailed = 4,
     Output = 5,
     Incomplete = 6,
+    Input = 7,
     Interrupted = 130,
 };
 

@@ -2,6 +2,7 @@
 // UTF-8. win32/ or posix/ is linked in.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
 
@@ -19,14 +20,21 @@ bool SameFile(const std::string& one, const std::string& other);
 
 // For writing at its start, without the library's own buffer. Null: see SystemErrorText.
 std::FILE* OpenForWriting(const std::string& path);
+// For reading a file, in the same way. Others may write it meanwhile, rename or delete it.
+std::FILE* OpenForReading(const std::string& path);
 // The same for a file, which is created where there is none and keeps what is in it. No other recorder can open it
 // until it is closed, and when this program ends in whatever way, the system closes it; everybody may read it. Null
 // with `taken` set: another recorder has it.
 std::FILE* OpenAlone(const std::string& path, bool& taken);
 
+// Where the next bytes are written or read, counted from the file's start.
+bool SeekTo(std::FILE* file, int64_t position);
+// Bytes of the file; -1: unknown.
+int64_t LengthOf(std::FILE* file);
 // Everything that was written is on the disk afterwards.
 bool Flush(std::FILE* file);
-// Renames a file, also one that this program has open. MoveOver replaces a file of the new name.
+// Renames a file, also one that this program has open. MoveOver replaces a file of the new name,
+// and lets that reach the disk before anything that is written later.
 bool Move(const std::string& from, const std::string& to);
 bool MoveOver(const std::string& from, const std::string& to);
 bool Remove(const std::string& path);

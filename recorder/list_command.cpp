@@ -52,10 +52,10 @@ std::string ListDevice(HostDevice& device) {
         }
     }
     const DeviceSummary summary = SummaryOf(device);
-    std::string text = fmt::format("{}: {}, {} bits, up to {:.6g} Hz, now set to {:.6g} Hz\n", summary.Device,
+    std::string text = fmt::format("{}: {}, {} bits, up to {:.6g} Hz, now set to {:.6g} Hz\n", summary.Device(),
                                    Counted(static_cast<int64_t>(channels.size()), "channel"), device.Resolution(),
                                    device.RateMax(), device.Rate());
-    for (const std::string& line : summary.Lines) text += line + '\n';
+    for (const std::string& line : summary.Lines()) text += line + '\n';
     text += '\n';
     for (const Row& row : rows) AppendRow(text, row, widths);
     if (const std::string advice = UnitsAdvice(channels); !advice.empty()) text += '\n' + advice + '\n';

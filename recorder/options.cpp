@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <set>
@@ -12,7 +13,9 @@
 #include <string_view>
 
 #include "recorder/failure.h"
+#include "recorder/npy_file.h"
 #include "recorder/output_file.h"
+#include "recorder/recording_task.h"
 
 namespace corvane::recorder {
 namespace {
@@ -20,9 +23,15 @@ namespace {
 constexpr const char* Version = "ltr27rec " CORVANE_VERSION;
 constexpr double DurationMax = 10000 * 3600.0;  // s; over a year of recording is a typing mistake
 
+constexpr int64_t KadrsMax = 36000000000;  // as many as come in that time
+constexpr int64_t EveryMax = 1000000000;   // kadrs
+constexpr int64_t SplitBytesMin = 1000;
+
 constexpr const char* Footer = R"(Examples:
   ltr27rec list
   ltr27rec record -o run.csv
+  ltr27rec record -d 8h --split 1h -o run.npy
+  ltr27rec convert run-003.npy --from 10m --to 11m --every 100 --minmax -o minute.csv
   ltr27rec record --channels 0-15,17 --rate 500 --duration 2m -o run.csv --plot run.svg
   ltr27rec record --crate 3T123456 -c all -d 1h30m -o - | gzip > run.csv.gz
   ltr27rec settings
@@ -36,6 +45,7 @@ Exit codes:
   5    a file could not be written
   6    not every kadr was measured, in order, and written: the end of the CSV file lists
        what was not measured, and every other reason for doubt
+  7    a recording to convert can't be read, or its files contradict each other
   130  ended by Ctrl+C; what was recorded until then is kept)";
 
 template <class... Arguments>
@@ -83,7 +93,14 @@ double ParseRate(const std::string& text) {
 struct RawOptions {
     std::string Channels = "fitted";
     std::string Rate;
-    std::string Duration = "10s";
+    std::string Duration;
+    std::string Samples;
+    std::string Split;
+    std::string Csv = "plain";
+    std::string From;
+    std::string To;
+    bool Means = false;
+    bool MinMax = false;
     std::string StallTimeout = "60s";
 };
 
@@ -93,6 +110,14 @@ void AddDeviceChoice(CLI::App* command, Options& options) {
     command->add_flag("--dialogs", options.Dialogs, "Let the driver ask in windows of its own (Windows only)");
 }
 
+void AddText(CLI::App* command, RawOptions& raw, Options& options) {
+    command->add_option("--csv", raw.Csv,
+                        "plain; excel: as Excel reads it with decimal points; excel-ru: with decimal commas");
+    command->add_flag("--keep-filled", options.KeepFilled,
+                      "Where nothing was measured, write what the driver filled in, in place of empty cells");
+    command->add_flag("-q,--quiet", options.Quiet, "No progress, no summary; warnings and errors only");
+}
+
 CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
     CLI::App* record = app.add_subcommand("record", "Record channels to a CSV file");
     record
@@ -100,21 +125,114 @@ CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
                      "Channels: 0-15,17 or fitted or all; given again, it adds to them (default: fitted)")
         ->multi_option_policy(CLI::MultiOptionPolicy::Join);
     record->add_option("-r,--rate", raw.Rate, "Kadrs per second, in Hz (default: what the driver is set to)");
-    record->add_option("-d,--duration", raw.Duration, "500ms, 10s, 2m, 1h30m or plain seconds (default: 10s)");
+    CLI::Option* duration = record->add_option("-d,--duration", raw.Duration,
+                                               "500ms, 10s, 2m, 1h30m or plain seconds (default: until Ctrl+C)");
+    record->add_option("-n,--samples", raw.Samples, "In place of a duration: samples of each channel, that is, kadrs")
+        ->excludes(duration);
     record
         ->add_option("-o,--output", options.OutputPath,
-                     "CSV file to write; it replaces an existing one when it is complete. -: standard output")
+                     "File to write; it replaces an existing one when it is complete. NAME.npy: a NumPy array, with "
+                     "NAME.json beside it; any other name: CSV; -: CSV to standard output")
         ->required();
+    record->add_option("--split", raw.Split,
+                       "Begin a new file, NAME-002 and so on, after a time (1h) or before a size (1GB)");
     record->add_option("-p,--plot", options.PlotPath, "SVG picture of the recording to write");
     record->add_option("--stall-timeout", raw.StallTimeout,
                        "End the recording when nothing is measured for so long; 0: wait till Ctrl+C (default: 60s)");
-    record->add_flag("--keep-filled", options.KeepFilled,
-                     "Where nothing was measured, write what the driver filled in, in place of empty cells");
-    record->add_flag("-q,--quiet", options.Quiet, "No progress, no summary; warnings and errors only");
+    AddText(record, raw, options);
     return record;
 }
 
+CLI::App* AddConvert(CLI::App& app, RawOptions& raw, Options& options) {
+    CLI::App* convert = app.add_subcommand("convert", "Turn a recording in a NumPy array into CSV");
+    convert->add_option("input", options.InputPath, "NAME.npy; NAME.json must lie beside it")->required();
+    convert
+        ->add_option("-o,--output", options.OutputPath,
+                     "CSV file to write; it replaces an existing one when it is complete. -: standard output")
+        ->required();
+    convert->add_option("--from", raw.From, "Leave out what was recorded before this time: 90s, 1h30m");
+    convert->add_option("--to", raw.To, "Leave out what was recorded from this time on");
+    convert->add_option("--every", options.Every, "One row for so many kadrs, with the values of the first of them")
+        ->check(CLI::Range(int64_t{1}, EveryMax));
+    CLI::Option* means = convert->add_flag("--means", raw.Means, "With --every: the means of what was measured");
+    convert->add_flag("--minmax", raw.MinMax, "With --every: the lowest and the highest value of what was measured")
+        ->excludes(means);
+    AddText(convert, raw, options);
+    return convert;
+}
+
+CsvStyle ParseCsvStyle(const std::string& text) {
+    if (text == "plain") return PlainCsv;
+    if (text == "excel") return ExcelCsv;
+    if (text == "excel-ru") return RussianExcelCsv;
+    ThrowUsage("--csv {}: give plain, excel or excel-ru.", text);
+}
+
+int64_t ParseSamples(const std::string& text) {
+    std::string_view rest = text;
+    const auto count = TakeNumber<int64_t>(rest);
+    if (!count || !rest.empty() || *count < 1 || *count > KadrsMax) {
+        ThrowUsage("--samples {}: give a whole number above 0.", text);
+    }
+    return *count;
+}
+
+bool EndsWithJson(const std::string& path) {
+    std::string end = path.size() < 5 ? "" : path.substr(path.size() - 5);
+    std::ranges::transform(end, end.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return end == ".json";
+}
+
+void UnderstandRecord(RawOptions& raw, Options& options) {
+    options.Action = Command::Record;
+    std::ranges::replace(raw.Channels, '\n', ',');  // between the values of several -c
+    options.Channels = ParseChannelList(raw.Channels);
+    if (!raw.Rate.empty()) options.Rate = ParseRate(raw.Rate);
+    options.Kadrs = raw.Samples.empty() ? UntilInterrupted : ParseSamples(raw.Samples);
+    if (!raw.Duration.empty()) options.Duration = ParseDuration(raw.Duration);
+    if (options.Duration && *options.Duration <= 0) ThrowUsage("--duration {}: must be above 0.", raw.Duration);
+    options.StallTimeout = ParseDuration(raw.StallTimeout);
+    options.Csv = ParseCsvStyle(raw.Csv);
+    const bool npy = IsNpy(options.OutputPath);
+    if (npy && raw.Csv != "plain") ThrowUsage("--csv is for text: {} becomes an array.", options.OutputPath);
+    if (!raw.Split.empty()) options.Split = ParseSplit(raw.Split);
+    if (options.Split && options.OutputPath == StandardOutput) ThrowUsage("--split needs files: give a name with -o.");
+    if (options.PlotPath == StandardOutput) ThrowUsage("--plot needs a file: only the CSV can go to standard output.");
+    if (npy && EndsWithJson(options.PlotPath)) {
+        ThrowUsage("--plot {}: a .json file beside the array says what is in it. Name the picture .svg.",
+                   options.PlotPath);
+    }
+}
+
+void UnderstandConvert(const RawOptions& raw, Options& options) {
+    options.Action = Command::Convert;
+    options.Csv = ParseCsvStyle(raw.Csv);
+    if (!raw.From.empty()) options.From = ParseDuration(raw.From);
+    if (!raw.To.empty()) options.To = ParseDuration(raw.To);
+    if (options.To && *options.To <= options.From) ThrowUsage("--to {}: must be later than --from.", raw.To);
+    if (IsNpy(options.OutputPath)) ThrowUsage("{}: convert writes CSV.", options.OutputPath);
+    if ((raw.Means || raw.MinMax) && options.Every == 1) ThrowUsage("--means and --minmax need --every N.");
+    options.ThinBy = raw.Means ? Thinning::Means : raw.MinMax ? Thinning::MinMax : Thinning::First;
+}
+
 }  // namespace
+
+SplitChoice ParseSplit(const std::string& text) {
+    static constexpr std::pair<std::string_view, double> Units[] = {
+        {"kB", 1e3}, {"MB", 1e6}, {"GB", 1e9}, {"TB", 1e12}};
+    std::string_view rest = text;
+    const auto number = TakeNumber<double>(rest);
+    for (const auto& [unit, bytes] : Units) {
+        if (!number || rest != unit) continue;
+        const double size = *number * bytes;
+        if (size >= SplitBytesMin && size <= 1e18) return {0, static_cast<int64_t>(size)};
+        ThrowUsage("--split {}: give a size of 1 kB or more.", text);
+    }
+    if (rest.ends_with('B')) ThrowUsage("--split {}: sizes are in kB, MB, GB or TB.", text);
+    const SplitChoice choice = {ParseDuration(text), 0};
+    if (choice.Seconds <= 0) ThrowUsage("--split {}: must be above 0.", text);
+    return choice;
+}
 
 ChannelChoice ParseChannelList(const std::string& text) {
     ChannelChoice choice;
@@ -167,12 +285,15 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     CLI::App* list = app.add_subcommand("list", "Show the device and its channels");
     CLI::App* settings = app.add_subcommand("settings", "Open the driver's setup dialog (Windows only)");
     CLI::App* record = AddRecord(app, raw, options);
-    const std::array commands = {list, settings, record};
-    for (CLI::App* command : commands) AddDeviceChoice(command, options);
+    for (CLI::App* command : {list, settings, record}) AddDeviceChoice(command, options);
+    CLI::App* convert = AddConvert(app, raw, options);
+    const std::array commands = {list, settings, record, convert};
     if (!arguments.empty() && !arguments.front().starts_with('-') &&
         std::ranges::none_of(commands, [&](const CLI::App* each) { return each->get_name() == arguments.front(); })) {
-        ThrowUsage("There is no command \"{}\": ltr27rec has list, record and settings. Run ltr27rec --help for help.",
-                   arguments.front());
+        ThrowUsage(
+            "There is no command \"{}\": ltr27rec has list, record, convert and settings. Run ltr27rec --help for "
+            "help.",
+            arguments.front());
     }
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // it takes them from the back
@@ -183,22 +304,14 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
         return options;
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty()) {
-            ThrowUsage("Give a command: ltr27rec list, record or settings. Run ltr27rec --help for help.");
+            ThrowUsage("Give a command: ltr27rec list, record, convert or settings. Run ltr27rec --help for help.");
         }
         ThrowUsage("{}\nRun ltr27rec --help for help.", error.what());
     }
-    if (!record->parsed()) {
-        options.Action = settings->parsed() ? Command::Settings : Command::List;
-        return options;
-    }
-    options.Action = Command::Record;
-    std::ranges::replace(raw.Channels, '\n', ',');  // between the values of several -c
-    options.Channels = ParseChannelList(raw.Channels);
-    if (!raw.Rate.empty()) options.Rate = ParseRate(raw.Rate);
-    options.Duration = ParseDuration(raw.Duration);
-    if (options.Duration <= 0) ThrowUsage("--duration {}: must be above 0.", raw.Duration);
-    options.StallTimeout = ParseDuration(raw.StallTimeout);
-    if (options.PlotPath == StandardOutput) ThrowUsage("--plot needs a file: only the CSV can go to standard output.");
+    if (record->parsed()) UnderstandRecord(raw, options);
+    if (convert->parsed()) UnderstandConvert(raw, options);
+    if (settings->parsed()) options.Action = Command::Settings;
+    if (list->parsed()) options.Action = Command::List;
     return options;
 }
 

@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "recorder/csv_writer.h"
+
 namespace corvane::recorder {
 
-enum class Command { Print, List, Record, Settings };
+enum class Command { Print, List, Record, Convert, Settings };
 
 // Channels of a device that is not known yet.
 struct ChannelChoice {
@@ -19,6 +21,17 @@ struct ChannelChoice {
 
     bool operator==(const ChannelChoice&) const = default;
 };
+
+// Where a recording is split into files: after so long, or before a file grows larger.
+struct SplitChoice {
+    double Seconds = 0;
+    int64_t Bytes = 0;  // 0: after so long
+
+    bool operator==(const SplitChoice&) const = default;
+};
+
+// What stands for a group of kadrs.
+enum class Thinning { First, Means, MinMax };
 
 struct Options {
     Command Action = Command::Print;
@@ -31,13 +44,25 @@ struct Options {
 
     // Record
     ChannelChoice Channels;
-    std::optional<double> Rate;  // Hz; none: what the driver has
-    double Duration = 0;         // s
-    double StallTimeout = 0;     // s; 0: no limit
-    std::string OutputPath;      // StandardOutput: that
-    std::string PlotPath;        // empty: no plot
-    bool KeepFilled = false;     // write what the driver filled in where nothing was measured
+    std::optional<double> Rate;      // Hz; none: what the driver has
+    int64_t Kadrs = 0;               // so many, or UntilInterrupted
+    std::optional<double> Duration;  // s; in place of Kadrs
+    std::optional<SplitChoice> Split;
+    double StallTimeout = 0;  // s; 0: no limit
+    std::string PlotPath;     // empty: no plot
+
+    // Record and Convert
+    std::string OutputPath;   // StandardOutput: that
+    CsvStyle Csv;             // of CSV text
+    bool KeepFilled = false;  // write what the driver filled in where nothing was measured
     bool Quiet = false;
+
+    // Convert
+    std::string InputPath;
+    double From = 0;           // s, of the first kadr
+    std::optional<double> To;  // s, behind the last kadr; none: all
+    int64_t Every = 1;         // kadrs that become one row
+    Thinning ThinBy = Thinning::First;
 };
 
 // `arguments` without the program's name. What can't be understood throws Failure with ExitCode::Usage.
@@ -48,5 +73,8 @@ ChannelChoice ParseChannelList(const std::string& text);
 
 // "500ms", "10s", "2m" or "2min", "1.5h", "1h30m" or plain seconds, to seconds. Throws as above.
 double ParseDuration(const std::string& text);
+
+// A time as above, or "500MB", "1GB". Throws as above.
+SplitChoice ParseSplit(const std::string& text);
 
 }  // namespace corvane::recorder

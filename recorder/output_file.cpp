@@ -19,13 +19,14 @@ bool Empty(std::FILE* file) {
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& path, const OutputFile* whileOpen)
-    : Path_(path == StandardOutput ? "Standard output" : path), Target_(FollowLinks(path)) {
+OutputFile::OutputFile(const std::string& path, const std::string& beside, const OutputFile* whileOpen)
+    : Path_(path == StandardOutput ? "Standard output" : path), Target_(FollowLinks(path)), Beside_(beside) {
     Buffer_.reserve(2 * LargeBuffer);
     if (path == StandardOutput) return;
     if (whileOpen != nullptr) RefuseSameFile(*whileOpen);
     if (KindOf(Target_) != FileKind::Device) {
-        RefuseIrreplaceable();
+        RefuseIrreplaceable(Target_);
+        if (!Beside_.empty()) RefuseIrreplaceable(Beside_);
         OpenPart();
         return;
     }
@@ -36,11 +37,16 @@ OutputFile::OutputFile(const std::string& path, const OutputFile* whileOpen)
 OutputFile::~OutputFile() {
     if (!File_ || Part_.empty()) return;
     File_.reset();
-    if (!Written_) {
+    if (BytesWritten_ == 0) {
         Remove(Part_);
         return;
     }
     WriteText(stderr, fmt::format("What was written until then is in {}.\n", Part_));
+}
+
+void OutputFile::RefuseDevice() const {
+    if (!Part_.empty()) return;
+    throw Failure(ExitCode::Output, fmt::format("{} is a device or a pipe: this recording needs a file.", Path_));
 }
 
 void OutputFile::RefuseSameFile(const OutputFile& other) const {
@@ -50,13 +56,14 @@ void OutputFile::RefuseSameFile(const OutputFile& other) const {
                   fmt::format("--output {} and --plot {} are one file: give them different ones.", other.Path_, Path_));
 }
 
-void OutputFile::RefuseIrreplaceable() const {
-    const FileKind kind = KindOf(Target_);
+void OutputFile::RefuseIrreplaceable(const std::string& target) const {
+    const FileKind kind = KindOf(target);
+    const std::string& name = target == Target_ ? Path_ : target;
     if (kind == FileKind::Folder) {
-        throw Failure(ExitCode::Output, fmt::format("{} is a folder. Give the name of a file in it.", Path_));
+        throw Failure(ExitCode::Output, fmt::format("{} is a folder. Give the name of a file in it.", name));
     }
-    if (kind == FileKind::File && !MayReplace(Target_)) {
-        ThrowFailure(fmt::format("{} can't be replaced: it is write-protected or open in another program", Path_));
+    if (kind == FileKind::File && !MayReplace(target)) {
+        ThrowFailure(fmt::format("{} can't be replaced: it is write-protected or open in another program", name));
     }
 }
 
@@ -82,8 +89,10 @@ void OutputFile::OpenPart() {
 void OutputFile::PutAside() const {
     for (int number = 1; number <= LeftoversMax; number++) {
         const std::string name = fmt::format("{}.{}", Part_, number);
-        if (KindOf(name) != FileKind::None) continue;
+        const std::string beside = fmt::format("{}.{}", BesidePart(), number);
+        if (KindOf(name) != FileKind::None || (!Beside_.empty() && KindOf(beside) != FileKind::None)) continue;
         if (!Move(Part_, name)) break;
+        if (!Beside_.empty() && KindOf(BesidePart()) != FileKind::None && !Move(BesidePart(), beside)) break;
         WriteText(stderr, fmt::format("A recording of {} was ended by force; what there is of it is now in {}.\n",
                                       Path_, name));
         return;
@@ -98,9 +107,21 @@ void OutputFile::WriteWhenLarge() {
 void OutputFile::Write() {
     const bool written = File_ ? std::fwrite(Buffer_.data(), 1, Buffer_.size(), File_.get()) == Buffer_.size()
                                : WriteText(stdout, Buffer_);
-    if (!written) ThrowFailure(Path_ + " can't be written on. See that there is room, and that nobody closes it");
-    Written_ = Written_ || !Buffer_.empty();
+    if (!written) ThrowNotWritten(Path_);
+    BytesWritten_ += static_cast<int64_t>(Buffer_.size());
     Buffer_.clear();
+}
+
+void OutputFile::WriteToDisk() {
+    Write();
+    // A device has no disk, and a pipe would wait for its reader.
+    if (!Part_.empty() && !Flush(File_.get())) ThrowNotWritten(Path_);
+}
+
+void OutputFile::Overwrite(const std::string& start) {
+    const bool written =
+        SeekTo(File_.get(), 0) && std::fwrite(start.data(), 1, start.size(), File_.get()) == start.size();
+    if (!written || !SeekTo(File_.get(), BytesWritten_)) ThrowNotWritten(Path_);
 }
 
 void OutputFile::Complete() {
@@ -111,12 +132,32 @@ void OutputFile::Complete() {
     if (!part.empty() && !MoveOver(part, Target_)) {
         ThrowFailure(fmt::format("{} can't be replaced. Everything is in {}: rename it", Path_, part));
     }
+    if (!Beside_.empty() && !MoveOver(BesidePart(), Beside_)) {
+        ThrowFailure(fmt::format("{} can't be replaced. Everything is in {}: rename it", Beside_, BesidePart()));
+    }
     if (std::fclose(File_.release()) != 0) ThrowFailure(Path_ + " can't be completed. Free some disk space");
+}
+
+void OutputFile::ThrowNotWritten(const std::string& path) {
+    ThrowFailure(path + " can't be written on. See that there is room, and that nobody closes it");
 }
 
 void OutputFile::ThrowFailure(const std::string& what) {
     const std::string reason = SystemErrorText();
     throw Failure(ExitCode::Output, fmt::format("{} ({}).", what, reason));
+}
+
+bool ReplaceFile(const std::string& path, std::string_view text) {
+    const std::string fresh = path + ".new";
+    Remove(fresh);
+    bool taken = false;
+    std::FILE* file = OpenAlone(fresh, taken);
+    if (file == nullptr) return false;
+    const bool replaced =
+        std::fwrite(text.data(), 1, text.size(), file) == text.size() && Flush(file) && MoveOver(fresh, path);
+    std::fclose(file);
+    if (!replaced) Remove(fresh);
+    return replaced;
 }
 
 }  // namespace corvane::recorder

@@ -4,24 +4,31 @@
 #include <algorithm>
 
 #include "recorder/console.h"
+#include "recorder/recording_task.h"
 
 namespace corvane::recorder {
 
-std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, int32_t unreadKadrs, bool bar) {
+std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, std::optional<int32_t> unreadKadrs,
+                         bool bar) {
     constexpr int64_t BarWidth = 20;
     std::string line;
-    if (bar) {
-        const int64_t done = kadrs * BarWidth / wantedKadrs;
-        line = fmt::format("[{:<{}}] ", std::string(static_cast<size_t>(done), '#'), BarWidth);
+    if (wantedKadrs == UntilInterrupted) {
+        line = fmt::format("{} kadrs", kadrs);
+    } else {
+        if (bar) {
+            const int64_t done = kadrs * BarWidth / wantedKadrs;
+            line = fmt::format("[{:<{}}] ", std::string(static_cast<size_t>(done), '#'), BarWidth);
+        }
+        line += fmt::format("{:3} %  {} of {} kadrs", kadrs * 100 / wantedKadrs, kadrs, wantedKadrs);
     }
-    return line + fmt::format("{:3} %  {} of {} kadrs  {:.1f} s  {} unread", kadrs * 100 / wantedKadrs, kadrs,
-                              wantedKadrs, seconds, unreadKadrs);
+    line += fmt::format("  {:.1f} s", seconds);
+    return unreadKadrs ? fmt::format("{}  {} unread", line, *unreadKadrs) : line;
 }
 
 Progress::Progress(int64_t wantedKadrs, bool quiet)
     : WantedKadrs_(wantedKadrs), Quiet_(quiet), Terminal_(IsTerminal(stderr)), NextShow_(Start_ + Interval()) {}
 
-void Progress::Show(int64_t kadrs, int32_t unreadKadrs) {
+void Progress::Show(int64_t kadrs, std::optional<int32_t> unreadKadrs) {
     const Clock::time_point now = Clock::now();
     if (Quiet_ || now < NextShow_) return;
     NextShow_ = now + Interval();

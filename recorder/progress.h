@@ -4,12 +4,15 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace corvane::recorder {
 
-// Percent and counts as one line; fewer than 80 characters for recordings of up to 10^8 kadrs.
-std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, int32_t unreadKadrs, bool bar);
+// Percent and counts as one line, without percent when they are wanted until the user interrupts; fewer than 80
+// characters for recordings of up to 10^8 kadrs.
+std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, std::optional<int32_t> unreadKadrs,
+                         bool bar);
 
 class Progress {
 public:
@@ -19,7 +22,7 @@ public:
     Progress& operator=(const Progress&) = delete;
 
     // Draws the line when the last time is long enough ago. `unreadKadrs` are those that wait in the driver's ring.
-    void Show(int64_t kadrs, int32_t unreadKadrs);
+    void Show(int64_t kadrs, std::optional<int32_t> unreadKadrs = std::nullopt);
     // A line that stays. Silent when quiet.
     void Note(const std::string& text);
     // A line that stays, quiet or not.

@@ -27,18 +27,19 @@ void Start(HostDevice& device) {
 ExitCode Record(const Options& options, HostDevice& device) {
     const RecordingTask task = PrepareTask(options, device);
     const DeviceSummary summary = SummaryOf(device);
-    RecordingFiles files(options, task, summary);
+    RecordedGaps gaps;
     DataCheck check(task);
+    RecordingFiles files(options, task, summary, gaps, check);
     Progress progress(task.WantedKadrs, options.Quiet);
     TellDifferences(options, task, progress);
     if (const std::string advice = UnitsAdvice(task.Channels); !advice.empty()) progress.Warn(advice);
     Start(device);
     files.Begin();
-    const Verdict verdict = RecordingLoop(options.StallTimeout, device, task, files, check, progress).Run();
+    const Verdict verdict = RecordingLoop(options.StallTimeout, device, task, files, gaps, check, progress).Run();
     progress.EndLine();
     WarnOfVerdict(options, task, verdict, progress);
-    files.Finish(Remarks(task, verdict), verdict.Gaps);
-    WriteSummary(options, task, verdict);
+    files.Finish(verdict);
+    WriteSummary(options, files.Names(), task, verdict);
     return verdict.Code();
 }
 

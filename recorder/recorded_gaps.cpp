@@ -6,6 +6,16 @@
 
 namespace corvane::recorder {
 
+std::vector<Gap> GapsWithin(std::span<const Gap> gaps, int64_t from, int64_t to) {
+    std::vector<Gap> within;
+    for (const Gap& gap : gaps) {
+        const int64_t first = std::max(gap.First, from);
+        const int64_t last = std::min(gap.First + gap.Kadrs, to);
+        if (first < last) within.push_back({gap.Module, first, last - first, gap.Reason});
+    }
+    return within;
+}
+
 std::span<const uint8_t> RecordedGaps::Add(int64_t kadrs, std::span<const Gap> listed) {
     const int64_t end = Kadrs_ + kadrs;
     Missing_.assign(static_cast<size_t>(kadrs), NeverMeasured);

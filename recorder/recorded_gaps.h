@@ -11,10 +11,15 @@
 
 namespace corvane::recorder {
 
+// The parts of these gaps from one kadr to another, which is no longer in it.
+std::vector<Gap> GapsWithin(std::span<const Gap> gaps, int64_t from, int64_t to);
+
 class RecordedGaps {
 public:
     // So many gaps are kept one by one; each further one lengthens its module's last gap, with reason Various.
     static constexpr size_t KeptMax = 10000;
+
+    explicit RecordedGaps(int64_t firstKadr = 0) : Kadrs_(firstKadr) {}
 
     // `kadrs` have been taken, the next ones after those before; `listed` are all gaps that the driver names by now.
     // Returns what is missing in each of these kadrs, which stays valid until the next call.
@@ -28,7 +33,7 @@ public:
 private:
     void Keep(const Gap& gap);
 
-    int64_t Kadrs_ = 0;  // taken
+    int64_t Kadrs_;  // taken, and those before the first
     std::vector<uint8_t> Missing_;
     std::vector<Gap> Gaps_;
     std::vector<Gap> Newest_;  // those that reach the last kadr taken

@@ -1,8 +1,12 @@
 #include "recorder/recording_files.h"
 
 #include <fmt/format.h>
+#include <algorithm>
+#include <cmath>
 
 #include "base/utf8.h"
+#include "recorder/csv_file.h"
+#include "recorder/npy_file.h"
 #include "recorder/svg_plot.h"
 #include "recorder/words.h"
 
@@ -10,6 +14,14 @@ namespace corvane::recorder {
 namespace {
 
 constexpr auto WriteInterval = std::chrono::seconds(2);  // no more is lost when the power fails
+
+// "run.csv" to "run-002.csv".
+std::string PartName(const std::string& path, int part) {
+    const size_t name = path.find_last_of("/\\") + 1;  // 0 without a folder
+    const size_t dot = path.find_last_of('.');
+    const size_t place = dot == std::string::npos || dot <= name ? path.size() : dot;
+    return fmt::format("{}-{:03}{}", path.substr(0, place), part, path.substr(place));
+}
 
 // The lines again, as few as have room below a plot.
 std::vector<std::string> Paragraph(const std::vector<std::string>& lines) {
@@ -27,63 +39,104 @@ std::vector<std::string> Paragraph(const std::vector<std::string>& lines) {
 
 }  // namespace
 
-RecordingFiles::RecordingFiles(const Options& options, const RecordingTask& task, const DeviceSummary& summary)
-    : KeepFilled_(options.KeepFilled),
-      Task_(task),
-      Summary_(summary),
-      Csv_(task.Channels, task.Rate),
-      CsvFile_(options.OutputPath),
+RecordingFiles::RecordingFiles(const Options& options, const RecordingTask& task, const DeviceSummary& summary,
+                               const RecordedGaps& gaps, const DataCheck& check)
+    : Options_(options),
+      Gaps_(gaps),
+      Check_(check),
+      Recording_{summary, task, "", UnitsAdvice(task.Channels), options.Split ? 1 : 0, 0},
+      File_(Open(Recording_.Part)),
       Envelope_(MissingBits(task.Channels)) {
-    if (!options.PlotPath.empty()) PlotFile_.emplace(options.PlotPath, &CsvFile_);
+    if (!options.PlotPath.empty()) PlotFile_.emplace(options.PlotPath, "", &File_->File());
+}
+
+std::unique_ptr<DataFile> RecordingFiles::Open(int part) const {
+    const std::string path = part == 0 ? Options_.OutputPath : PartName(Options_.OutputPath, part);
+    if (IsNpy(path)) return std::make_unique<NpyFile>(path);
+    return std::make_unique<CsvFile>(path, Options_.Csv);
 }
 
 void RecordingFiles::Begin() {
-    StartTime_ = std::chrono::system_clock::now();
-    Csv_.AppendHeader(CsvFile_.Buffer(), Head());
-    CsvFile_.Write();
+    Recording_.Start = Iso8601(std::chrono::system_clock::now());
+    File_->Begin(Recording_);
     LastWrite_ = Clock::now();
-}
-
-std::vector<std::string> RecordingFiles::Head() const {
-    std::vector<std::string> head = {"Device: " + Summary_.Device};
-    head.insert(head.end(), Summary_.Lines.begin(), Summary_.Lines.end());
-    head.push_back("Start: " + Iso8601(StartTime_));
-    head.push_back(fmt::format("Rate: {:.6g} Hz", Task_.Rate));
-    head.push_back(fmt::format("Channels: {}", Task_.Channels.size()));
-    head.push_back(fmt::format("Kadrs wanted: {}", Task_.WantedKadrs));
-    if (const std::string advice = UnitsAdvice(Task_.Channels); !advice.empty()) head.push_back("Note: " + advice);
-    return head;
 }
 
 void RecordingFiles::Add(TakenKadrs kadrs) {
-    if (KeepFilled_) kadrs.Missing = {};
-    Csv_.AppendRows(CsvFile_.Buffer(), kadrs);
+    if (Options_.KeepFilled) kadrs.Missing = {};
     Envelope_.Add(kadrs);
-    CsvFile_.WriteWhenLarge();
+    const size_t channels = Recording_.Task.Channels.size();
+    const size_t count = kadrs.Samples.size() / channels;
+    for (size_t first = 0; first < count;) {
+        const auto fitting = static_cast<size_t>(std::min<int64_t>(Room(), static_cast<int64_t>(count - first)));
+        if (fitting == 0) {
+            NextPart();
+            continue;
+        }
+        File_->Add(kadrs.Part(first, fitting, channels));
+        Kadrs_ += static_cast<int64_t>(fitting);
+        first += fitting;
+    }
 }
 
+// Kadrs that the present file still takes; at least one comes into each.
+int64_t RecordingFiles::Room() const {
+    if (!Options_.Split) return INT64_MAX;
+    const int64_t inFile = Kadrs_ - Recording_.FirstKadr;
+    const int64_t room = Options_.Split->Bytes > 0
+                             ? File_->Room(Options_.Split->Bytes)
+                             : std::llround(Options_.Split->Seconds * Recording_.Task.Rate) - inFile;
+    return std::max<int64_t>(room, inFile == 0 ? 1 : 0);
+}
+
+void RecordingFiles::NextPart() {
+    std::unique_ptr<DataFile> next = Open(Recording_.Part + 1);
+    Verdict verdict = OfThisFile(VerdictSoFar(End::Continued));
+    verdict.Reason = next->File().Path();
+    File_->Finish(verdict);
+    File_ = std::move(next);
+    Recording_.Part++;
+    Recording_.FirstKadr = Kadrs_;
+    File_->Begin(Recording_);
+}
+
+// Where the disk is slow, the driver's ring waits: it holds a minute.
 void RecordingFiles::WriteWhenDue() {
     if (Clock::now() - LastWrite_ < WriteInterval) return;
-    CsvFile_.Write();
+    File_->Flush(OfThisFile(VerdictSoFar(End::Unknown)));
     LastWrite_ = Clock::now();
 }
 
-void RecordingFiles::Finish(const std::vector<std::string>& remarks, std::span<const Gap> gaps) {
-    for (const std::string& remark : remarks) CsvFile_.Buffer() += fmt::format("# {}\n", remark);
-    CsvFile_.Complete();
-    if (PlotFile_) WritePlot(gaps);
+void RecordingFiles::Finish(const Verdict& verdict) {
+    File_->Finish(OfThisFile(verdict));
+    if (PlotFile_) WritePlot(verdict.Gaps);
+}
+
+std::string RecordingFiles::Names() const {
+    if (Recording_.Part <= 1) return File_->File().Path();
+    return PartName(Options_.OutputPath, 1) + " to " + File_->File().Path();
+}
+
+Verdict RecordingFiles::VerdictSoFar(End end) const {
+    return {end, "", Kadrs_, Recording_.Task.WantedKadrs, Check_.Doubts(), Gaps_.Gaps(), Recording_.Task.Unfitted()};
+}
+
+// Without the gaps that lie in other files.
+Verdict RecordingFiles::OfThisFile(Verdict verdict) const {
+    verdict.Gaps = GapsWithin(verdict.Gaps, Recording_.FirstKadr, Kadrs_);
+    return verdict;
 }
 
 void RecordingFiles::WritePlot(std::span<const Gap> gaps) {
     const std::string details =
-        fmt::format("{}, {:.6g} Hz, {}", Iso8601(StartTime_), Task_.Rate, Counted(Envelope_.Kadrs(), "kadr"));
-    const std::vector<std::string> notes = Paragraph(Summary_.Lines);
-    PlotFile_->Buffer() = RenderPlot({.Title = Summary_.Device,
+        fmt::format("{}, {:.6g} Hz, {}", Recording_.Start, Recording_.Task.Rate, Counted(Envelope_.Kadrs(), "kadr"));
+    const std::vector<std::string> notes = Paragraph(Recording_.Device.Lines());
+    PlotFile_->Buffer() = RenderPlot({.Title = Recording_.Device.Device(),
                                       .Details = details,
-                                      .Rate = Task_.Rate,
-                                      .Channels = Task_.Channels,
+                                      .Rate = Recording_.Task.Rate,
+                                      .Channels = Recording_.Task.Channels,
                                       .Data = Envelope_,
-                                      .Modules = Task_.Modules,
+                                      .Modules = Recording_.Task.Modules,
                                       .Gaps = gaps,
                                       .Notes = notes});
     PlotFile_->Complete();

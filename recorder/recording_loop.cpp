@@ -18,11 +18,12 @@ constexpr double StallWarning = 10;  // s
 }  // namespace
 
 RecordingLoop::RecordingLoop(double stallTimeout, HostDevice& device, const RecordingTask& task, RecordingFiles& files,
-                             DataCheck& check, Progress& progress)
+                             RecordedGaps& gaps, DataCheck& check, Progress& progress)
     : StallTimeout_(stallTimeout),
       Device_(device),
       Task_(task),
       Files_(files),
+      Gaps_(gaps),
       Check_(check),
       Progress_(progress),
       Samples_(TakeKadrs * task.Channels.size()) {
@@ -36,9 +37,7 @@ Verdict RecordingLoop::Run() {
     while (Kadrs_ < Task_.WantedKadrs && Take()) {
     }
     if (Kadrs_ == Task_.WantedKadrs) end = End::Complete;
-    const auto unfitted =
-        std::ranges::count_if(Task_.Channels, [](const Channel& channel) { return !channel.Fitted(); });
-    return {end, reason, Kadrs_, Task_.WantedKadrs, Check_.Doubts(), Gaps_.Gaps(), static_cast<int>(unfitted)};
+    return {end, reason, Kadrs_, Task_.WantedKadrs, Check_.Doubts(), Gaps_.Gaps(), Task_.Unfitted()};
 }
 
 End RecordingLoop::TakeUntilEnd() {

@@ -23,7 +23,7 @@ class RecordingLoop {
 public:
     // `stallTimeout`: seconds without measured data after which it gives up; 0: never.
     RecordingLoop(double stallTimeout, HostDevice& device, const RecordingTask& task, RecordingFiles& files,
-                  DataCheck& check, Progress& progress);
+                  RecordedGaps& gaps, DataCheck& check, Progress& progress);
 
     // Takes kadrs until all are there, the user interrupts, or nothing is measured any more; then stops the recording
     // and takes what the driver still has.
@@ -44,10 +44,10 @@ private:
     HostDevice& Device_;
     const RecordingTask& Task_;
     RecordingFiles& Files_;
+    RecordedGaps& Gaps_;
     DataCheck& Check_;
     Progress& Progress_;
     std::vector<int16_t> Samples_;
-    RecordedGaps Gaps_;
     std::vector<SilenceWatch> Watches_;              // one for each recorded module
     int64_t Kadrs_ = 0;                              // taken
     Clock::time_point LastMeasured_ = Clock::now();  // or the start

@@ -63,13 +63,18 @@ int RecordingTask::SlotOf(int32_t module) const {
     return 0;
 }
 
+int RecordingTask::Unfitted() const {
+    return static_cast<int>(std::ranges::count_if(Channels, [](const Channel& channel) { return !channel.Fitted(); }));
+}
+
 RecordingTask PrepareTask(const Options& options, HostDevice& device) {
     RecordingTask task;
     task.Channels = SelectChannels(options, device);
     task.Modules = ModulesOf(task.Channels, device);
     if (options.Rate) device.SetRate(static_cast<float>(*options.Rate));
     task.Rate = static_cast<double>(device.Rate());
-    task.WantedKadrs = std::max<int64_t>(1, std::llround(options.Duration * task.Rate));
+    task.WantedKadrs = options.Kadrs;
+    if (options.Duration) task.WantedKadrs = std::max<int64_t>(1, std::llround(*options.Duration * task.Rate));
     return task;
 }
 

@@ -17,6 +17,8 @@ struct RecordedModule {
     int Slot = 0;       // in the crate; 0: unknown
 };
 
+constexpr int64_t UntilInterrupted = INT64_MAX;  // as a number of kadrs
+
 struct RecordingTask {
     std::vector<Channel> Channels;
     std::vector<RecordedModule> Modules;
@@ -24,6 +26,7 @@ struct RecordingTask {
     int64_t WantedKadrs = 0;
 
     int SlotOf(int32_t module) const;
+    int Unfitted() const;  // channels without a mezzanine, where nothing can be measured
 };
 
 // Gives the opened device the channels and the rate that the user asked for, and returns them as it took them. Throws

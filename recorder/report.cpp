@@ -6,6 +6,7 @@
 
 #include "recorder/console.h"
 #include "recorder/csv_writer.h"
+#include "recorder/npy_file.h"
 #include "recorder/output_file.h"
 #include "recorder/words.h"
 
@@ -18,12 +19,9 @@ constexpr size_t GapsShown = 10;
 // The times are those of the gap's first and last row.
 std::string GapLine(const RecordingTask& task, const Gap& gap) {
     const TimeColumn times(task.Rate);
-    std::string from, to;
-    times.Append(from, gap.First);
-    times.Append(to, gap.First + gap.Kadrs - 1);
     return fmt::format("not measured: module {}, slot {}, from {} to {}, {:.6g} s, {}", gap.Module,
-                       task.SlotOf(gap.Module), from, to, static_cast<double>(gap.Kadrs) / task.Rate,
-                       ReasonText(gap.Reason));
+                       task.SlotOf(gap.Module), times.Text(gap.First), times.Text(gap.First + gap.Kadrs - 1),
+                       static_cast<double>(gap.Kadrs) / task.Rate, ReasonText(gap.Reason));
 }
 
 std::string UnfittedLine(const Verdict& verdict) {
@@ -48,12 +46,11 @@ std::vector<std::string> GapTotals(const RecordingTask& task, const Verdict& ver
     return lines;
 }
 
-// Standard output belongs to the data when that goes there.
+}  // namespace
+
 std::FILE* MessageStream(const Options& options) {
     return options.OutputPath == StandardOutput ? stderr : stdout;
 }
-
-}  // namespace
 
 std::vector<std::string> Remarks(const RecordingTask& task, const Verdict& verdict) {
     std::vector<std::string> remarks;
@@ -74,18 +71,18 @@ void WarnOfVerdict(const Options& options, const RecordingTask& task, const Verd
     if (verdict.HowItEnded != End::Complete && options.Quiet) progress.Warn("Warning: " + verdict.Outcome());
 }
 
-void WriteSummary(const Options& options, const RecordingTask& task, const Verdict& verdict) {
+void WriteSummary(const Options& options, const std::string& files, const RecordingTask& task, const Verdict& verdict) {
     if (options.Quiet) return;
-    std::string text =
-        fmt::format("{}: {} of {} at {:.6g} Hz ({:.6g} s), {}\n", options.OutputPath, Counted(verdict.Kadrs, "kadr"),
-                    Counted(static_cast<int64_t>(task.Channels.size()), "channel"), task.Rate,
-                    static_cast<double>(verdict.Kadrs) / task.Rate, verdict.Outcome());
+    std::string text = fmt::format("{}: {} of {} at {:.6g} Hz ({:.6g} s), {}\n", files, Counted(verdict.Kadrs, "kadr"),
+                                   Counted(static_cast<int64_t>(task.Channels.size()), "channel"), task.Rate,
+                                   static_cast<double>(verdict.Kadrs) / task.Rate, verdict.Outcome());
     for (const Gap& gap : std::span(verdict.Gaps).first(std::min(GapsShown, verdict.Gaps.size()))) {
         text += fmt::format("  {}\n", GapLine(task, gap));
     }
     if (verdict.Gaps.size() > GapsShown) {
-        text += fmt::format("  and {}, listed at the end of the file\n",
-                            Counted(static_cast<int64_t>(verdict.Gaps.size() - GapsShown), "more gap"));
+        text += fmt::format("  and {}, listed {}\n",
+                            Counted(static_cast<int64_t>(verdict.Gaps.size() - GapsShown), "more gap"),
+                            IsNpy(options.OutputPath) ? "in the .json file" : "at the end of the file");
     }
     if (!options.PlotPath.empty()) text += options.PlotPath + ": plot\n";
     WriteText(MessageStream(options), text);

@@ -10,10 +10,17 @@
 namespace corvane::recorder {
 
 constexpr int ModuleChannels = 16;  // channel numbers of one module
+constexpr int ModulesMax = 2;
 
 struct TakenKadrs {
     std::span<const int16_t> Samples;  // whole kadrs, one after another
     std::span<const uint8_t> Missing;  // of each kadr, the bits of what was not measured; empty: all counts as measured
+
+    // `count` of them from `first` on; `channels`: samples of a kadr.
+    TakenKadrs Part(size_t first, size_t count, size_t channels) const {
+        return {Samples.subspan(first * channels, count * channels),
+                Missing.empty() ? Missing : Missing.subspan(first, count)};
+    }
 };
 
 // What is missing in a kadr is missing for all channels of one module, so each module has a bit.

@@ -2,13 +2,21 @@
 
 #include <fmt/format.h>
 
+#include "recorder/recording_task.h"
+#include "recorder/words.h"
+
 namespace corvane::recorder {
 
 std::string Verdict::Outcome() const {
-    const std::string count = fmt::format("{} of {} kadrs", Kadrs, WantedKadrs);
+    const std::string count =
+        WantedKadrs == UntilInterrupted ? Counted(Kadrs, "kadr") : fmt::format("{} of {} kadrs", Kadrs, WantedKadrs);
     if (HowItEnded == End::Complete) {
         if (!Measured()) return "all kadrs written, but not all measured";
         return Doubts.empty() ? "complete" : "complete, but doubtful";
+    }
+    if (HowItEnded == End::Continued) return "continued in " + Reason;
+    if (HowItEnded == End::Unknown) {
+        return fmt::format("incomplete: {}, the recording was still running, or was ended by force", count);
     }
     if (HowItEnded == End::Interrupted) return "interrupted: " + count;
     return fmt::format("incomplete: {}, {}", count, Reason);

@@ -10,13 +10,20 @@
 
 namespace corvane::recorder {
 
-enum class End { Complete, Interrupted, Stalled, Stopped };
+enum class End {
+    Complete,
+    Interrupted,
+    Stalled,
+    Stopped,
+    Continued,  // in another file, which Reason names
+    Unknown,    // not yet, or by force
+};
 
 struct Verdict {
     End HowItEnded = End::Complete;
-    std::string Reason;  // why data stopped coming: of Stalled and Stopped
-    int64_t Kadrs = 0;   // recorded
-    int64_t WantedKadrs = 0;
+    std::string Reason;               // why data stopped coming: of Stalled and Stopped
+    int64_t Kadrs = 0;                // recorded
+    int64_t WantedKadrs = 0;          // or UntilInterrupted
     std::vector<std::string> Doubts;  // a line for each reason to doubt the data
     std::vector<Gap> Gaps;            // what was not measured
     int Unfitted = 0;                 // recorded channels without a mezzanine, where nothing can be measured

@@ -51,6 +51,11 @@ std::FILE* OpenForWriting(const std::string& path) {
     return descriptor < 0 ? nullptr : Unbuffered(descriptor, "wb");
 }
 
+std::FILE* OpenForReading(const std::string& path) {
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    return descriptor < 0 ? nullptr : Unbuffered(descriptor, "rb");
+}
+
 std::FILE* OpenAlone(const std::string& path, bool& taken) {
     constexpr int Tries = 10;
     for (int i = 0; i < Tries; i++) {
@@ -70,8 +75,18 @@ std::FILE* OpenAlone(const std::string& path, bool& taken) {
     return nullptr;
 }
 
+bool SeekTo(std::FILE* file, int64_t position) {
+    return fseeko(file, position, SEEK_SET) == 0;
+}
+
+int64_t LengthOf(std::FILE* file) {
+    struct stat entry {};
+    return fstat(fileno(file), &entry) == 0 ? entry.st_size : -1;
+}
+
 bool Flush(std::FILE* file) {
-    return fsync(fileno(file)) == 0 || errno == EINVAL;  // EINVAL: a file system or device that has nothing to flush
+    return fdatasync(fileno(file)) == 0 ||
+           errno == EINVAL;  // EINVAL: a file system or device that has nothing to flush
 }
 
 bool Move(const std::string& from, const std::string& to) {
@@ -79,7 +94,14 @@ bool Move(const std::string& from, const std::string& to) {
 }
 
 bool MoveOver(const std::string& from, const std::string& to) {
-    return std::rename(from.c_str(), to.c_str()) == 0;
+    if (std::rename(from.c_str(), to.c_str()) != 0) return false;
+    const size_t slash = to.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : to.substr(0, slash + 1);
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return true;  // a folder that may not be listed
+    fsync(descriptor);                // some file systems can't, and do it in time
+    close(descriptor);
+    return true;
 }
 
 bool Remove(const std::string& path) {

@@ -78,11 +78,24 @@ std::FILE* OpenForWriting(const std::string& path) {
     return File(path, GENERIC_WRITE, ShareAll, OPEN_EXISTING).Release("wb");
 }
 
+std::FILE* OpenForReading(const std::string& path) {
+    return File(path, GENERIC_READ, ShareAll, OPEN_EXISTING).Release("rb");
+}
+
 // To be moved while it is open, it must be shared for deletion.
 std::FILE* OpenAlone(const std::string& path, bool& taken) {
     File file(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, OPEN_ALWAYS);
     taken = !file.Opened() && GetLastError() == ERROR_SHARING_VIOLATION;
     return file.Release("r+b");
+}
+
+// The library's own functions for large files are newer than Windows XP. It has no buffer that they would have to know.
+bool SeekTo(std::FILE* file, int64_t position) {
+    return _lseeki64(_fileno(file), position, SEEK_SET) == position;
+}
+
+int64_t LengthOf(std::FILE* file) {
+    return _filelengthi64(_fileno(file));
 }
 
 bool Flush(std::FILE* file) {
@@ -95,7 +108,7 @@ bool Move(const std::string& from, const std::string& to) {
 }
 
 bool MoveOver(const std::string& from, const std::string& to) {
-    return Rename(from, to, MOVEFILE_REPLACE_EXISTING);
+    return Rename(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
 
 bool Remove(const std::string& path) {

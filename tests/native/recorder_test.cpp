@@ -1,4 +1,5 @@
 // The recorder's own rules: what it accepts on the command line, and what it writes.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -41,14 +42,42 @@ TEST(RecorderOptions, ListsAndTimesAreUnderstoodOrRefused) {
     const std::pair<const char*, double> times[] = {{"500ms", 0.5}, {"10s", 10},    {"2m", 120},     {"2min", 120},
                                                     {"1.5h", 5400}, {"0.25", 0.25}, {"1h30m", 5400}, {"1m500ms", 60.5}};
     for (const auto& [text, seconds] : times) EXPECT_DOUBLE_EQ(ParseDuration(text), seconds) << text;
+    const std::pair<const char*, SplitChoice> splits[] = {
+        {"1h", {3600, 0}}, {"90", {90, 0}}, {"1kB", {0, 1000}}, {"1.5GB", {0, 1500000000}}};
+    for (const auto& [text, choice] : splits) EXPECT_EQ(ParseSplit(text), choice) << text;
+    for (const char* text : {"", "0s", "1B", "999B", "0.1kB", "1GiB", "-1GB", "1GB1", "nanGB", "1e10TB", "1h1MB"}) {
+        EXPECT_THROW(ParseSplit(text), Failure) << text;
+    }
     for (const char* text : {"", "s", "-1s", "1x", "1h30", "30 1h", "nan", "10001h", "1e999", "1,5h"}) {
         EXPECT_THROW(ParseDuration(text), Failure) << text;
     }
 }
 
 TEST(RecorderOptions, CommandLines) {
-    for (const char* line : {"", "reord", "record -o a -p -", "record", "record -o a -r 0", "record -o a -r 5kHz",
-                             "record -o a -d 0", "list -o a", "settings -o a", "settings list"}) {
+    for (const char* line : {"",
+                             "reord",
+                             "record -o a -p -",
+                             "record",
+                             "record -o a -r 0",
+                             "record -o a -r 5kHz",
+                             "record -o a -d 0",
+                             "list -o a",
+                             "settings -o a",
+                             "settings list",
+                             "record -o a -n 0",
+                             "record -o a -n 1x",
+                             "record -o a -n 5 -d 1s",
+                             "record -o a --csv de",
+                             "record -o a.npy --csv excel",
+                             "record -o a.NPY -p a.json",
+                             "record -o - --split 1h",
+                             "convert a.npy",
+                             "convert a.npy -o b.npy",
+                             "convert a.npy -o b --means",
+                             "convert a.npy -o b --every 0",
+                             "convert a.npy -o b --every 2 --means --minmax",
+                             "convert a.npy -o b --from 2s --to 2s",
+                             "convert a.npy -o b --server 1.2.3.4"}) {
         std::istringstream words(line);
         const std::vector<std::string> arguments(std::istream_iterator<std::string>(words), {});
         EXPECT_THROW(ParseCommandLine(arguments), Failure) << line;
@@ -58,7 +87,8 @@ TEST(RecorderOptions, CommandLines) {
     EXPECT_EQ(options.Channels, ChannelChoice({false, true, {4, 5}}));
     EXPECT_EQ(options.Rate, 250);
     EXPECT_EQ(options.OutputPath, "a b.csv");
-    EXPECT_EQ(options.Duration, 10);
+    EXPECT_FALSE(options.Duration);
+    EXPECT_EQ(options.Kadrs, UntilInterrupted);
     EXPECT_EQ(options.StallTimeout, 60);
     EXPECT_NE(ParseCommandLine({"--help"}).Text.find("\n  ltr27rec settings\n"), std::string::npos);
 }
@@ -88,6 +118,10 @@ TEST(RecorderCommandLine, ExitCodesAndWordsTellHowItEnded) {
          "# not measured: 1 of the channels, without mezzanine"},
         {"", "", " --interrupt", ExitCode::Interrupted, "interrupted: 0 of 200 kadrs\n",
          "# interrupted: 0 of 200 kadrs"},
+        {"", "", "record -c 1 -o " + csv + " --interrupt", ExitCode::Interrupted, ", interrupted: 0 kadrs\n",
+         "# interrupted: 0 kadrs"},
+        {"", "", "record -r 1000 -n 3 -c 1 -o " + csv, ExitCode::Success, ": 3 kadrs of 1 channel at", "0.002,"},
+        {"", "", "convert no.npy -o " + csv, ExitCode::Input, "no.npy can't be opened (", ""},
         {"", "call = 'LTR27_ADCStart'\nerror = -5", "", ExitCode::StartFailed, "could not be started. Error '-5'", ""},
         {"", "call = 'LTR_GetCrates'\nerror = -5", "", ExitCode::NoDevice, "ltr27rec: No ", ""},
         {"", "", "/no.csv", ExitCode::Output, "can't be created", ""},
@@ -113,9 +147,9 @@ TEST(RecorderCommandLine, ExitCodesAndWordsTellHowItEnded) {
         ASSERT_TRUE(*fault == '\0' || LtrSim_AddFault(fault) == 0) << LtrSim_Message();
         Said.clear();
         StandardOutputText.clear();
-        const bool interrupted = rest == " --interrupt";
+        const bool interrupted = rest.ends_with(" --interrupt");
         Interrupt = [=] { return interrupted; };
-        if (interrupted) rest.clear();
+        if (interrupted) rest.resize(rest.rfind(" --"));
         const bool records = rest.empty() || rest.find_first_of(" /") == 0;
         std::istringstream words(records ? "record -r 1000 -o " + csv + rest : rest);
         if (records && rest.find(" -d ") == std::string::npos) words.str(words.str() + " -d 200ms");
@@ -197,25 +231,32 @@ TEST(RecorderCommandLine, MoreGapsThanTheDriverListsAreNoSilence) {
     EXPECT_EQ(Said.find("sends nothing"), std::string::npos) << Said;
 }
 
-TEST(RecorderCsv, ValuesLieWithinATwentiethOfACode) {
-    // Scale, offset, decimals.
-    const std::tuple<double, double, size_t> cases[] = {
-        {1638.4, -1e-9, 5}, {131.072, 125, 4}, {-1638.4, 0, 5}, {1000, 0, 4}, {0.01, 5, 0}};
+TEST(RecorderCsv, EveryValueIsTheNearestOfItsDecimals) {
+    // Scale, offset, decimals: as many as show a tenth of a code.
+    const std::tuple<double, double, int> cases[] = {
+        {1638.4, -1e-9, 5},   {1638.4F, 0, 5},  {131.072, 125, 4},  {-1638.4, 0, 5}, {1000, 0, 4},
+        {0.01, 5, 0},         {16, 0, 3},       {-16, 1.0 / 32, 3}, {64, -0.5, 3},   {1, 0.25, 1},
+        {0.1, -0.5, 0},       {0.2, 0.5, 1},    {3.0F, 1e6, 2},     {3, 1e9, 2},     {1e-30, 0, 0},
+        {409.6F, -273.15, 4}, {1e11, 1e-7, 12}, {1e15, 1e-12, 12},  {7e8F, -3, 10},  {1.0 / 3, 2.0 / 3, 1}};
+    Numbers samples;
+    for (int sample = INT16_MIN; sample <= INT16_MAX; sample++) samples.push_back(static_cast<int16_t>(sample));
     for (const auto& [scale, offset, decimals] : cases) {
         CsvWriter csv({{0, "a", "", "V", scale, offset}}, 1000);
-        std::string rows;
-        Numbers samples;
-        for (int sample = -16384; sample <= 16383; sample++) samples.push_back(static_cast<int16_t>(sample));
+        std::string rows, expected;
         csv.AppendRows(rows, {samples, {}});
-        std::istringstream lines(rows);
-        std::string line;
-        for (const int16_t sample : samples) {
-            ASSERT_TRUE(std::getline(lines, line));
-            const std::string value = line.substr(line.find(',') + 1);
-            ASSERT_NEAR((std::stod(value) - offset) * scale, sample, 0.0501) << line;
-            const size_t point = value.find('.');
-            ASSERT_EQ(point == std::string::npos ? 0 : value.size() - point - 1, decimals) << line;
-            ASSERT_FALSE(value.starts_with('-') && std::stod(value) == 0) << line;
+        for (size_t row = 0; row < samples.size(); row++) {
+            double value = samples[row] / scale + offset;
+            if (std::abs(value) < 0.5 * std::pow(10.0, -decimals)) value = 0;  // never "-0.000"
+            expected += fmt::format("{:.3f},{:.{}f}\n", static_cast<double>(row) / 1000, value, decimals);
+        }
+        ASSERT_TRUE(rows == expected) << scale << ' ' << offset;
+    }
+    for (const double rate : {1000.0, 1000.0 / 3, 4.0, 37.5, 999999.0}) {
+        const int64_t period = std::llround(1e6 / rate);
+        for (int64_t kadr = 0; kadr < (int64_t{1} << 45) / period; kadr += 1 + kadr / 7) {
+            const int64_t time = kadr * period;
+            const std::string text = fmt::format("{}.{:06}", time / 1000000, time % 1000000);
+            ASSERT_EQ(TimeColumn(rate).Text(kadr), text.substr(0, text.size() - (period % 1000 == 0 ? 3 : 0)));
         }
     }
 }

@@ -148,13 +148,14 @@ std::vector<std::string> GapLines(const Expected& gaps, int rate) {
 
 class RecorderGaps : public testing::Test {
 protected:
-    ExitCode Record(const std::string& speed, const std::string& faults, int rate, int kadrs, bool keepFilled) {
+    ExitCode Record(const std::string& speed, const std::string& faults, int rate, int kadrs, bool keepFilled,
+                    const std::string& output = "") {
         const std::string scenario = SequenceCrate({Slots[0], Slots[1]}, speed, "start_mark_kadr = 0") + faults;
         EXPECT_EQ(LtrSim_Configure(scenario.c_str()), 0) << LtrSim_Message();
         Said.clear();
         StandardOutputText.clear();
-        std::istringstream line(fmt::format("record -r {} -d {}ms -o {}{}", rate, 1000 * kadrs / rate, Path,
-                                            keepFilled ? " --keep-filled" : ""));
+        std::istringstream line(fmt::format("record -r {} -d {}ms -o {}{}", rate, 1000 * kadrs / rate,
+                                            output.empty() ? Path : output, keepFilled ? " --keep-filled" : ""));
         const ExitCode code = RunCommandLine({std::istream_iterator<std::string>(line), {}});
         EXPECT_EQ(LtrSim_OpenConnections(), 0);
         return code;
@@ -201,6 +202,48 @@ TEST_F(RecorderGaps, ListExactlyWhatWasNotMeasured) {
                 for (size_t module = 0; module < Modules; module++) CheckRows(csv, gaps, module, keepFilled);
             }
         }
+    }
+}
+
+// The lines of a file that are the same each time.
+std::vector<std::string> Lines(const std::string& path) {
+    std::vector<std::string> lines;
+    std::string line;
+    for (std::ifstream file(path); std::getline(file, line);) {
+        if (!line.starts_with("# Start: ") && !line.starts_with("# doubtful")) lines.push_back(line);
+    }
+    return lines;
+}
+
+TEST_F(RecorderGaps, AreTheSameInTextInArraysAndInParts) {
+    constexpr int Rate = 100;
+    const Shape shape(Rate);
+    const std::string base = testing::TempDir() + "gaps_test", split = " --split 100ms";  // ten kadrs
+    bool keepFilled = false;
+    for (const Trouble& trouble : Troubles) {
+        keepFilled = !keepFilled;
+        SCOPED_TRACE(fmt::format("{}{}", trouble.Name, keepFilled ? ", filled" : ""));
+        for (const std::string& output : {Path, base + ".npy", Path + split, base + ".npy" + split}) {
+            const std::string faults = trouble.Faults(shape);
+            EXPECT_EQ(Record("0", faults, Rate, shape.Kadrs, keepFilled, output), ExitCode::Incomplete) << Said;
+        }
+        std::vector<std::string> rows;
+        for (const char* part : {"", "-001", "-002", "-003", "-004", "-005"}) {
+            std::vector<std::string> convert = {"convert", base + part + ".npy", "-o", base + ".converted"};
+            if (keepFilled) convert.emplace_back("--keep-filled");
+            ASSERT_EQ(RunCommandLine(convert), ExitCode::Success) << Said;
+            std::vector<std::string> recorded = Lines(base + part + ".csv"), converted = Lines(base + ".converted");
+            for (std::string& line : converted) {
+                if (line.starts_with("# continued in ")) line.replace(line.size() - 3, 3, "csv");
+            }
+            ASSERT_EQ(converted, recorded) << part;
+            std::erase_if(recorded, [](const std::string& line) { return line[0] < '0' || line[0] > '9'; });
+            EXPECT_EQ(recorded.size(), *part == '\0' ? size_t(shape.Kadrs) : *(part + 3) == '5' ? 4u : 10u);
+            if (*part != '\0') rows.insert(rows.end(), recorded.begin(), recorded.end());
+        }
+        std::vector<std::string> whole = Lines(Path);
+        std::erase_if(whole, [](const std::string& line) { return line[0] < '0' || line[0] > '9'; });
+        ASSERT_EQ(rows, whole);
     }
 }
 

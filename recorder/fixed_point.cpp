@@ -1,0 +1,99 @@
+#include "recorder/fixed_point.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+namespace corvane::recorder {
+namespace {
+
+constexpr double UnitsMax = 2147483647;  // what fits 32 bits takes the short way
+// So close to the middle between two units the product, wrong by at most 2^-22 units, can't tell which one is nearer.
+constexpr double TieMargin = 1.0 / (1 << 20);
+
+constexpr std::array<char, 200> MakePairs() {
+    std::array<char, 200> pairs{};
+    for (size_t i = 0; i < 100; i++) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}
+constexpr std::array<char, 200> Pairs = MakePairs();  // "00" to "99"
+
+// Every number below 1000 as text, without zeros before it, and the length of the text.
+struct Short {
+    char Text[3];
+    uint8_t Length;
+};
+constexpr std::array<Short, 1000> MakeShorts() {
+    std::array<Short, 1000> shorts{};
+    for (uint32_t i = 0; i < 1000; i++) {
+        const uint32_t digits[] = {i / 100, i / 10 % 10, i % 10};
+        const uint32_t zeros = i < 10 ? 2 : i < 100 ? 1 : 0;
+        for (uint32_t k = zeros; k < 3; k++) shorts[i].Text[k - zeros] = static_cast<char>('0' + digits[k]);
+        shorts[i].Length = static_cast<uint8_t>(3 - zeros);
+    }
+    return shorts;
+}
+constexpr std::array<Short, 1000> Shorts = MakeShorts();
+
+int DigitsOf(uint32_t number) {
+    int count = 1;
+    for (; number >= 100; number /= 100) count += 2;
+    return count + (number >= 10 ? 1 : 0);
+}
+
+}  // namespace
+
+char* WriteDigits(char* text, uint32_t number, int count) {
+    char* place = text + count;
+    for (; place - text > 1; place -= 2) {
+        const uint32_t upper = number / 100;
+        std::memcpy(place - 2, &Pairs[2 * size_t{number - upper * 100}], 2);
+        number = upper;
+    }
+    if (place > text) *text = static_cast<char>('0' + number);
+    return text + count;
+}
+
+char* WriteDigits(char* text, uint32_t number) {
+    if (number >= Shorts.size()) return WriteDigits(text, number, DigitsOf(number));
+    std::memcpy(text, Shorts[number].Text, sizeof Short::Text);
+    return text + Shorts[number].Length;
+}
+
+FixedPoint::FixedPoint(int decimals, char point)
+    : Decimals_(decimals), Point_(point), UnitsPerOne_(std::pow(10.0, decimals)) {}
+
+char* FixedPoint::Write(char* text, double value) const {
+    const double magnitude = std::abs(value);
+    const double exact = magnitude * UnitsPerOne_;
+    if (!(exact < UnitsMax)) return WriteExactly(text, value);
+    const auto below = static_cast<int32_t>(exact);
+    const double rest = exact - below;
+    if (std::abs(rest - 0.5) < TieMargin) return WriteExactly(text, value);
+    const int32_t units = below + (rest > 0.5 ? 1 : 0);
+    *text = '-';
+    text += value < 0 && units != 0 ? 1 : 0;
+    if (Decimals_ == 0) return WriteDigits(text, static_cast<uint32_t>(units));
+    // A product costs less than a division; rounding up can reach the next whole number.
+    auto whole = static_cast<int32_t>(magnitude);
+    auto decimals = static_cast<int32_t>(units - whole * UnitsPerOne_);
+    if (decimals >= UnitsPerOne_) whole++, decimals = 0;
+    text = WriteDigits(text, static_cast<uint32_t>(whole));
+    *text++ = Point_;
+    return WriteDigits(text, static_cast<uint32_t>(decimals), Decimals_);
+}
+
+char* FixedPoint::WriteExactly(char* text, double value) const {
+    if (std::abs(value) < 0.5 * std::pow(10.0, -Decimals_)) value = 0;
+    const auto [end, error] = std::to_chars(text, text + LengthMax, value, std::chars_format::fixed, Decimals_);
+    if (error != std::errc()) return text;
+    std::replace(text, end, '.', Point_);
+    return end;
+}
+
+}  // namespace corvane::recorder

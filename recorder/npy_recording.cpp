@@ -1,0 +1,77 @@
+#include "recorder/npy_recording.h"
+
+#include <fmt/format.h>
+#include <stdexcept>
+
+#include "recorder/failure.h"
+#include "recorder/file_system.h"
+#include "recorder/npy_file.h"
+#include "recorder/taken_kadrs.h"
+
+namespace corvane::recorder {
+namespace {
+
+constexpr size_t HeadSizeMax = 4096;                     // bytes
+constexpr int64_t DescriptionSizeMax = 2 * 1024 * 1024;  // bytes; with all gaps that a recording keeps it is shorter
+constexpr int64_t ChannelsMax = ModulesMax * ModuleChannels;
+
+}  // namespace
+
+NpyRecording::NpyRecording(const std::string& path) : Path_(path), File_(Open(path, "")) {
+    ReadHead();
+    ReadDescription();
+}
+
+NpyRecording::File NpyRecording::Open(const std::string& path, const std::string& advice) {
+    const FileKind kind = KindOf(path);
+    if (kind == FileKind::Folder || kind == FileKind::Device) Throw(path + " is no file.");
+    File file(OpenForReading(path));
+    if (!file) Throw(fmt::format("{} can't be opened ({}).{}", path, SystemErrorText(), advice));
+    return file;
+}
+
+void NpyRecording::ReadHead() {
+    std::string start(HeadSizeMax, '\0');
+    start.resize(std::fread(start.data(), 1, start.size(), File_.get()));
+    const std::optional<NpyShape> shape = ParseNpyHead(start);
+    if (!shape) Throw(Path_ + " is no NumPy array of recorded samples: two dimensions of <i2 are wanted.");
+    Shape_ = *shape;
+    if (Shape_.Channels < 1 || Shape_.Channels > ChannelsMax) {
+        Throw(fmt::format("{} has {} columns: a recording has 1 to {} channels.", Path_, Shape_.Channels, ChannelsMax));
+    }
+    const int64_t bytes = LengthOf(File_.get()) - static_cast<int64_t>(Shape_.HeadSize);
+    const int64_t whole = std::max<int64_t>(bytes, 0) / (static_cast<int64_t>(sizeof(int16_t)) * Shape_.Channels);
+    if (Shape_.Kadrs > whole) {
+        Throw(fmt::format("{} is cut off: its head counts {} kadrs, and {} are there.", Path_, Shape_.Kadrs, whole));
+    }
+}
+
+void NpyRecording::ReadDescription() {
+    const std::string path = DescriptionPath(Path_);
+    const File file = Open(path, " It belongs to the array, and says what its samples are.");
+    const int64_t length = LengthOf(file.get());
+    if (length < 0 || length > DescriptionSizeMax) Throw(path + " is too large for the description of a recording.");
+    std::string text(static_cast<size_t>(length), '\0');
+    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
+    try {
+        Description_ = ParseDescription(text, Shape_.Kadrs, Shape_.Channels);
+    } catch (const std::runtime_error& error) {
+        Throw(fmt::format("{} does not describe {}: {}.", path, Path_, error.what()));
+    }
+}
+
+void NpyRecording::Read(int64_t first, std::span<int16_t> samples) {
+    const int64_t place =
+        static_cast<int64_t>(Shape_.HeadSize) + first * Shape_.Channels * static_cast<int64_t>(sizeof(int16_t));
+    if (SeekTo(File_.get(), place) &&
+        std::fread(samples.data(), sizeof(int16_t), samples.size(), File_.get()) == samples.size()) {
+        return;
+    }
+    Throw(Path_ + " can't be read on.");
+}
+
+void NpyRecording::Throw(const std::string& what) {
+    throw Failure(ExitCode::Input, what);
+}
+
+}  // namespace corvane::recorder

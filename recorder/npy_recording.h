@@ -1,0 +1,43 @@
+// A recorded array and its description, read back. Both may come from anywhere and hold anything: what makes no sense
+// throws Failure with ExitCode::Input.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "recorder/npy_format.h"
+#include "recorder/recording_json.h"
+
+namespace corvane::recorder {
+
+class NpyRecording {
+public:
+    explicit NpyRecording(const std::string& path);
+
+    const recorder::Recording& Recording() const { return Description_.Recording; }
+    const recorder::Verdict& Verdict() const { return Description_.Verdict; }
+    int64_t Kadrs() const { return Shape_.Kadrs; }
+
+    // Reads kadrs from number `first` of this file on.
+    void Read(int64_t first, std::span<int16_t> samples);
+
+private:
+    struct Closer {
+        void operator()(std::FILE* file) const { std::fclose(file); }
+    };
+    using File = std::unique_ptr<std::FILE, Closer>;
+
+    static File Open(const std::string& path, const std::string& advice);
+    void ReadHead();
+    void ReadDescription();
+    [[noreturn]] static void Throw(const std::string& what);
+
+    std::string Path_;
+    File File_;
+    NpyShape Shape_;
+    Description Description_;
+};
+
+}  // namespace corvane::recorder
