@@ -10,7 +10,8 @@ DriverState& AttachObject();
 
 // One object less. The last one ends a recording, closes the device, saves the settings and frees the state. Works on
 // any thread, so that a host that releases an object on the wrong thread still closes the device. When a recording
-// thread never returns from the vendor library, the thread and the state that it works on remain.
+// thread does not return from the vendor library, the thread and the state that it works on remain; the next state that
+// is made after its return closes what it had open.
 void DetachObject(DriverState& state) noexcept;
 
 // Called when the calling thread ends. Its objects, if it has not released them, must not be used any more: their
