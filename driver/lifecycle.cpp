@@ -30,9 +30,10 @@ struct ThreadEntry {
 // All states; any thread may look one up. A thread's own state is found by the token that the thread keeps. No token is
 // used twice. The system's thread ids and the addresses of states are used again later: with these a new thread could
 // get the device of a dead one. The lock is held only briefly, and no call that needs the loader's lock is made
-// meanwhile: LeaveThread may be called while that lock is held.
-std::vector<ThreadEntry> ThreadEntries;
-platform::Mutex EntriesLock;
+// meanwhile: LeaveThread may be called while that lock is held. Neither is destroyed when the process ends: a recording
+// thread may still be in the vendor library, or may have been ended there by the system.
+std::vector<ThreadEntry>& ThreadEntries = *new std::vector<ThreadEntry>;
+platform::Mutex& EntriesLock = *new platform::Mutex;
 std::atomic<uintptr_t> LastToken = 0;
 
 // The calling thread's state; null: it has none. The lock must be held.
@@ -137,7 +138,8 @@ void LeaveThread() noexcept {
 
 void CloseWhatIsLeft() noexcept {
     for (ThreadEntry& entry : ThreadEntries) CloseModules(entry.State->Engine);
-    ThreadEntries.clear();
+    delete &ThreadEntries;
+    delete &EntriesLock;
 }
 
 }  // namespace corvane

@@ -19,7 +19,7 @@ void DetachObject(DriverState& state) noexcept;
 void LeaveThread() noexcept;
 
 // Called when the library is unloaded: closes the modules of all states that are left and frees the states. No
-// recording thread may be running.
+// recording thread may be running, and nothing here may be called afterwards.
 void CloseWhatIsLeft() noexcept;
 
 }  // namespace corvane

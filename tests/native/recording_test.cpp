@@ -293,6 +293,16 @@ TEST_F(RecordingTest, AThreadThatStaysAwayKeepsItsStateUntilItComesBack) {
     EXPECT_TRUE(Eventually([] { return DriverObject(), LtrSim_OpenConnections() == 0; })) << "closed by the next host";
 }
 
+TEST_F(RecordingTest, AProcessMayEndWhileItsRecordingHangs) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto hang = [this] {
+        Open(SequenceCrate({3}, "1.0"), {0}, 1000);
+        AddFault("call = \"LTR27_Recv\"\ndelay = 1e6");
+        if (Driver->StartRecord() && Eventually([] { return LtrSim_Calls("LTR27_Recv") > 0; })) std::exit(3);
+    };
+    EXPECT_EXIT(hang(), testing::ExitedWithCode(3), "");
+}
+
 #if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
 constexpr int64_t ManyKadrs = 1000000;
 #else
