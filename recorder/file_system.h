@@ -21,7 +21,8 @@ bool SameFile(const std::string& one, const std::string& other);
 std::FILE* OpenForWriting(const std::string& path);
 // The same for a file, which is created where there is none and keeps what is in it. No other recorder can open it
 // until it is closed, and when this program ends in whatever way, the system closes it; everybody may read it. Null
-// with `taken` set: another recorder has it.
+// with `taken` set: another recorder has it. Also null for a link, symbolic or another name of a file: what it leads to
+// is not what is to be written.
 std::FILE* OpenAlone(const std::string& path, bool& taken);
 
 // Everything that was written is on the disk afterwards.
