@@ -24,14 +24,16 @@ namespace {
 struct ThreadEntry {
     uintptr_t Token;  // the number that the host thread keeps; 0: the state belongs to no thread any more
     std::unique_ptr<DriverState> State;
+    bool Left = false;  // its last object is gone, and its recording thread was still in the vendor library
 };
 
 // All states; any thread may look one up. A thread's own state is found by the token that the thread keeps. No token is
 // used twice. The system's thread ids and the addresses of states are used again later: with these a new thread could
 // get the device of a dead one. The lock is held only briefly, and no call that needs the loader's lock is made
-// meanwhile: LeaveThread may be called while that lock is held.
-std::vector<ThreadEntry> ThreadEntries;
-platform::Mutex EntriesLock;
+// meanwhile: LeaveThread may be called while that lock is held. Neither is destroyed when the process ends: a recording
+// thread may still be in the vendor library, or may have been ended there by the system.
+std::vector<ThreadEntry>& ThreadEntries = *new std::vector<ThreadEntry>;
+platform::Mutex& EntriesLock = *new platform::Mutex;
 std::atomic<uintptr_t> LastToken = 0;
 
 // The calling thread's state; null: it has none. The lock must be held.
@@ -78,6 +80,18 @@ std::unique_ptr<DriverState> Remove(DriverState& state) {
     return removed;
 }
 
+// Removes a state that was left and whose recording thread has come back since; null: there is none.
+std::unique_ptr<DriverState> RemoveLeft() {
+    const std::lock_guard lock(EntriesLock);
+    const auto entry = std::find_if(ThreadEntries.begin(), ThreadEntries.end(), [](const ThreadEntry& each) {
+        return each.Left && !each.State->Engine.Thread.Running();
+    });
+    if (entry == ThreadEntries.end()) return nullptr;
+    std::unique_ptr<DriverState> removed = std::move(entry->State);
+    ThreadEntries.erase(entry);
+    return removed;
+}
+
 }  // namespace
 
 DriverState& AttachObject() {
@@ -88,12 +102,13 @@ DriverState& AttachObject() {
             return *state;
         }
     }
+    while (const std::unique_ptr<DriverState> left = RemoveLeft()) CloseModules(left->Engine);
     std::unique_ptr<DriverState> made = MakeState();
     made->Instances = 1;
     const uintptr_t token = ++LastToken;
     if (!platform::SetThreadToken(token)) throw std::bad_alloc();
     const std::lock_guard lock(EntriesLock);
-    ThreadEntries.push_back({token, std::move(made)});
+    ThreadEntries.push_back({token, std::move(made), false});
     return *ThreadEntries.back().State;
 }
 
@@ -106,8 +121,13 @@ void DetachObject(DriverState& state) noexcept {
     } catch (...) {
         // There is no object left that could report it.
     }
+    if (closed) {
+        Remove(state);
+        return;
+    }
     // A recording thread that has not ended may still use the state. Both then stay, and the library stays loaded.
-    if (closed) Remove(state);
+    const std::lock_guard lock(EntriesLock);
+    EntryOf(state)->Left = true;
 }
 
 void LeaveThread() noexcept {
@@ -118,7 +138,8 @@ void LeaveThread() noexcept {
 
 void CloseWhatIsLeft() noexcept {
     for (ThreadEntry& entry : ThreadEntries) CloseModules(entry.State->Engine);
-    ThreadEntries.clear();
+    delete &ThreadEntries;
+    delete &EntriesLock;
 }
 
 }  // namespace corvane

@@ -10,7 +10,8 @@ DriverState& AttachObject();
 
 // One object less. The last one ends a recording, closes the device, saves the settings and frees the state. Works on
 // any thread, so that a host that releases an object on the wrong thread still closes the device. When a recording
-// thread never returns from the vendor library, the thread and the state that it works on remain.
+// thread does not return from the vendor library, the thread and the state that it works on remain; the next state that
+// is made after its return closes what it had open.
 void DetachObject(DriverState& state) noexcept;
 
 // Called when the calling thread ends. Its objects, if it has not released them, must not be used any more: their
@@ -18,7 +19,7 @@ void DetachObject(DriverState& state) noexcept;
 void LeaveThread() noexcept;
 
 // Called when the library is unloaded: closes the modules of all states that are left and frees the states. No
-// recording thread may be running.
+// recording thread may be running, and nothing here may be called afterwards.
 void CloseWhatIsLeft() noexcept;
 
 }  // namespace corvane

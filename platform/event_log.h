@@ -1,6 +1,7 @@
 // A log for whoever looks for the cause of a problem. It is kept only where the user wants it: in the file Corvane.log
 // of the user's profile folder, or in the one that the environment variable CORVANE_LOG names, when that file exists.
-// When the log can't be written, or there is no memory for a line, the driver works on without it.
+// When the log can't be written, or there is no memory for a line, the driver works on without it. A link is no log: it
+// would let whoever may make links in the log's folder choose the file that is written to.
 #pragma once
 
 #include <cstdint>

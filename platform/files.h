@@ -15,7 +15,8 @@ std::string ReadFileStart(const std::string& path, size_t limit);
 
 // Makes these bytes the file's whole content; owner and protection stay. They are first written to a new file beside
 // it, so that after a failure (false) the old content is still there. Where no new file can take its place, they are
-// written into the file itself, and a failure may leave a part of them there.
+// written into the file itself, and a failure may leave a part of them there. Nothing is written through a link: a
+// symbolic link is replaced, and a file with further names keeps its content under these.
 bool ReplaceContent(const std::string& path, std::string_view bytes);
 
 // Name of the first ordinary file (no folder, not hidden, none of the system's) in `folder` whose name begins with

@@ -24,7 +24,8 @@ std::FILE* OpenForWriting(const std::string& path);
 std::FILE* OpenForReading(const std::string& path);
 // The same for a file, which is created where there is none and keeps what is in it. No other recorder can open it
 // until it is closed, and when this program ends in whatever way, the system closes it; everybody may read it. Null
-// with `taken` set: another recorder has it.
+// with `taken` set: another recorder has it. Also null for a link, symbolic or another name of a file: what it leads to
+// is not what is to be written.
 std::FILE* OpenAlone(const std::string& path, bool& taken);
 
 // Where the next bytes are written or read, counted from the file's start.

@@ -40,6 +40,7 @@ int32_t LTRSIM_CALL LtrSim_LastConfigWord(int32_t index);
 double LTRSIM_CALL LtrSim_ExpectedCode(int32_t slot, int32_t channel, int64_t kadr, double rate);
 
 // Adds one fault while running, in the TOML form of a [[fault]] table's body. Returns 0 or -1 as LtrSim_Configure.
+// Clearing the faults, as LtrSim_Configure does, also brings back the calls that a fault delays.
 int32_t LTRSIM_CALL LtrSim_AddFault(const char* tomlText);
 void LTRSIM_CALL LtrSim_ClearFaults();
 

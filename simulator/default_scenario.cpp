@@ -159,7 +159,7 @@ signal = [{ kind = "ramp", amplitude = 40, frequency = 0.01, offset = 60 },
 # after (so many matching calls pass first), at (seconds since the start), times (so many calls are affected; left out:
 # all). What they do, exactly one of:
 #   error = n       the call fails
-#   delay = s       it takes so many seconds longer
+#   delay = s       it takes so many seconds longer; clearing the faults ends that
 #   unplug = true   all later calls for the server, crate or slot fail, and its modules stop
 #   short = n       LTR27_Recv delivers n words at most
 #   excess = n      it claims n words more than it was asked for

@@ -47,11 +47,6 @@ Verdict VerdictOf(const Fault& fault) {
 
 }  // namespace
 
-void FaultList::Replace(const std::vector<Fault>& faults) {
-    Clear();
-    for (const Fault& fault : faults) Add(fault);
-}
-
 bool FaultList::Acts(Entry& entry, std::string_view call, const Target& target, double elapsed) {
     const Fault& fault = entry.Definition;
     if (!Aims(fault, target)) return false;

@@ -32,7 +32,6 @@ struct Verdict {
 // The faults in force. Not safe from several threads: the world's lock guards it.
 class FaultList {
 public:
-    void Replace(const std::vector<Fault>& faults);
     void Add(const Fault& fault) { Entries_.push_back({fault, 0, 0, false}); }
     void Clear() { Entries_.clear(); }
 

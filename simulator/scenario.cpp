@@ -14,7 +14,8 @@ namespace ltrsim {
 
 namespace {
 
-constexpr double Largest = 1e9;  // of every physical value: keeps all arithmetic finite
+constexpr double LongestDelay = 1e6;  // s; for ever, as far as a test can tell
+constexpr double Largest = 1e9;       // of every physical value: keeps all arithmetic finite
 
 template <class Value>
 struct Choice {
@@ -226,7 +227,7 @@ void ReadFaultAction(const TomlTable& table, Fault& fault) {
         fault.Code = static_cast<int32_t>(*table.Integer(key, Codes::min(), Codes::max()));
         if (fault.Code == 0) table.Refuse(key, "can't be 0, which is success");
     } else if (kind == FaultKind::Delay) {
-        fault.Number = *table.Number(key, 0, 10);  // calls of a simulation must end
+        fault.Number = *table.Number(key, 0, LongestDelay);
     } else if (kind == FaultKind::Value) {
         const std::optional<double> value = table.Find(key)->value<double>();  // also nan and inf
         if (!value) table.Refuse(key, "must be a number");
@@ -273,19 +274,10 @@ Fault ReadFaultTable(const toml::table& toml, const std::string& source) {
     return fault;
 }
 
-toml::table Parse(std::string_view text, const std::string& source) {
-    try {
-        return toml::parse(text, source);
-    } catch (const toml::parse_error& error) {
-        throw ScenarioError(source + ":" + std::to_string(error.source().begin.line) + ": " +
-                            std::string(error.description()));
-    }
-}
-
 }  // namespace
 
 Scenario ReadScenario(std::string_view toml, const std::string& source) {
-    const toml::table root = Parse(toml, source);
+    const toml::table root = ParseToml(toml, source);
     const TomlTable table(root, source, {"speed", "server", "fault"});
     Scenario scenario;
     scenario.Speed = table.Number("speed", 0, 1000).value_or(1);
@@ -297,7 +289,7 @@ Scenario ReadScenario(std::string_view toml, const std::string& source) {
 }
 
 Fault ReadFault(std::string_view toml, const std::string& source) {
-    const toml::table root = Parse(toml, source);
+    const toml::table root = ParseToml(toml, source);
     return ReadFaultTable(root, source);
 }
 

@@ -18,7 +18,58 @@ std::string Between(Value low, Value high) {
     return text.str();
 }
 
+[[noreturn]] void RefuseLine(const std::string& source, int64_t line, std::string_view reason) {
+    throw ScenarioError(source + ":" + std::to_string(line) + ": " + std::string(reason));
+}
+
+// How the string that begins here ends; empty: none does.
+std::string_view QuotesAt(std::string_view text) {
+    for (const std::string_view quotes : {R"(""")", "'''", "\"", "'"}) {
+        if (text.starts_with(quotes)) return quotes;
+    }
+    return {};
+}
+
+// Only strings and comments may have other letters than ASCII. The parser does not refuse each of them elsewhere: some
+// lead it to where its authors thought it could never come.
+void RefuseForeignLetters(std::string_view text, const std::string& source) {
+    constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+    int64_t line = 1;
+    bool comment = false;
+    std::string_view quotes;  // that end the string which is being read
+    for (size_t at = text.starts_with(ByteOrderMark) ? ByteOrderMark.size() : 0; at < text.size(); at++) {
+        const std::string_view rest = text.substr(at);
+        const bool escape = rest[0] == '\\' && quotes.starts_with('"');
+        if (rest[0] == '\n') {
+            line++;
+            comment = false;
+            if (quotes.size() == 1) quotes = {};  // the parser refuses it
+        } else if (!quotes.empty() && rest.starts_with(quotes)) {
+            at += quotes.size() - 1;
+            quotes = {};
+        } else if (quotes.empty() && !comment) {
+            comment = rest[0] == '#';
+            quotes = QuotesAt(rest);
+            if (!quotes.empty()) at += quotes.size() - 1;
+        }
+        if (escape && !rest.substr(1).starts_with('\n')) at++;
+        const bool plain = quotes.empty() && !comment;
+        if ((plain || escape) && at < text.size() && static_cast<unsigned char>(text[at]) >= 0x80) {
+            RefuseLine(source, line, "a letter that only a string or a comment may have");
+        }
+    }
+}
+
 }  // namespace
+
+toml::table ParseToml(std::string_view text, const std::string& source) {
+    RefuseForeignLetters(text, source);
+    try {
+        return toml::parse(text, source);
+    } catch (const toml::parse_error& error) {
+        RefuseLine(source, error.source().begin.line, error.description());
+    }
+}
 
 TomlTable::TomlTable(const toml::table& table, const std::string& source, std::initializer_list<std::string_view> keys)
     : Table_(table), Source_(source) {

@@ -12,6 +12,9 @@
 
 namespace ltrsim {
 
+// `source` names the text in messages. Throws ScenarioError.
+toml::table ParseToml(std::string_view text, const std::string& source);
+
 class TomlTable {
 public:
     TomlTable(const toml::table& table, const std::string& source, std::initializer_list<std::string_view> keys);

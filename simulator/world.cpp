@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
-#include <thread>
 
 #include "simulator/error_codes.h"
 #include "simulator/record_fields.h"
@@ -59,7 +58,8 @@ void World::Set(Scenario scenario) {
     for (const Server& server : Current_->Servers) {
         for (const Crate& crate : server.Crates) Crates_.push_back(std::make_shared<CrateState>(CrateState{crate}));
     }
-    Faults_.Replace(Current_->Faults);
+    ForgetFaults();
+    for (const Fault& fault : Current_->Faults) Faults_.Add(fault);
     Begin_ = Clock::now();
 }
 
@@ -81,12 +81,12 @@ int32_t World::Violation(std::string_view function, std::string_view reason, int
 }
 
 Verdict World::Judge(std::string_view function, const Target& target) {
-    Verdict verdict;
-    {
-        const std::scoped_lock lock(Mutex_);
-        verdict = Faults_.Judge(function, target, Elapsed(Clock::now()));
+    std::unique_lock lock(Mutex_);
+    const Verdict verdict = Faults_.Judge(function, target, Elapsed(Clock::now()));
+    if (verdict.Delay > 0) {
+        const auto cleared = [this, begun = FaultsCleared_] { return FaultsCleared_ != begun; };
+        DelaysEnd_.wait_for(lock, std::chrono::duration<double>(verdict.Delay), cleared);
     }
-    if (verdict.Delay > 0) std::this_thread::sleep_for(std::chrono::duration<double>(verdict.Delay));
     return verdict;
 }
 
@@ -244,7 +244,13 @@ bool World::AddFault(const char* tomlText) {
 void World::ClearFaults() {
     const std::scoped_lock lock(Mutex_);
     LoadOnce();
+    ForgetFaults();
+}
+
+void World::ForgetFaults() {
     Faults_.Clear();
+    FaultsCleared_++;
+    DelaysEnd_.notify_all();
 }
 
 const char* World::Message() {

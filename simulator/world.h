@@ -5,6 +5,7 @@
 
 #include <array>
 #include <atomic>
+#include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -59,7 +60,7 @@ public:
     bool Enter(std::string_view function);
     // Counts and reports a call that no correct driver makes; returns `code`.
     int32_t Violation(std::string_view function, std::string_view reason, int32_t code);
-    // What the faults do to the call; a delay is over when this returns.
+    // What the faults do to the call; a delay is over when this returns. It ends early when the faults are cleared.
     Verdict Judge(std::string_view function, const Target& target);
 
     // These return Success with `id` set, or an error code.
@@ -92,6 +93,7 @@ private:
     World() = default;
     void LoadOnce();
     void Set(Scenario scenario);
+    void ForgetFaults();
     bool Refuse(const char* reason);
     const char* Lasting(const std::string& text) { return LastingTexts_.insert(text).first->c_str(); }
     double Elapsed(Clock::time_point now) const { return std::chrono::duration<double>(now - Begin_).count(); }
@@ -106,6 +108,8 @@ private:
     std::vector<std::shared_ptr<CrateState>> Crates_;
     Clock::time_point Begin_;  // when the scenario was set
     FaultList Faults_;
+    int64_t FaultsCleared_ = 0;  // so often
+    std::condition_variable DelaysEnd_;
     uint32_t LastId_ = 0;  // ids are never used again, so that the use of a closed record is noticed
     std::map<uint32_t, std::shared_ptr<ModuleConnection>> Modules_;
     std::map<uint32_t, std::shared_ptr<CrateLink>> Links_;

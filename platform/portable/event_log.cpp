@@ -21,7 +21,7 @@ std::string LogPath() {
 }
 
 int OpenLog(const std::string& path, int flags) {
-    return open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK | flags,
+    return open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | flags,
                 0666);  // a pipe would block otherwise
 }
 
@@ -30,7 +30,7 @@ int OpenWithRoom(const std::string& path) {
     const int log = OpenLog(path, 0);
     if (log < 0) return log;
     struct stat status = {};
-    const bool ordinary = fstat(log, &status) == 0 && S_ISREG(status.st_mode);
+    const bool ordinary = fstat(log, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1;
     if (ordinary && status.st_size < LogBytesMax) return log;
     close(log);
     if (!ordinary || std::rename(path.c_str(), (path + ".old").c_str()) != 0) return -1;

@@ -64,10 +64,14 @@ std::string ReadFileStart(const std::string& path, size_t limit) {
 
 bool ReplaceContent(const std::string& path, std::string_view bytes) {
     // Renaming needs no right to the file that it replaces: without this check it would replace a protected file.
-    const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file < 0) return errno == ENOENT && WriteBeside(path, bytes, nullptr) == Outcome::Done;
+    const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
+    if (file < 0 && errno != ENOENT && errno != ELOOP) return false;  // ELOOP: a link
     struct stat held = {};
-    Outcome outcome = fstat(file, &held) == 0 ? WriteBeside(path, bytes, &held) : Outcome::Failed;
+    if (file < 0 || fstat(file, &held) != 0 || !S_ISREG(held.st_mode) || held.st_nlink > 1) {
+        if (file >= 0) close(file);
+        return WriteBeside(path, bytes, nullptr) == Outcome::Done;
+    }
+    Outcome outcome = WriteBeside(path, bytes, &held);
     if (outcome == Outcome::NotPossible && WriteWhole(file, bytes) &&
         ftruncate(file, static_cast<off_t>(bytes.size())) == 0) {
         outcome = Outcome::Done;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 
+#include "platform/win32/plain_file.h"
 #include "platform/win32/wide_text.h"
 
 namespace corvane::platform {
@@ -24,18 +25,18 @@ std::wstring LogPath() {
 HANDLE OpenLog(const std::wstring& path, DWORD disposition) {
     return CreateFileW(path.c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES,
                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, disposition,
-                       FILE_ATTRIBUTE_NORMAL, nullptr);
+                       FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
 }
 
 // A log with room for one more line, or INVALID_HANDLE_VALUE.
 HANDLE OpenWithRoom(const std::wstring& path) {
     const HANDLE log = OpenLog(path, OPEN_EXISTING);
     if (log == INVALID_HANDLE_VALUE) return log;
-    LARGE_INTEGER size = {};
-    // A device or a pipe has no size, and may wait for somebody.
-    if (GetFileType(log) == FILE_TYPE_DISK && GetFileSizeEx(log, &size) && size.QuadPart < LogBytesMax) return log;
+    int64_t size = 0;
+    const bool plain = IsPlainFile(log, size);
+    if (plain && size < LogBytesMax) return log;
     CloseHandle(log);
-    if (size.QuadPart < LogBytesMax) return INVALID_HANDLE_VALUE;
+    if (!plain) return INVALID_HANDLE_VALUE;
     if (!MoveFileExW(path.c_str(), (path + L".old").c_str(), MOVEFILE_REPLACE_EXISTING)) return INVALID_HANDLE_VALUE;
     return OpenLog(path, CREATE_NEW);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/win32/plain_file.h"
 #include "platform/win32/wide_text.h"
 
 namespace corvane::platform {
@@ -57,7 +58,7 @@ Outcome WriteBeside(const std::wstring& path, std::string_view bytes, Protection
     DeleteFileW(beside.c_str());  // left by a run that was interrupted
     const HANDLE file =
         CreateFileW(beside.c_str(), GENERIC_WRITE, 0, protection.Descriptor.empty() ? nullptr : &security, CREATE_NEW,
-                    protection.Attributes, nullptr);
+                    protection.Attributes | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     if (file == INVALID_HANDLE_VALUE) return Outcome::NotPossible;
     const bool written = WriteWhole(file, bytes);
     CloseHandle(file);
@@ -70,7 +71,7 @@ Outcome WriteBeside(const std::wstring& path, std::string_view bytes, Protection
 
 HANDLE OpenToWrite(const std::wstring& path) {
     return CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+                       OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
 }
 
 }  // namespace
@@ -85,7 +86,7 @@ std::string ReadFileStart(const std::string& path, size_t limit) {
         CreateFileW(Wide(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return bytes;
-    DWORD count = 1;
+    DWORD count = GetFileType(file) == FILE_TYPE_DISK ? 1 : 0;  // a pipe would wait for somebody
     while (count > 0 && bytes.size() < limit) {
         const size_t held = bytes.size();
         const size_t chunk = std::min(limit - held, ChunkBytes);
@@ -102,16 +103,16 @@ bool ReplaceContent(const std::string& path, std::string_view bytes) {
     // Moving a file over another needs no right to write to that one: this check keeps it from replacing a protected
     // file.
     HANDLE file = OpenToWrite(target);
-    const bool isNew = file == INVALID_HANDLE_VALUE;
-    if (isNew && GetLastError() != ERROR_FILE_NOT_FOUND) return false;
-    if (!isNew) CloseHandle(file);  // nothing can be moved over an open file
+    if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_NOT_FOUND) return false;
+    const bool isNew = file == INVALID_HANDLE_VALUE || !IsPlainFile(file);
+    if (file != INVALID_HANDLE_VALUE) CloseHandle(file);  // nothing can be moved over an open file
     Protection protection;
     Outcome outcome = Outcome::NotPossible;
     if (isNew || ReadProtection(target, protection)) outcome = WriteBeside(target, bytes, protection);
     if (isNew || outcome != Outcome::NotPossible) return outcome == Outcome::Done;
     file = OpenToWrite(target);
     if (file == INVALID_HANDLE_VALUE) return false;
-    const bool written = WriteWhole(file, bytes) && SetEndOfFile(file);
+    const bool written = IsPlainFile(file) && WriteWhole(file, bytes) && SetEndOfFile(file);
     CloseHandle(file);
     return written;
 }

@@ -59,7 +59,7 @@ std::FILE* OpenForReading(const std::string& path) {
 std::FILE* OpenAlone(const std::string& path, bool& taken) {
     constexpr int Tries = 10;
     for (int i = 0; i < Tries; i++) {
-        const int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+        const int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
         if (descriptor < 0) return nullptr;
         // Some network drives have no locks; a recording there is better than none.
         taken = flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
@@ -67,10 +67,11 @@ std::FILE* OpenAlone(const std::string& path, bool& taken) {
         struct stat named {};
         const bool itself =
             fstat(descriptor, &opened) == 0 && stat(path.c_str(), &named) == 0 && SameEntry(opened, named);
-        if (!taken && itself) return Unbuffered(descriptor, "r+b");
+        if (!taken && itself && opened.st_nlink == 1) return Unbuffered(descriptor, "r+b");
         close(descriptor);
+        if (itself) errno = EMLINK;
         // The recorder that had it has renamed it meanwhile: the name is free for a new one.
-        if (taken) return nullptr;
+        if (taken || itself) return nullptr;
     }
     return nullptr;
 }

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include "platform/win32/plain_file.h"
 #include "platform/win32/wide_text.h"
 
 namespace corvane::recorder {
@@ -14,9 +15,9 @@ constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELET
 
 class File {
 public:
-    File(const std::string& path, DWORD access, DWORD share, DWORD creation)
+    File(const std::string& path, DWORD access, DWORD share, DWORD creation, DWORD flags = 0)
         : Handle_(CreateFileW(platform::Wide(path).c_str(), access, share, nullptr, creation,
-                              FILE_ATTRIBUTE_NORMAL | FILE_FLAG_BACKUP_SEMANTICS, nullptr)) {}
+                              FILE_ATTRIBUTE_NORMAL | FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr)) {}
     ~File() {
         if (Opened()) CloseHandle(Handle_);
     }
@@ -84,9 +85,12 @@ std::FILE* OpenForReading(const std::string& path) {
 
 // To be moved while it is open, it must be shared for deletion.
 std::FILE* OpenAlone(const std::string& path, bool& taken) {
-    File file(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, OPEN_ALWAYS);
+    File file(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, OPEN_ALWAYS,
+              FILE_FLAG_OPEN_REPARSE_POINT);
     taken = !file.Opened() && GetLastError() == ERROR_SHARING_VIOLATION;
-    return file.Release("r+b");
+    if (!file.Opened() || platform::IsPlainFile(file.Handle())) return file.Release("r+b");
+    SetLastError(ERROR_ACCESS_DENIED);
+    return nullptr;
 }
 
 // The library's own functions for large files are newer than Windows XP. It has no buffer that they would have to know.

@@ -4,6 +4,7 @@
 #include <regex>
 
 #include "platform/event_log.h"
+#include "platform/files.h"
 #include "tests/native/driver_fixture.h"
 
 namespace corvane {
@@ -79,6 +80,27 @@ TEST_F(EventLog, IsBoundedAndHarmlessWhereItCanNotBeWritten) {
     Record();
     EXPECT_EQ("t 1.2 " + std::string(2000, 'e') + "\r\n", platform::LogLine("t", 1, 2, std::string(2100, 'e')));
     EXPECT_EQ("t 1.2 two lines \r\n", platform::LogLine("t", 1, 2, "two\r\n\tlines\x01"));
+}
+
+// Whoever may make files in a folder must not choose which other file is written to.
+TEST_F(EventLog, NothingIsWrittenThroughALink) {
+    const std::filesystem::path other = Folder / "other", list = Folder / "iplist.txt",
+                                beside = Folder / "iplist.txt.new";
+    for (const bool symbolic : {true, false}) {
+        for (const bool besideIsFree : {true, false}) {
+            std::ofstream(other) << "other";
+            for (const std::filesystem::path& link : {Path, list}) {
+                symbolic ? std::filesystem::create_symlink(other, link)
+                         : std::filesystem::create_hard_link(other, link);
+            }
+            if (!besideIsFree) std::filesystem::create_directory(beside);
+            platform::AppendToLog("event");
+            EXPECT_EQ(platform::ReplaceContent(list, "10.0.0.7\r\n"), besideIsFree) << symbolic;
+            EXPECT_EQ(platform::ReadFileStart(list, 99), besideIsFree ? "10.0.0.7\r\n" : "other") << symbolic;
+            EXPECT_EQ(platform::ReadFileStart(other, 99), "other") << symbolic << besideIsFree;
+            for (const auto& each : {Path, list, beside}) std::filesystem::remove(each);
+        }
+    }
 }
 
 }  // namespace

@@ -23,6 +23,7 @@ struct Cell {
 
     bool Has(const char* word) const { return Way.find(word) != std::string::npos; }
     bool Once() const { return Has("times"); }
+    bool Hangs() const { return Has("1e6"); }
     std::string Fault() const { return "call = \"" + Call + "\"\nafter = " + std::to_string(After) + "\n" + Way; }
 };
 
@@ -35,6 +36,7 @@ const std::vector<std::string> Receiving = {
     "excess = 5\ntimes = 1",   "excess = 1000000",     "marks = 1234567890",     "slot = 5\nshort = 17\ntimes = 3",
     "slot = 3\nunplug = true", "unplug = true"};
 const std::vector<std::string> Slow = {"stall = true\ntimes = 1", "delay = 0.7\ntimes = 1"};  // the time-out: 564 ms
+const std::vector<std::string> Hanging = {"delay = 1e6"};                                     // until the fault is over
 const std::vector<std::string> Processing = {
     "value = nan\ntimes = 1", "value = inf",           "value = -inf\ntimes = 3",
     "size = 0\ntimes = 1",    "size = 17\ntimes = 2",  "size = 1023",
@@ -54,7 +56,7 @@ std::vector<Cell> Cells() {
                          std::initializer_list<const std::vector<std::string>*> ways) {
         for (int after = 0; after < turns; after++) {
             for (const auto* list : ways) {
-                if (after > 0 && list == &Slow) continue;
+                if (after > 0 && (list == &Slow || list == &Hanging)) continue;
                 for (const std::string& way : *list) cells.push_back({when, crate, call, after, way});
             }
         }
@@ -85,17 +87,18 @@ std::vector<Cell> Cells() {
         add(when, Aligned, "LTR27_ADCStop", 2, {&Errors, &Often, &OfModule});
         add(when, Marked, "LTR27_Recv", 1, {&Errors, &Receiving, &Slow});
     }
+    add(Stopping, Aligned, "LTR27_ADCStop", 1, {&Hanging});
     add(Releasing, Marked, "LTR27_Close", 2, {&Errors, &Often, &OfModule});
     for (const auto& [when, crate] : {std::pair{Starting, Aligned}, {Starting, Marked}, {Running, Aligned}}) {
-        add(when, crate, "LTR27_Recv", 3, {&Errors, &Receiving, &Slow});
-        add(when, crate, "LTR27_ProcessData", 2, {&Errors, &Processing});
+        add(when, crate, "LTR27_Recv", 3, {&Errors, &Receiving, &Slow, &Hanging});
+        add(when, crate, "LTR27_ProcessData", 2, {&Errors, &Processing, &Hanging});
     }
     for (const Moment when : {Reading, RingFull}) {
         add(when, Aligned, "LTR27_Recv", 1, {&Errors, &Receiving});
         add(when, Aligned, "LTR27_ProcessData", 1, {&Errors, &Processing});
     }
     for (size_t i = 0, count = cells.size(); i < count; i++) {
-        if (cells[i].When != Running || cells[i].After != 0 || cells[i].Once()) continue;
+        if (cells[i].When != Running || cells[i].After != 0 || cells[i].Once() || cells[i].Hangs()) continue;
         cells.push_back(cells[i]);
         cells.back().Back = true;
     }
@@ -105,7 +108,9 @@ std::vector<Cell> Cells() {
 class FaultMatrix : public DriverFixture {
 protected:
     void TheMomentIs(Moment moment) {
-        if (Now->When == moment) AddFault(Now->Fault());
+        if (Now->When != moment) return;
+        Earlier = LtrSim_Calls(Now->Call.c_str());
+        AddFault(Now->Fault());
     }
 
     // False only where the failure can't be passed over, and then with the reason.
@@ -198,19 +203,22 @@ protected:
         // A module that doesn't deliver is waited for until the mark has been seen in its data.
         const bool starved = Now->When == Starting && Now->Crate == Marked && !Now->Once() &&
                              (Now->Has("unplug") || (Now->Has("error") && !Now->Call.starts_with("LTR_")));
-        EXPECT_TRUE(TakeAndCheck(starved ? 0 : 128));
+        EXPECT_TRUE(TakeAndCheck(starved || (Now->Hangs() && Now->When == Starting) ? 0 : 128));
         const int64_t ring = Driver->InputSizeKadrs();
         if (Now->When == RingFull) {
             EXPECT_TRUE(Eventually([&] { return Driver->InputCountKadrs() == ring; }));
         }
         TheMomentIs(RingFull);
         TheMomentIs(Running);
-        EXPECT_TRUE(TakeAndCheck(Now->When == RingFull || Now->When == Running ? ring + 128 : 0));
+        const bool goesOn = Now->When == RingFull || (Now->When == Running && !Now->Hangs());
+        EXPECT_TRUE(TakeAndCheck(goesOn ? ring + 128 : 0));
         if (Now->Back) {
             LtrSim_ClearFaults();
             EXPECT_TRUE(TakeAndCheck(ring + 128));
         }
         EXPECT_TRUE(Driver->Busy());
+        EXPECT_TRUE(!Now->Hangs() || Now->When == Stopping ||
+                    Eventually([&] { return LtrSim_Calls(Now->Call.c_str()) > Earlier; }));
         TheMomentIs(Stopping);
         TheMomentIs(Releasing);
         const auto start = std::chrono::steady_clock::now();
@@ -219,6 +227,9 @@ protected:
         EXPECT_LT(took.count(), Now->When == Releasing ? 3 : 0.8);  // two time-outs; two blocks of 64 ms
         if (Driver) TakeAndCheck(0);
         EXPECT_EQ(Check->Wrong, 0) << Check->Fault;
+        if (!Now->Hangs()) return;
+        EXPECT_FALSE(Driver->StartRecord());
+        EXPECT_TRUE(Driver->LastError().starts_with("Please wait end of previous thread"));
     }
 
     // With the fault over: all that was recorded is right, and nothing is missing.
@@ -240,6 +251,7 @@ protected:
 
     inline static const Cell Whole = {Releasing, Marked, "", 0, "times"};
     const Cell* Now = nullptr;
+    int32_t Earlier = 0;  // calls before the fault
     std::unique_ptr<KadrCheck> Check;
 };
 

@@ -200,6 +200,13 @@ TEST(RecorderFiles, TakeTheirNamesWhenTheyAreComplete) {
     EXPECT_EQ(RunCommandLine({"record", "-o", csv, "-p", link}), ExitCode::Usage);
     EXPECT_FALSE(fs::exists(part));  // nothing is left of what did not begin
 
+    for (const bool symbolic : {true, false}) {  // somebody's link: it leads to another file
+        std::ofstream(folder / "other").close();
+        symbolic ? fs::create_symlink("other", part) : fs::create_hard_link(folder / "other", part);
+        EXPECT_EQ(record(csv), ExitCode::Output);
+        EXPECT_TRUE(fs::is_empty(folder / "other") && fs::remove(part)) << symbolic;
+    }
+
     Interrupt = [&] { return fs::remove_all(csv) > 9 || !fs::create_directories(csv / "x"); };
     EXPECT_EQ(record(csv), ExitCode::Output);
     EXPECT_NE(Said.find("Everything is in " + part.string()), std::string::npos) << Said;

@@ -274,18 +274,33 @@ TEST_F(RecordingTest, UnpluggingGoesOnAndStopsInTime) {
     EXPECT_TRUE(Driver->Test());
 }
 
-TEST_F(RecordingTest, AThreadThatStaysAwayKeepsItsState) {
+TEST_F(RecordingTest, AThreadThatStaysAwayKeepsItsStateUntilItComesBack) {
     Open(SequenceCrate({3}, "1.0"), {0}, 1000);
-    AddFault("call = \"LTR27_Recv\"\ndelay = 7.5");
+    AddFault("call = \"LTR27_Recv\"\ntimes = 1\ndelay = 1e6");
     ASSERT_TRUE(Driver->StartRecord());
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     const auto start = Clock::now();
     Driver.reset();
     EXPECT_NEAR(MillisecondsSince(start), 128 + 2 * 564 + 5000, 300);
     EXPECT_EQ(LtrSim_RunningModules(), 1);
-    EXPECT_TRUE(Eventually([] { return LtrSim_RunningModules() == 0; }));  // it came back and stopped its module
+    Driver = std::make_unique<DriverObject>();
+    ASSERT_TRUE(Driver->Test() && Driver->StartRecord()) << Driver->LastError();
+    EXPECT_EQ(Take(64).size(), 64u) << "the next host does not depend on it";
+    Driver.reset();
     EXPECT_EQ(LtrSim_OpenConnections(), 1);
-    Configure(SequenceCrate({3}, "1.0"));  // takes the connection away
+    LtrSim_ClearFaults();
+    EXPECT_TRUE(Eventually([] { return LtrSim_RunningModules() == 0; }));  // it came back and stopped its module
+    EXPECT_TRUE(Eventually([] { return DriverObject(), LtrSim_OpenConnections() == 0; })) << "closed by the next host";
+}
+
+TEST_F(RecordingTest, AProcessMayEndWhileItsRecordingHangs) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto hang = [this] {
+        Open(SequenceCrate({3}, "1.0"), {0}, 1000);
+        AddFault("call = \"LTR27_Recv\"\ndelay = 1e6");
+        if (Driver->StartRecord() && Eventually([] { return LtrSim_Calls("LTR27_Recv") > 0; })) std::exit(3);
+    };
+    EXPECT_EXIT(hang(), testing::ExitedWithCode(3), "");
 }
 
 #if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)

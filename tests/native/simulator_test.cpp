@@ -193,6 +193,7 @@ TEST(Simulator, MistakesInTheScenarioNameTheirLine) {
         {"[[fault]]\ncall = 'LTR_Open'\nslot = 3\nerror = -1", "scenario:3: key 'slot' is not passed"},
         {"[[server]]\naddress = '1.2.3.4'\n[[server.crate]]\nserial = 'CRATE-OF-17-CHARS'",
          "scenario:4: key 'serial' must have 1 to 16"},
+        {"# я\nspeed = \"я\\\"\"\nя = 1", "scenario:3: a letter that only"},
     };
     Configure(SequenceCrate({3, 5}, "0"));
     for (const auto& [toml, message] : cases) {

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -371,7 +372,13 @@ TEST_F(Dialogs, ASavedListKeepsItsProtection) {
         LocalFree(text);
         return copy;
     };
-    const std::string beside = ListFile() + ".new";
+    const auto removeFirst = [this] {
+        EXPECT_FALSE(TestWith(AddressTitle, [](DialogUser& user) {
+            user.Click(user.Child(WC_BUTTONW, 1));
+            user.Press(VK_ESCAPE);
+        }));
+    };
+    const std::string beside = ListFile() + ".new", other = ListFile() + ".other";
     Configure(Server("192.168.10.5"));
     for (const bool nameBesideIsFree : {true, false}) {
         std::ofstream(ListFile(), std::ios::binary) << "10.0.0.5\r\n10.0.0.6\r\n";
@@ -382,16 +389,21 @@ TEST_F(Dialogs, ASavedListKeepsItsProtection) {
         LocalFree(descriptor);
         EXPECT_TRUE(SetFileAttributesA(ListFile().c_str(), FILE_ATTRIBUTE_HIDDEN));
         EXPECT_TRUE(nameBesideIsFree || CreateDirectoryA(beside.c_str(), nullptr));
-        EXPECT_FALSE(TestWith(AddressTitle, [](DialogUser& user) {
-            user.Click(user.Child(WC_BUTTONW, 1));
-            user.Press(VK_ESCAPE);
-        }));
+        removeFirst();
         EXPECT_EQ("10.0.0.6\r\n", FileText()) << nameBesideIsFree;
         EXPECT_EQ(fewer, rights()) << nameBesideIsFree << ", not " << others;
         EXPECT_NE(0u, GetFileAttributesA(ListFile().c_str()) & FILE_ATTRIBUTE_HIDDEN) << nameBesideIsFree;
         std::remove(ListFile().c_str());
     }
-    RemoveDirectoryA(beside.c_str());
+    for (const bool nameBesideIsFree : {false, true}) {  // the list is a second name of somebody's file
+        std::ofstream(other, std::ios::binary) << "10.0.0.5\r\n10.0.0.6\r\n";
+        EXPECT_TRUE(CreateHardLinkA(ListFile().c_str(), other.c_str(), nullptr));
+        removeFirst();
+        EXPECT_EQ(nameBesideIsFree ? "10.0.0.6\r\n" : "10.0.0.5\r\n10.0.0.6\r\n", FileText());
+        EXPECT_EQ(20u, std::filesystem::file_size(other)) << nameBesideIsFree << ": it stays as it was";
+        for (const std::string& each : {ListFile(), other}) std::remove(each.c_str());
+        RemoveDirectoryA(beside.c_str());
+    }
 }
 
 LRESULT CALLBACK RefuseWindows(int code, WPARAM wParam, LPARAM lParam) {
