@@ -6,6 +6,16 @@
 #include <cstdlib>
 #include <thread>
 
+// Where memory is short, allocations fail as they do without a sanitizer.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the sanitizers look for these names
+extern "C" const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
+extern "C" const char* __tsan_default_options() {
+    return "allocator_may_return_null=1";
+}
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
+
 namespace {
 
 void StartWatchdog(int seconds) {

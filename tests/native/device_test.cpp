@@ -62,6 +62,21 @@ TEST_F(DeviceTest, ObjectsOfOneThreadShareOneDevice) {
     EXPECT_FALSE(DriverObject().Detected());
 }
 
+TEST_F(DeviceTest, WhatAThreadAndAProcessLeaveIsStoppedAndClosed) {
+    const auto threads = Threads();
+    alignas(DriverObject) std::byte forgotten[sizeof(DriverObject)];
+    std::thread([&] {
+        auto* const driver = new (forgotten) DriverObject;
+        EXPECT_TRUE(driver->Test() && driver->StartRecord()) << driver->LastError();
+        LeaveThread();
+        EXPECT_FALSE(driver->Busy());
+    }).join();
+    EXPECT_TRUE(Eventually([&] { return Threads() == threads; }));
+    EXPECT_EQ(LtrSim_OpenConnections(), 2);
+    Driver.reset();
+    CloseWhatIsLeft();  // that it did is seen when the test ends
+}
+
 TEST_F(DeviceTest, DescriptionsTellTheBoardAndTheCrate) {
     ASSERT_TRUE(Driver->Test());
     DriverState& state = State();
@@ -69,6 +84,32 @@ TEST_F(DeviceTest, DescriptionsTellTheBoardAndTheCrate) {
               "Board: LTR27\r\nBoard SN: CRATE1-3\r\nFirmware: v1.2.3.4\r\nCrate Slot: 3");
     EXPECT_EQ(state.Crate.Info, "Crate: LTR030\r\nCrate SN: CRATE1\r\nCrate Port: USB\r\nCrate IP: 127.0.0.1");
     EXPECT_EQ(state.Engine.Modules[1].Mezzanines[7].Top, 1);
+    const TLTR27& handle = state.Engine.Modules[0].Handle;
+    EXPECT_EQ(TLTR27API::Revision(handle) + TLTR27API::ProcessorName(handle), "AATMEGA8515");
+    EXPECT_EQ(TLTR27API::ClockRate(handle), 15000000);
+}
+
+TEST_F(DeviceTest, WithoutAWindowACrateIsChosenByItsSerialNumber) {
+    Configure(Server("127.0.0.1") + Crate("ONE", {3}) + Crate("TWO", {3, 5}) + Server("10.0.0.1"));
+    Driver->SetInteractive(false);
+    // Serial number, server, what the driver says.
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"", "", "Several crates were found; one has to be chosen by its serial number: \"ONE\", \"TWO\"."},
+        {"THREE", "", "There is no crate with the serial number \"THREE\". Found: \"ONE\", \"TWO\"."},
+        {"TWO", "10.0.0.1", "There is no crate with the serial number \"TWO\". None was found."},
+        {"TWO", "127.0.0.1", ""}};
+    for (const auto& [serial, server, error] : cases) {
+        Driver->SetCrateSerial(serial);
+        EXPECT_TRUE(Driver->SetServer(server) && !Driver->SetServer("10.0.0") && !Driver->SetServer("10.0.0.256"));
+        EXPECT_EQ(Driver->CrateSerial() + Driver->Server(), std::string(serial) + server);
+        EXPECT_EQ(Driver->CrateInfo() + Driver->ModuleInfo(0), "");
+        EXPECT_EQ(Driver->Test(), *error == '\0');
+        EXPECT_EQ(Driver->LastError(), error);
+    }
+    EXPECT_EQ(Driver->ModulesCount(), 2);
+    EXPECT_TRUE(Driver->ModuleInfo(1).ends_with("Slot: 5") && Driver->ModuleInfo(2).empty() &&
+                Driver->ModuleInfo(-1).empty() && Driver->CrateInfo().starts_with("Crate: LTR"));
+    EXPECT_FALSE(Driver->Interactive() || Driver->ShowSetting());
 }
 
 TEST_F(DeviceTest, SingleReadingsAreFreshEvery400Milliseconds) {

@@ -54,10 +54,13 @@ TEST_F(EventLog, IsKeptWhereItExistsAndTellsTheRoadOfARecording) {
         text, std::regex("(\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}Z \\d+\\.\\d+ [^\\r\\n]+\\r\\n)+")))
         << text;
     size_t last = 0;
-    for (const char* part : {"Corvane 3.", "host ", "settings read", "server 127.0.0.1: crates 1",
-                             "opening crate CRATE1", "Crate Slot: 3, mezzanines SEQ", "Crate Slot: 5",
-                             "recording: channels 0-2,16 at 1000", "gap: slot 5, 64 kadrs from 128: nothing came",
-                             "recording ended: ", "gaps: 1", "device closed", "settings written"}) {
+    for (const char* part :
+         {"Corvane 3.", "host ", "settings read", "server 127.0.0.1: crates 1", "opening crate CRATE1",
+          "Crate Slot: 3, mezzanines SEQ, SEQ, SEQ, SEQ, SEQ, SEQ, SEQ, -\r\n", "Crate Slot: 5",
+          "recording: channels 0-2,16 at 1000.000000 Hz, ring of 32768 kadrs, blocks of 64, time-out 564 ms, "
+          "START mark mode 0, waits for the mark\r\n",
+          "gap: slot 5, 64 kadrs from 128: nothing came",
+          "recording ended: ", " kadrs, of which the host has 192; gaps: 1\r\n", "device closed", "settings written"}) {
         const size_t at = text.find(part, last);
         EXPECT_NE(std::string::npos, at) << part << " in\n" << text;
         last = at == std::string::npos ? last : at;

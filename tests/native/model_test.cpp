@@ -1,6 +1,10 @@
 // Channels and ranges, and the ring that the samples wait in.
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <fstream>
 #include <limits>
 #include <numeric>
 #include <tuple>
@@ -37,7 +41,8 @@ TEST(ChannelModel, RangesFollowTheMezzanines) {
         {{"T", "", "", "°C", -5, -50}, "-50…-5 °C", "°C", 32768 / 45.0f, -27.5f},
         {{"Z", "", "", "В", 0, -0.0f}, "Z", "V", 1638.4f, 0},
         {{"N", "", "", "V", nan, 0}, "N", "V", 1638.4f, 0},
-        {{"S", "", "", "V", 1e-38f, 0}, "S", "V", 1638.4f, 0},         // an infinite scale
+        {{"S", "", "", "V", 1e-38f, 0}, "S", "V", 1638.4f, 0},  // an infinite scale
+        {{"E", "", "", "V", 1e7f, -2.5e-5f}, "-2.5e-05…+1e+07 V", "V", 0.0032768f, 5e6f},
         {{"O", "", "", "V", 3.4e38f, 3.3e38f}, "O", "V", 1638.4f, 0},  // an infinite offset
         {{"", "", "", "", 1, -1}, "Empty", "", 1638.4f, 0},
     };
@@ -114,6 +119,42 @@ TEST(InputState, SizesAreToldByTheRules) {
         EXPECT_EQ(PrepareInputBuffer(input, blockKadrs), requested != highest);
         EXPECT_EQ(input.InputSizeKadrs, startKadrs);
     }
+}
+
+// Leaves this process room for another gigabyte, no more.
+class LittleMemory {
+public:
+    LittleMemory() {
+        size_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        getrlimit(RLIMIT_AS, &Before_);
+        const rlimit limit = {pages * static_cast<size_t>(getpagesize()) + 1'000'000'000, Before_.rlim_max};
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    ~LittleMemory() { setrlimit(RLIMIT_AS, &Before_); }
+    LittleMemory(const LittleMemory&) = delete;
+    LittleMemory& operator=(const LittleMemory&) = delete;
+
+private:
+    rlimit Before_ = {};
+};
+
+TEST(DataRing, NeedsNoRoomForTwoUnlessKadrsAreUnread) {
+    constexpr int32_t Kadrs = 12'000'000;  // of 32 channels: 768 MB
+    const LittleMemory limit;
+    DataRing ring;
+    ASSERT_TRUE(ring.ResetInputBuffer(32, Kadrs));
+    ASSERT_TRUE(ring.ResetInputBuffer(31, Kadrs)) << "the first one was empty, and had to go";
+    *ring.BlockToWrite() = 4711;
+    ring.Commit(1);
+    EXPECT_FALSE(ring.ResetInputBuffer(32, Kadrs));
+    EXPECT_EQ(std::tuple(ring.Channels(), ring.Length(), ring.CountUnreadKadrs()), std::tuple(31, Kadrs, 1));
+    std::vector<int16_t> kadr(31);
+    EXPECT_EQ(ring.Read(kadr.data(), 2), 1);
+    EXPECT_EQ(kadr[0], 4711);
+    EXPECT_FALSE(ring.ResetInputBuffer(31, 2 * Kadrs)) << "more than there is";
+    EXPECT_EQ(std::tuple(ring.Channels(), ring.Length()), std::tuple(0, 0));
+    EXPECT_TRUE(ring.ResetInputBuffer(1, 1));
 }
 
 TEST(InputState, GetDataTakesWholeKadrsOfTheRecordedShape) {

@@ -52,6 +52,7 @@ struct Trouble {
 };
 
 constexpr const char* NothingCame = "nothing came";
+constexpr const char* CutShort = "a receive was cut short";
 
 const Trouble Troubles[] = {
     {"crate unplugged",
@@ -82,7 +83,7 @@ const Trouble Troubles[] = {
              16 * (shape.Block / 2) + 7);
      },
      [](const Shape& shape) {
-         return Expected{{{{shape.Block + shape.Block / 2, 2 * shape.Block, 1, "a receive was cut short"}}, {}}};
+         return Expected{{{{shape.Block + shape.Block / 2, 2 * shape.Block, 1, CutShort}}, {}}};
      }},
     {"blocks that can't be processed",
      [](const Shape&) {
@@ -180,6 +181,9 @@ void CheckRows(const Csv& csv, const Expected& gaps, size_t module, bool keepFil
         } else if (keepFilled) {
             ASSERT_EQ(cells.size(), Fitted);
             ASSERT_TRUE(!number || *number < gap->First + shift || *number > 2 * gap->End) << kadr << ' ' << *number;
+            // What was cut off is mid-scale, in the kadr that was cut inside from its eighth channel on.
+            const auto zeros = std::count(cells.rbegin(), cells.rend(), 0);
+            ASSERT_TRUE(gap->Reason != CutShort || zeros == (kadr == gap->First ? 7 : 14)) << kadr << ' ' << zeros;
         } else {
             ASSERT_TRUE(cells.empty()) << "module " << module << ", kadr " << kadr;
         }
