@@ -90,7 +90,7 @@ void Acquisition::WaitForRoom() {
 void Acquisition::AlignModules() {
     const uint32_t reference = Engine_.UsedModules().back().StartTick;
     for (ModuleRecord& module : Engine_.UsedModules()) {
-        if (&module == &Engine_.UsedModules().back()) continue;
+        if (!module.Used || &module == &Engine_.UsedModules().back()) continue;
         const auto lead = static_cast<int32_t>(reference - module.StartTick);
         int64_t skip = int64_t{ModuleChannels} * RoundToInt32(double(lead) * double(Engine_.BlockRate) / 1000);
         while (skip > 0 && Busy()) {
@@ -108,7 +108,7 @@ void Acquisition::WaitStartMark() {
     while (Busy() && pending) {
         pending = false;
         for (ModuleRecord& module : Engine_.UsedModules()) {
-            if (module.Received > 0) continue;
+            if (!module.Used || module.Received > 0) continue;
             int32_t words = ReceiveWholeKadrs(module, true);
             if (!Busy()) return;
             int32_t start = FindStartMark(words);
@@ -136,6 +136,7 @@ int32_t Acquisition::FindStartMark(int32_t words) const {
 void Acquisition::ReceiveBlock() {
     bool delivered = false;
     for (ModuleRecord& module : Engine_.UsedModules()) {
+        if (!module.Used) continue;
         module.Received = module.Measured = 0;
         module.Missing = GapReason::NothingCame;
         const int32_t words = ReceiveWholeKadrs(module, false);
@@ -223,7 +224,9 @@ int32_t Acquisition::WholeKadrs(const ModuleRecord& module, size_t values) const
 
 // Called before the block becomes visible to the reader: a kadr that was not measured is listed before it can be read.
 void Acquisition::ListGaps() {
-    for (const ModuleRecord& module : Engine_.UsedModules()) ListGapsOf(module);
+    for (const ModuleRecord& module : Engine_.UsedModules()) {
+        if (module.Used) ListGapsOf(module);
+    }
 }
 
 // Where a calibration is senseless the library gives NaN or infinity and reports success. The sample is then the lowest

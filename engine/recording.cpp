@@ -13,6 +13,7 @@ namespace corvane {
 namespace {
 
 void ChooseUsedModules(EngineState& engine, const std::vector<int16_t>& table) {
+    for (ModuleRecord& module : engine.Opened()) module.Used = false;
     engine.FirstUsed = engine.OpenedCount;
     engine.LastUsed = -1;
     for (const int16_t channel : table) {
@@ -20,6 +21,7 @@ void ChooseUsedModules(EngineState& engine, const std::vector<int16_t>& table) {
         if (index >= engine.OpenedCount) continue;
         engine.FirstUsed = std::min(engine.FirstUsed, index);
         engine.LastUsed = std::max(engine.LastUsed, index);
+        engine.Modules[static_cast<size_t>(index)].Used = true;
     }
 }
 
@@ -34,6 +36,7 @@ void SizeBlocks(EngineState& engine, float rate) {
 
 bool ConfigureUsedModules(EngineState& engine, std::string& lastError) {
     for (ModuleRecord& module : engine.UsedModules()) {
+        if (!module.Used) continue;
         if (!engine.ModuleApi.SetConfig(module.Handle)) {
             lastError = engine.ModuleApi.GetErrorString();
             return false;
@@ -47,6 +50,7 @@ bool ConfigureUsedModules(EngineState& engine, std::string& lastError) {
 
 bool StartUsedModules(EngineState& engine, std::string& lastError) {
     for (ModuleRecord& module : engine.UsedModules()) {
+        if (!module.Used) continue;
         if (!engine.ModuleApi.ADCStart(module.Handle)) {
             lastError = engine.ModuleApi.GetErrorString();
             return false;

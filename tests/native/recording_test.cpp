@@ -61,7 +61,6 @@ TEST_F(RecordingTest, StartFailuresNameTheirReasonAndLeaveNothingRunning) {
         {"The Sampling Rate is not selected!", [&] { state.Input.Rate = 0; }},
         {"Any channel is not selected!", [&] { state.Input.ChTable.clear(); }},
         {"", [&] { Driver->SetInputSizeData(INT32_MAX); }},
-        {"", [&] { state.Input.ChTable = {32}; }},  // of a module that is not open
         {"Error '-41':\r\n", [&] { AddFault("call = \"LTR27_SetConfig\"\nslot = 5\nerror = -41"); }},
         {"Unable create thread!", [] { platform::FailThreadCreation = true; }},
         {"Error '-42':\r\n",
@@ -80,7 +79,7 @@ TEST_F(RecordingTest, StartFailuresNameTheirReasonAndLeaveNothingRunning) {
             EXPECT_EQ(LtrSim_RunningModules(), 0);
         }
         state.Input.Rate = 1000;
-        state.Input.ChTable = {0, 16, 32};  // two modules record, the third channel has none
+        state.Input.ChTable = {0, 16};
         Driver->SetInputSizeData(32768);
         platform::FailThreadCreation = false;
         LtrSim_ClearFaults();
@@ -192,6 +191,24 @@ TEST_F(RecordingTest, SamplesAreTheSimulatedSignals) {
         EXPECT_LE(worst, 1.0) << channel;
     }
     EXPECT_EQ(fitted, 20);
+}
+
+TEST_F(RecordingTest, ShortReceivesArePaddedAndNeverShiftChannels) {
+    // The third receive breaks off inside a kadr, and so does its second attempt; later ones are whole again.
+    Open(SequenceCrate({3}, "0", "type = \"LTR010\""), {0, 1, 2, 12}, 1000);
+    AddFault("call = \"LTR27_Recv\"\nafter = 2\ntimes = 1\nshort = 600");
+    AddFault("call = \"LTR27_Recv\"\nafter = 3\ntimes = 1\nstall = true");
+    const std::vector<int16_t> samples = Record(6 * 64);
+    ASSERT_FALSE(samples.empty());
+    int32_t next = 0;  // number of the module's next kadr
+    for (size_t k = 0; k < 6 * 64; k++) {
+        const int16_t* kadr = &samples[k * 4];
+        const bool padded = k >= 2 * 64 + 38 && k < 3 * 64;  // 600 words are 37 kadrs and half of one
+        const int32_t number = padded ? 16384 : next++;
+        EXPECT_EQ(std::pair(KadrNumber(kadr[0]), KadrNumber(kadr[2])), std::pair(number, number)) << k;
+        EXPECT_EQ(kadr[1], padded ? 0 : -16384) << k;
+        EXPECT_EQ(KadrNumber(kadr[3]), k == 2 * 64 + 37 ? 16384 : number) << k;
+    }
 }
 
 TEST_F(RecordingTest, TheStartMarkBeginsTheRecording) {
