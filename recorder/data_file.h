@@ -12,12 +12,12 @@ namespace corvane::recorder {
 
 class DataFile {
 public:
-    explicit DataFile(const std::string& path, const std::string& beside = "") : File_(path, beside) {}
+    explicit DataFile(const std::string& path, const std::string& beside = "") : File(path, beside) {}
     virtual ~DataFile() = default;
     DataFile(const DataFile&) = delete;
     DataFile& operator=(const DataFile&) = delete;
 
-    const OutputFile& File() const { return File_; }
+    const OutputFile& Output() const { return File; }
 
     // The recording, which must outlive this object, has started. To be called before all that follows.
     virtual void Begin(const Recording& recording) = 0;
@@ -30,7 +30,7 @@ public:
     virtual void Finish(const Verdict& verdict) = 0;
 
 protected:
-    OutputFile File_;
+    OutputFile File;
 };
 
 }  // namespace corvane::recorder

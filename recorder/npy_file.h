@@ -8,12 +8,6 @@
 
 namespace corvane::recorder {
 
-// Whether a file of this name is recorded as an array.
-bool IsNpy(const std::string& path);
-
-// The name of the JSON file beside an array, also of one that is incomplete or was put aside.
-std::string DescriptionPath(const std::string& npyPath);
-
 class NpyFile : public DataFile {
 public:
     explicit NpyFile(const std::string& path);

@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "recorder/failure.h"
+#include "recorder/file_names.h"
 #include "recorder/file_system.h"
-#include "recorder/npy_file.h"
 #include "recorder/taken_kadrs.h"
 
 namespace corvane::recorder {

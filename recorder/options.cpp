@@ -13,9 +13,8 @@
 #include <string_view>
 
 #include "recorder/failure.h"
-#include "recorder/npy_file.h"
+#include "recorder/file_names.h"
 #include "recorder/output_file.h"
-#include "recorder/recording_task.h"
 
 namespace corvane::recorder {
 namespace {

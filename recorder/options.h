@@ -33,6 +33,8 @@ struct SplitChoice {
 // What stands for a group of kadrs.
 enum class Thinning { First, Means, MinMax };
 
+constexpr int64_t UntilInterrupted = INT64_MAX;  // as a number of kadrs
+
 struct Options {
     Command Action = Command::Print;
     std::string Text;  // Print: help or version, for stdout

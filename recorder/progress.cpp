@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "recorder/console.h"
-#include "recorder/recording_task.h"
+#include "recorder/options.h"
 
 namespace corvane::recorder {
 

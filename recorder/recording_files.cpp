@@ -6,6 +6,7 @@
 
 #include "base/utf8.h"
 #include "recorder/csv_file.h"
+#include "recorder/file_names.h"
 #include "recorder/npy_file.h"
 #include "recorder/svg_plot.h"
 #include "recorder/words.h"
@@ -14,14 +15,6 @@ namespace corvane::recorder {
 namespace {
 
 constexpr auto WriteInterval = std::chrono::seconds(2);  // no more is lost when the power fails
-
-// "run.csv" to "run-002.csv".
-std::string PartName(const std::string& path, int part) {
-    const size_t name = path.find_last_of("/\\") + 1;  // 0 without a folder
-    const size_t dot = path.find_last_of('.');
-    const size_t place = dot == std::string::npos || dot <= name ? path.size() : dot;
-    return fmt::format("{}-{:03}{}", path.substr(0, place), part, path.substr(place));
-}
 
 // The lines again, as few as have room below a plot.
 std::vector<std::string> Paragraph(const std::vector<std::string>& lines) {
@@ -47,7 +40,7 @@ RecordingFiles::RecordingFiles(const Options& options, const RecordingTask& task
       Recording_{summary, task, "", UnitsAdvice(task.Channels), options.Split ? 1 : 0, 0},
       File_(Open(Recording_.Part)),
       Envelope_(MissingBits(task.Channels)) {
-    if (!options.PlotPath.empty()) PlotFile_.emplace(options.PlotPath, "", &File_->File());
+    if (!options.PlotPath.empty()) PlotFile_.emplace(options.PlotPath, "", &File_->Output());
 }
 
 std::unique_ptr<DataFile> RecordingFiles::Open(int part) const {
@@ -92,7 +85,7 @@ int64_t RecordingFiles::Room() const {
 void RecordingFiles::NextPart() {
     std::unique_ptr<DataFile> next = Open(Recording_.Part + 1);
     Verdict verdict = OfThisFile(VerdictSoFar(End::Continued));
-    verdict.Reason = next->File().Path();
+    verdict.Reason = next->Output().Path();
     File_->Finish(verdict);
     File_ = std::move(next);
     Recording_.Part++;
@@ -113,8 +106,8 @@ void RecordingFiles::Finish(const Verdict& verdict) {
 }
 
 std::string RecordingFiles::Names() const {
-    if (Recording_.Part <= 1) return File_->File().Path();
-    return PartName(Options_.OutputPath, 1) + " to " + File_->File().Path();
+    if (Recording_.Part <= 1) return File_->Output().Path();
+    return PartName(Options_.OutputPath, 1) + " to " + File_->Output().Path();
 }
 
 Verdict RecordingFiles::VerdictSoFar(End end) const {

@@ -17,8 +17,6 @@ struct RecordedModule {
     int Slot = 0;       // in the crate; 0: unknown
 };
 
-constexpr int64_t UntilInterrupted = INT64_MAX;  // as a number of kadrs
-
 struct RecordingTask {
     std::vector<Channel> Channels;
     std::vector<RecordedModule> Modules;

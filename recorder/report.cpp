@@ -6,7 +6,7 @@
 
 #include "recorder/console.h"
 #include "recorder/csv_writer.h"
-#include "recorder/npy_file.h"
+#include "recorder/file_names.h"
 #include "recorder/output_file.h"
 #include "recorder/words.h"
 

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "recorder/recording_task.h"
+#include "recorder/options.h"
 #include "recorder/words.h"
 
 namespace corvane::recorder {
