@@ -19,9 +19,9 @@ const std::string Path = "Software\\Vrex\\ADC\\L-Card\\LTR27";
 std::vector<std::string> StoreAny(FuzzInput& input) {
     std::vector<std::string> names;
     while (!input.Empty()) {
-        static const std::string Known[] = {"Rate", "MarkSTARTMode", "", "rate"};
+        static const std::string known[] = {"Rate", "MarkSTARTMode", "", "rate"};
         const uint8_t choice = input.Byte();
-        const std::string name = choice % 8 < std::size(Known) ? Known[choice % 8] : input.Text();
+        const std::string name = choice % 8 < std::size(known) ? known[choice % 8] : input.Text();
         if (choice >= 0xF8) {
             platform::StoreSubKey(CurrentUserRoot, choice % 2 == 0 ? Path : Path + "\\" + input.Text(), name);
             continue;
@@ -33,29 +33,32 @@ std::vector<std::string> StoreAny(FuzzInput& input) {
     return names;
 }
 
+template <class Value>
+bool Same(const Value& one, const Value& other) {
+    return one == other || (one != one && other != other);  // NaN, too
+}
+
 // Every reader gets a value or leaves it; what was read can be written and read again.
 void ReadEach(cRegistry& registry, const std::string& name) {
-#define CORVANE_REQUIRE_ROUND_TRIP(F, T)                                                                   \
-    {                                                                                                      \
-        T value = {}, again = {};                                                                          \
-        if (registry.Read##F##At(CurrentUserRoot, Path, name, value)) {                                    \
-            Require(registry.Write##F##At(CurrentUserRoot, Path, "again", value), "written");              \
-            Require(registry.Read##F##At(CurrentUserRoot, Path, "again", again), "read again");            \
-            Require(std::memcmp(&value, &again, sizeof value) == 0 || Same(value, again), "the same " #F); \
-        }                                                                                                  \
+#define CORVANE_REQUIRE_ROUND_TRIP(F, T)                                                      \
+    if (T value = {}, again = {}; registry.Read##F##At(CurrentUserRoot, Path, name, value)) { \
+        Require(registry.Write##F##At(CurrentUserRoot, Path, "again", value), "written");     \
+        Require(registry.Read##F##At(CurrentUserRoot, Path, "again", again), "read again");   \
+        Require(Same(value, again), "the same " #F);                                          \
     }
-    const auto Same = []<class Value>(const Value& value, const Value& again) { return value == again; };
     CORVANE_REGISTRY_FAMILIES(CORVANE_REQUIRE_ROUND_TRIP)
     CORVANE_REQUIRE_ROUND_TRIP(Binary, RegistryBytes)
+#undef CORVANE_REQUIRE_ROUND_TRIP
     std::string text;
     if (registry.ReadStringAt(CurrentUserRoot, Path, name, text)) {
         RequireText(text, AnyControl.substr(1), "text without zeros");
     }
     RegistryValue any;
     const uint32_t type = registry.QueryValue(CurrentUserRoot, Path, name, any);
-    const bool text7 = type == platform::MultiTextType;
     Require(any.index() != 1 || type == platform::DWordType || type == platform::BigEndianDWordType, "a number");
-    Require(any.index() != 2 || type == platform::TextType || type == platform::ExpandTextType || text7, "a text");
+    const bool isText =
+        type == platform::TextType || type == platform::ExpandTextType || type == platform::MultiTextType;
+    Require(any.index() != 2 || isText, "a text");
     Require(any.index() != 3 || type == platform::BinaryType, "bytes");
 }
 
