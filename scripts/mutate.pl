@@ -11,13 +11,13 @@ use List::Util qw(max sum0);
 use POSIX ();
 use Time::HiRes 'time';
 
-my $usage = "usage: scripts/mutate [--sample N [--seed S]] [--minutes M] [--jobs J] [--unnoticed | FILE[:LINE]...]\n";
+my $usage = "usage: scripts/mutate [--sample N [--seed S]] [--minutes M] [--jobs J] [--again | FILE[:LINE]...]\n";
 my ($sample, $seed, $minutes, $jobs, $again) = (0, 1, 0, 4, 0);
 GetOptions('sample=i' => \$sample, 'seed=i' => \$seed, 'minutes=f' => \$minutes, 'jobs=i' => \$jobs,
-           'unnoticed' => \$again) or die $usage;
+           'again' => \$again) or die $usage;
 
 my ($build, $work) = ('build/native', 'build/mutate');
-my $list = "$work/unnoticed";  # file, line, broken line
+my $list = "$work/again";  # file, line, its text, broken text
 my $root = POSIX::getcwd();
 mkdir $work;
 $ENV{CCACHE_DISABLE} = 1;  # no break is compiled twice
@@ -103,7 +103,7 @@ my %command;  # of each source in the build
     }
 }
 
-# Named on the command line: files, folders, FILE:LINE; or, with --unnoticed, what the last run listed.
+# Named on the command line: files, folders, FILE:LINE; or, with --again, what the last run listed.
 my @mutants;
 sub add_file {
     my ($file, $only) = @_;
@@ -197,14 +197,19 @@ sub link_apart {
         if (/^(\S+\.o):/) { $object = $1 }
         elsif (m{^\s+(?:\Q$root\E/|\.\./\.\./)?\Q$header\E$}) { $sources{$object} = 1 }
     }
-    my $number = 0;
+    my ($number, $compiling) = (0, 0);
+    my $next = sub { wait; $? == 0 or die "What includes $header does not compile: see $folder\n"; $compiling-- };
     for my $file (sort keys %command) {
         my ($object) = $command{$file} =~ / -o (\S+)/;
         next unless $sources{$object} && $file !~ m{^(bench|fuzz|soak)/};
         my $apart = "$folder/" . $number++ . '.o';
-        compile($command{$file}, $folder, '-O0 -g0', "$root/$file", $apart) or die "$file does not compile: see $folder\n";
+        $next->() if $compiling == $jobs;
+        my $pid = fork // die "fork: $!\n";
+        POSIX::_exit(!compile($command{$file}, $folder, '-O0 -g0', "$root/$file", $apart)) if $pid == 0;
+        $compiling++;
         $linking =~ s{(^| )\Q$object\E }{$1$apart } or $linking =~ s{( \S+\.o )}{ $apart$1};
     }
+    $next->() while $compiling;
     return $link_of{$header} = $linking;
 }
 
@@ -302,16 +307,18 @@ for my $mutant (@mutants) {
 reap() while %running;
 
 my @done = grep { defined $_->{result} && $_->{result} ne 'does not compile' } @mutants;
-my @unnoticed = grep { $_->{result} eq 'unnoticed' } @done;
+my @listed = sort { $a->{file} cmp $b->{file} || $a->{line} <=> $b->{line} } @done;
+my @unnoticed = grep { $_->{result} eq 'unnoticed' } @listed;
+my @timeouts = grep { $_->{result} eq 'time-out' } @listed;
 open my $out, '>', $list or die "$list: $!\n";
-print $out join("\t", @$_{qw(file line was text)}), "\n" for @unnoticed;
+print $out join("\t", @$_{qw(file line was text)}), "\n" for @unnoticed, @timeouts;
 close $out;
-print "\nUnnoticed:\n" if @unnoticed;
-for (sort { $a->{file} cmp $b->{file} || $a->{line} <=> $b->{line} } @unnoticed) {
-    printf "%s:%d\n    %s\n    %s\n", $_->{file}, $_->{line}, map { s/^\s+//r } $_->{was}, $_->{text};
+for (['Noticed by a time-out, which a busy machine makes, too', @timeouts], ['Unnoticed', @unnoticed]) {
+    my ($title, @which) = @$_;
+    print "\n$title:\n" if @which;
+    printf "%s:%d\n    %s\n    %s\n", $_->{file}, $_->{line}, map { s/^\s+//r } $_->{was}, $_->{text} for @which;
 }
-my $timeouts = grep { $_->{result} eq 'time-out' } @done;
 my $left = grep { !defined $_->{result} } @mutants;
 printf "%d more were not tried in the time\n", $left if $left;
-printf "mutants %d, noticed %d (%d by a time-out), unnoticed %d\n", scalar @done, @done - @unnoticed, $timeouts,
-    scalar @unnoticed;
+printf "mutants %d, noticed %d (%d by a time-out), unnoticed %d\n", scalar @done, @done - @unnoticed,
+    scalar @timeouts, scalar @unnoticed;

@@ -154,7 +154,14 @@ TEST(DataRing, NeedsNoRoomForTwoUnlessKadrsAreUnread) {
     EXPECT_EQ(kadr[0], 4711);
     EXPECT_FALSE(ring.ResetInputBuffer(31, 2 * Kadrs)) << "more than there is";
     EXPECT_EQ(std::tuple(ring.Channels(), ring.Length()), std::tuple(0, 0));
-    EXPECT_TRUE(ring.ResetInputBuffer(1, 1));
+    for (const int16_t first : {int16_t{7}, int16_t{8}}) {  // begins anew, though kadrs are left
+        ASSERT_TRUE(ring.ResetInputBuffer(1, 4));
+        EXPECT_EQ(ring.KadrsRecorded(), 0);
+        *ring.BlockToWrite() = first;
+        ring.Commit(3);
+        EXPECT_EQ(ring.Read(kadr.data(), 2), 2);
+        EXPECT_EQ(std::pair(kadr[0], kadr[1]), std::pair(first, int16_t{0}));
+    }
 }
 
 TEST(InputState, GetDataTakesWholeKadrsOfTheRecordedShape) {
