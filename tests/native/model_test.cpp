@@ -161,6 +161,7 @@ TEST(DataRing, NeedsNoRoomForTwoUnlessKadrsAreUnread) {
         ring.Commit(3);
         EXPECT_EQ(ring.Read(kadr.data(), 2), 2);
         EXPECT_EQ(std::pair(kadr[0], kadr[1]), std::pair(first, int16_t{0}));
+        EXPECT_TRUE(ring.KadrsRead() == 2 && ring.KadrsRecorded() == 3);
     }
 }
 

@@ -229,10 +229,10 @@ TEST(RecorderCommandLine, MoreGapsThanTheDriverListsAreNoSilence) {
     ASSERT_EQ(LtrSim_Configure((SequenceCrate({3, 5}, "0") + fault).c_str()), 0) << LtrSim_Message();
     Said.clear();
     platform::SkipSleeps = true;
-    EXPECT_EQ(RunCommandLine({"record", "-r", "1000", "-d", "600s", "-c", "0", "-o", csv, "--stall-timeout", "100ms"}),
+    EXPECT_EQ(RunCommandLine({"record", "-r", "1000", "-d", "6000s", "-c", "0", "-o", csv, "--stall-timeout", "300ms"}),
               ExitCode::Incomplete);
     platform::SkipSleeps = false;
-    EXPECT_NE(StandardOutputText.find("600000 kadrs of 1 channel at 1000 Hz (600 s), all kadrs written"),
+    EXPECT_NE(StandardOutputText.find("6000000 kadrs of 1 channel at 1000 Hz (6000 s), all kadrs written"),
               std::string::npos)
         << StandardOutputText;
     EXPECT_EQ(Said.find("sends nothing"), std::string::npos) << Said;

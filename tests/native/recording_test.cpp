@@ -350,35 +350,5 @@ TEST_F(RecordingTest, EveryKadrPassesOnceInOrder) {
     EXPECT_GT(fills, 10);
 }
 
-TEST_F(RecordingTest, StartsAndStopsLeaveNothingBehindNorDoesTheEndInTheMiddle) {
-    const auto threads = Threads();
-    std::mt19937 random(3);
-    const float rates[] = {1000, 500, 250, 20, 4};
-    for (int cycle = 0; cycle < 100; cycle++) {
-        Configure(SequenceCrate({3, 5}, cycle % 2 ? "0" : "1.0"));
-        ASSERT_TRUE(Driver->Test());
-        for (int run = 0; run < 5 && cycle % 2 != 0; run++) {
-            Select(run % 3 == 0 ? std::vector<int16_t>{0} : std::vector<int16_t>{1, 17});
-            Driver->SetRate(rates[run]);
-            ASSERT_TRUE(Driver->StartRecord()) << cycle << " " << Driver->LastError();
-            ASSERT_TRUE(random() % 2 == 0 || Eventually([&] { return Driver->InputCountKadrs() > 0; }));
-            Driver->StopRecord();
-            ASSERT_TRUE(Eventually([] { return LtrSim_RunningModules() == 0; }));
-        }
-        Select({0, 16});
-        Driver->SetRate(1000);
-        if (cycle % 10 == 0)
-            AddFault("call = \"LTR27_Recv\"\nstall = true");  // the thread hangs in a receive of 564 ms
-        ASSERT_TRUE(Driver->StartRecord());
-        if (cycle % 3) std::this_thread::sleep_for(std::chrono::milliseconds(cycle % 7));
-        if (cycle % 4 == 0) Driver->StopRecord();
-        Driver.reset();
-        ASSERT_EQ(LtrSim_OpenConnections(), 0);
-        ASSERT_EQ(LtrSim_RunningModules(), 0);
-        ASSERT_EQ(LtrSim_Violations(), 0) << LtrSim_Message();
-    }
-    EXPECT_TRUE(Eventually([&] { return Threads() == threads; }));
-}
-
 }  // namespace
 }  // namespace corvane

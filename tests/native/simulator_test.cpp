@@ -2,14 +2,12 @@
 
 #include <array>
 #include <bit>
-#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 
 #include "hardware/vendor_imports.h"
 #include "simulator/error_codes.h"
-#include "simulator/scenario.h"
 #include "tests/native/driver_fixture.h"
 
 using namespace corvane;
@@ -64,19 +62,6 @@ struct Link {
 
     CrateConnection Record{};
 };
-
-// That it does with the calibration, whole recordings show.
-TEST(Simulator, GivesNoSignalWithoutTheFactoryCalibration) {
-    std::string toml = ltrsim::DefaultScenario;
-    Configure(toml.replace(toml.find("speed = 1.0"), 11, "speed = 0"));
-    Board board(3, "3T123456");
-    ASSERT_EQ(board.Receive(1600), 1600);
-    ASSERT_EQ(board.Process(), 0);
-    for (size_t w = 0; w < 1600; w++) {
-        const double code = LtrSim_ExpectedCode(3, static_cast<int32_t>(w % 16), static_cast<int64_t>(w / 16), 1000);
-        ASSERT_TRUE(std::isnan(code) || std::abs(board.Values[w] - code) > 5) << w;
-    }
-}
 
 TEST(Simulator, AModuleKeepsItsConfigurationAndTextsFillTheirFields) {
     const std::string serial = "CRATE-OF-16-CHRS";
