@@ -123,7 +123,9 @@ Verdict RecordingFiles::OfThisFile(Verdict verdict) const {
 void RecordingFiles::WritePlot(std::span<const Gap> gaps) {
     const std::string details =
         fmt::format("{}, {:.6g} Hz, {}", Recording_.Start, Recording_.Task.Rate, Counted(Envelope_.Kadrs(), "kadr"));
-    const std::vector<std::string> notes = Paragraph(Recording_.Device.Lines());
+    DeviceSummary device = Recording_.Device;
+    for (Library& library : device.Libraries) library.File.clear();  // a long path, which only its own machine minds
+    const std::vector<std::string> notes = Paragraph(device.Lines());
     PlotFile_->Buffer() = RenderPlot({.Title = Recording_.Device.Device(),
                                       .Details = details,
                                       .Rate = Recording_.Task.Rate,
