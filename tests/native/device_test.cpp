@@ -62,20 +62,6 @@ TEST_F(DeviceTest, ObjectsOfOneThreadShareOneDevice) {
     EXPECT_FALSE(DriverObject().Detected());
 }
 
-TEST_F(DeviceTest, WhatAThreadLeavesIsStopped) {
-    const auto threads = Threads();
-    alignas(DriverObject) std::byte forgotten[sizeof(DriverObject)];
-    std::thread([&] {
-        auto* const driver = new (forgotten) DriverObject;
-        EXPECT_TRUE(driver->Test() && driver->StartRecord()) << driver->LastError();
-        LeaveThread();
-        EXPECT_FALSE(driver->Busy());
-    }).join();
-    EXPECT_TRUE(Eventually([&] { return Threads() == threads; }));
-    EXPECT_EQ(LtrSim_OpenConnections(), 2) << "closed only with the library";
-    Configure(SequenceCrate({3}, "1.0"));  // takes the connections away
-}
-
 TEST_F(DeviceTest, DescriptionsTellTheBoardAndTheCrate) {
     ASSERT_TRUE(Driver->Test());
     DriverState& state = State();
