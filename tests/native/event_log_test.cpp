@@ -57,8 +57,8 @@ TEST_F(EventLog, IsKeptWhereItExistsAndTellsTheRoadOfARecording) {
     for (const char* part :
          {"Corvane 3.", "host ", "settings read", "server 127.0.0.1: crates 1", "opening crate CRATE1",
           "Crate Slot: 3, mezzanines SEQ, SEQ, SEQ, SEQ, SEQ, SEQ, SEQ, -\r\n", "Crate Slot: 5",
-          "recording: channels 0-1,16 at 1000.000000 Hz, ring of 32768 kadrs, blocks of 64, time-out 564 ms, "
-          "START mark mode 0, waits for the mark\r\n",
+          ("recording: channels 0-1,16 at 1000.000000 Hz, ring of 32768 kadrs, blocks of 64, time-out 564 ms, "
+           "START mark mode 0, waits for the mark\r\n"),
           "gap: slot 5, 64 kadrs from 128: nothing came",
           "recording ended: ", " kadrs, of which the host has 192; gaps: 1\r\n", "device closed", "settings written"}) {
         const size_t at = text.find(part, last);

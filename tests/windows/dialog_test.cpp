@@ -453,7 +453,7 @@ DWORD Objects(DWORD kind, const std::function<void*()>& create, const std::funct
 TEST_F(Dialogs, LeaveNoWindowsHandlesOrPictures) {
     const char* asked = std::getenv("CORVANE_ROUNDS");
     const int first = 3, rounds = first + (asked != nullptr ? std::atoi(asked) : 12);
-    static ACCEL Key = {FVIRTKEY, VK_F24, 1};
+    static ACCEL key = {FVIRTKEY, VK_F24, 1};
     const auto each = static_cast<DWORD>((rounds - first) / 3);  // times that each dialog comes up
     DWORD handles = 0, user = 0, gdi = 0;
     for (int round = 0;; round++) {
@@ -461,7 +461,7 @@ TEST_F(Dialogs, LeaveNoWindowsHandlesOrPictures) {
         if (round == first || round == rounds) {
             const DWORD handlesNow = OpenHandles();
             const DWORD userNow = Objects(
-                GR_USEROBJECTS, [] { return CreateAcceleratorTableW(&Key, 1); },
+                GR_USEROBJECTS, [] { return CreateAcceleratorTableW(&key, 1); },
                 [](void* table) { DestroyAcceleratorTable(static_cast<HACCEL>(table)); });
             const DWORD gdiNow = Objects(
                 GR_GDIOBJECTS, [] { return CreatePen(PS_SOLID, 1, 0); }, [](void* pen) { DeleteObject(pen); });
