@@ -1,5 +1,7 @@
 #include "tests/windows/com_host.h"
 
+#include <tlhelp32.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -75,6 +77,18 @@ DWORD OpenHandles() {
     const HANDLE probe = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     CloseHandle(probe);
     return static_cast<DWORD>(reinterpret_cast<uintptr_t>(probe) / 4);
+}
+
+int RunningThreads() {
+    int threads = 0;
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    THREADENTRY32 thread = {};
+    thread.dwSize = sizeof thread;
+    for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread)) {
+        threads += thread.th32OwnerProcessID == GetCurrentProcessId();
+    }
+    CloseHandle(snapshot);
+    return threads;
 }
 
 ComPtr<IADC3> CreateDriver() {

@@ -58,6 +58,9 @@ DWORD RunProcess(std::wstring command, DWORD timeoutMs, HANDLE output = nullptr)
 // Grows with each handle that this process leaves open, whatever it counts from.
 DWORD OpenHandles();
 
+// Threads of this process.
+int RunningThreads();
+
 // Creates an object by its programmatic identifier. Null when that fails.
 ComPtr<IADC3> CreateDriver();
 

@@ -5,94 +5,16 @@
 #include <sddl.h>
 #include <shlwapi.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
-#include "tests/windows/dialog_user.h"
-#include "tests/windows/recording_host.h"
+#include "tests/windows/dialog_host.h"
 
 namespace corvane::test {
 namespace {
-
-// Titles and texts in Russian, the language that the tests run in.
-constexpr wchar_t AddressTitle[] = L"Выбор IP адреса";
-constexpr wchar_t SetupTitle[] = L"Настройки LTR27 (v3.2.1)";
-constexpr wchar_t ConnectText[] = L"Подключите LTR крейт и запустите LTR Server!";
-constexpr wchar_t SelectText[] = L"Пожалуйста укажите IP адрес!";
-constexpr wchar_t DeviceTitle[] = L"Select Device - IP: 127.0.0.1";
-constexpr int MessageTextId = 0xFFFF;  // of the text in the platform's message boxes
-
-std::string ListFile() {
-    const std::wstring path = ComponentPath();
-    return std::string(path.begin(), path.begin() + static_cast<ptrdiff_t>(path.rfind(L'\\') + 1)) + "iplist.txt";
-}
-
-std::string FileText() {
-    std::ifstream file(ListFile(), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-constexpr wchar_t SettingsKey[] = L"Software\\Vrex\\ADC\\L-Card\\LTR27";
-
-DWORD StoredMode() {
-    DWORD mode = 99, size = sizeof mode;
-    SHGetValueW(HKEY_CURRENT_USER, SettingsKey, L"MarkSTARTMode", nullptr, &mode, &size);
-    return mode;
-}
-
-class Dialogs : public DriverTest {
-protected:
-    void SetUp() override {
-        ForgetSettings();
-        DriverTest::SetUp();
-        // A host that takes input, as the dialogs come in front of it.
-        Host = CreateWindowW(WC_STATICW, L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40, 40, 500, 400, nullptr, nullptr,
-                             nullptr, nullptr);
-        SetForegroundWindow(Host);
-        Hook = SetWindowsHookExW(WH_CALLWNDPROCRET, SeeTitle, nullptr, GetCurrentThreadId());
-    }
-    void TearDown() override {
-        UnhookWindowsHookEx(Hook);
-        DestroyWindow(Host);
-        DriverTest::TearDown();
-        ForgetSettings();
-    }
-    static void ForgetSettings() {
-        std::remove(ListFile().c_str());
-        RegDeleteKeyW(HKEY_CURRENT_USER, SettingsKey);
-    }
-
-    void Configure(const std::string& toml) { ASSERT_EQ(0, LtrSim_Configure(toml.c_str())) << LtrSim_Message(); }
-
-    bool TestWith(const wchar_t* title, std::function<void(DialogUser&)> script) {
-        const DialogUser user(title, std::move(script));
-        const bool found = True(Driver.Get(), &IADC3::Test);
-        EXPECT_TRUE(IsWindowEnabled(Host)) << "the host is usable again";
-        return found;
-    }
-
-    void SettingWith(std::function<void(DialogUser&)> script, const wchar_t* title = SetupTitle) {
-        const DialogUser user(title, std::move(script));
-        EXPECT_FALSE(True(Driver.Get(), &IADC3::ShowSetting));
-    }
-
-    // The window whose title was drawn last as that of the active one.
-    static inline HWND ActiveTitle = nullptr;
-    static LRESULT CALLBACK SeeTitle(int code, WPARAM wParam, LPARAM lParam) {
-        const CWPRETSTRUCT& sent = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
-        if (sent.message == WM_NCACTIVATE && sent.wParam != FALSE) ActiveTitle = sent.hwnd;
-        if (sent.message == WM_NCACTIVATE && sent.wParam == FALSE && ActiveTitle == sent.hwnd) ActiveTitle = nullptr;
-        return CallNextHookEx(nullptr, code, wParam, lParam);
-    }
-
-    HWND Host = nullptr;
-    HHOOK Hook = nullptr;
-};
 
 // The first has the focus; from there the Tab key visits all of these and comes round.
 void ExpectTabStops(DialogUser& user, const std::vector<HWND>& stops) {
@@ -436,57 +358,6 @@ TEST_F(Dialogs, HelpThatCannotBeOpenedIsReported) {
         user.Press(VK_RETURN);
         user.Press(VK_ESCAPE);
     });
-}
-
-// Objects of this process. Wine counts none, but numbers them from the lowest free number: those that are made here
-// fill whatever is free below.
-DWORD Objects(DWORD kind, const std::function<void*()>& create, const std::function<void(void*)>& destroy) {
-    if (const DWORD counted = GetGuiResources(GetCurrentProcess(), kind); counted != 0) return counted;
-    std::vector<void*> probes(3000);
-    WORD highest = 0;
-    for (void*& probe : probes) highest = std::max(highest, LOWORD(reinterpret_cast<uintptr_t>(probe = create())));
-    for (void* const probe : probes) destroy(probe);
-    return highest;
-}
-
-// As many rounds as CORVANE_ROUNDS says; few by default.
-TEST_F(Dialogs, LeaveNoWindowsHandlesOrPictures) {
-    const char* asked = std::getenv("CORVANE_ROUNDS");
-    const int first = 3, rounds = first + (asked != nullptr ? std::atoi(asked) : 12);
-    static ACCEL key = {FVIRTKEY, VK_F24, 1};
-    const auto each = static_cast<DWORD>((rounds - first) / 3);  // times that each dialog comes up
-    DWORD handles = 0, user = 0, gdi = 0;
-    for (int round = 0;; round++) {
-        Driver.Reset();
-        if (round == first || round == rounds) {
-            const DWORD handlesNow = OpenHandles();
-            const DWORD userNow = Objects(
-                GR_USEROBJECTS, [] { return CreateAcceleratorTableW(&key, 1); },
-                [](void* table) { DestroyAcceleratorTable(static_cast<HACCEL>(table)); });
-            const DWORD gdiNow = Objects(
-                GR_GDIOBJECTS, [] { return CreatePen(PS_SOLID, 1, 0); }, [](void* pen) { DeleteObject(pen); });
-            if (round == rounds) {
-                std::printf("%d rounds: handles %lu -> %lu, user %lu -> %lu, gdi %lu -> %lu\n", rounds - first, handles,
-                            handlesNow, user, userNow, gdi, gdiNow);
-                EXPECT_LT(handlesNow, handles + each);
-                EXPECT_LT(userNow, user + each);
-                EXPECT_LT(gdiNow, gdi + each);
-                return;
-            }
-            handles = handlesNow, user = userNow, gdi = gdiNow;
-        }
-        const char* const server = round % 3 == 0 ? "192.168.10.5" : "127.0.0.1";
-        Configure(Server(server) + Crate("FIRST", {3}) + (round % 3 == 1 ? Crate("SECOND", {12}) : ""));
-        Driver = CreateDriver();
-        const auto close = [](DialogUser&) {};
-        if (round % 3 < 2) {
-            EXPECT_FALSE(TestWith(round % 3 == 0 ? AddressTitle : DeviceTitle, close));
-            continue;
-        }
-        ASSERT_TRUE(True(Driver.Get(), &IADC3::Test));
-        SettingWith(close);
-        EXPECT_TRUE(Start(1000));
-    }
 }
 
 }  // namespace

@@ -1,9 +1,6 @@
 // What the tests' fixture needs of the platform, on Windows.
-#include <windows.h>
-
-#include <tlhelp32.h>
-
 #include "tests/native/driver_fixture.h"
+#include "tests/windows/com_host.h"
 
 namespace corvane {
 
@@ -18,15 +15,7 @@ void ClearRegistry() {}  // the settings of the test's own prefix harm nobody
 }  // namespace platform
 
 int Threads() {
-    int threads = 0;
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    THREADENTRY32 thread = {};
-    thread.dwSize = sizeof thread;
-    for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread)) {
-        threads += thread.th32OwnerProcessID == GetCurrentProcessId();
-    }
-    CloseHandle(snapshot);
-    return threads;
+    return test::RunningThreads();
 }
 
 }  // namespace corvane

@@ -216,18 +216,11 @@ TEST_F(Recording, WhatADeadThreadLeftEndsWithTheLibrary) {
 }
 
 struct ProcessLoad {
-    int Threads = 0;
+    int Threads = RunningThreads();
     DWORD Handles = OpenHandles();
     DWORD Bytes = 0;  // private memory
 
     ProcessLoad() {
-        const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-        THREADENTRY32 thread = {};
-        thread.dwSize = sizeof thread;
-        for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread)) {
-            Threads += thread.th32OwnerProcessID == GetCurrentProcessId();
-        }
-        CloseHandle(snapshot);
         PROCESS_MEMORY_COUNTERS memory = {};
         GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
         Bytes = static_cast<DWORD>(memory.PagefileUsage);
