@@ -50,7 +50,8 @@ void RequireOptions(const std::vector<std::string>& arguments) {
     if (options->Action != Command::Record) return;
     Require(!options->OutputPath.empty(), "a file to write");
     Require(options->PlotPath != "-", "a picture goes to a file");
-    Require(options->Duration > 0 && options->Duration <= LongestTime, "a duration");
+    Require(options->Kadrs > 0, "a number of kadrs");
+    Require(!options->Duration || (*options->Duration > 0 && *options->Duration <= LongestTime), "a duration");
     Require(options->StallTimeout >= 0 && options->StallTimeout <= LongestTime, "a time-out");
     Require(!options->Rate || (*options->Rate > 0 && std::isfinite(*options->Rate)), "a rate");
 }
@@ -58,10 +59,12 @@ void RequireOptions(const std::vector<std::string>& arguments) {
 // Arguments with a zero between them. A byte above the letters stands for a whole piece: chance alone writes no option.
 std::vector<std::string> Arguments(std::string_view bytes) {
     static constexpr std::string_view Pieces[] = {
-        "record", "list",   "settings",  "--output",   "-o", "out.csv",  "--channels", "-c",
-        "0-15",   "fitted", "all",       "--duration", "-d", "1h30m",    "ms",         "--rate",
-        "-r",     "500Hz",  "1e3",       "--plot",     "-p", "--server", "--crate",    "--stall-timeout",
-        "-q",     "--help", "--version", "--quiet",    "=",  "--"};
+        "record", "list",    "settings",  "--output",   "-o", "out.csv",  "--channels", "-c",
+        "0-15",   "fitted",  "all",       "--duration", "-d", "1h30m",    "ms",         "--rate",
+        "-r",     "500Hz",   "1e3",       "--plot",     "-p", "--server", "--crate",    "--stall-timeout",
+        "-q",     "--help",  "--version", "--quiet",    "=",  "--",       "convert",    "in.npy",
+        "--from", "--to",    "--every",   "--split",    "-n", "out.npy",  "--csv",      "excel-ru",
+        "1GB",    "--means", "--minmax",  "--samples"};
     std::vector<std::string> arguments(1);
     for (const char byte : bytes) {
         const auto piece = static_cast<uint8_t>(byte) - 128u;
