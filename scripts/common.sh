@@ -88,7 +88,7 @@ start_wine() { # [folder of the prefix in build/]
   export DISPLAY=:$(cat "$number_file")
   # Wine refuses a prefix of another user, left by a run through sudo, say: it is made anew.
   [ ! -d "$WINEPREFIX" ] || [ -O "$WINEPREFIX" ] || rm -rf "$WINEPREFIX"
-  timeout 600 wineboot -u >build/wine.log 2>&1 || { tail -n 20 build/wine.log >&2; echo "Wine can't start" >&2; return 1; }
+  timeout 600 wineboot >build/wine.log 2>&1 || { tail -n 20 build/wine.log >&2; echo "Wine can't start" >&2; return 1; }
 }
 
 stop_wine() {

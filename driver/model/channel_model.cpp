@@ -1,7 +1,10 @@
 #include "driver/model/channel_model.h"
 
-#include <charconv>
+#include <clocale>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
 
 #include "base/two_digits.h"
 #include "platform/ansi_text.h"
@@ -27,17 +30,22 @@ void Resize(DeviceInfo& device, size_t ranges) {
 }
 
 // The shortest text that reads back as the same number, with the user's decimal separator. Very small and very large
-// numbers have an exponent.
+// numbers have an exponent. std::to_chars would say it in one call, and make the component larger by a quarter.
 std::string NumberText(float number) {
     if (number == 0) return "0";  // also for a negative zero
-    const float size = std::abs(number);
-    const bool plain = size >= 1e-4f && size < 1e7f;
     char digits[64];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number,
-                                   plain ? std::chars_format::fixed : std::chars_format::general);
-    std::string text(digits, end.ptr);
-    const size_t point = text.find('.');
-    if (point != std::string::npos) text.replace(point, 1, platform::DecimalSeparator());
+    if (std::abs(number) < 1e7f && number == std::trunc(number)) {
+        std::snprintf(digits, sizeof digits, "%.0f", double{number});
+    } else {
+        int count = 1;
+        do {
+            std::snprintf(digits, sizeof digits, "%.*g", count, double{number});
+        } while (std::strtof(digits, nullptr) != number && ++count <= std::numeric_limits<float>::max_digits10);
+    }
+    std::string text = digits;
+    const std::string_view point = std::localeconv()->decimal_point;  // the host may have set a locale
+    const size_t at = text.find(point);
+    if (at != std::string::npos) text.replace(at, point.size(), platform::DecimalSeparator());
     return text;
 }
 
