@@ -5,6 +5,7 @@
 
 #include "recorder/console.h"
 #include "recorder/convert_command.h"
+#include "recorder/driver_command.h"
 #include "recorder/host_device.h"
 #include "recorder/list_command.h"
 #include "recorder/open_device.h"
@@ -20,6 +21,7 @@ ExitCode Run(const Options& options) {
         return ExitCode::Success;
     }
     if (options.Action == Command::Convert) return Convert(options);
+    if (options.Action == Command::Driver) return ManageDriver(options);
     HostDevice device;
     OpenDevice(options, device);
     if (options.Action == Command::Settings) {

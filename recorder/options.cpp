@@ -11,6 +11,7 @@
 #include <set>
 #include <sstream>
 #include <string_view>
+#include <tuple>
 
 #include "recorder/failure.h"
 #include "recorder/file_names.h"
@@ -160,6 +161,26 @@ CLI::App* AddConvert(CLI::App& app, RawOptions& raw, Options& options) {
     return convert;
 }
 
+CLI::App* AddDriver(CLI::App& app, Options& options) {
+    static constexpr std::tuple<const char*, const char*, DriverAction> Actions[] = {
+        {"--real", "Register the driver beside this program", DriverAction::Real},
+        {"--simulator", "Register the one with simulated vendor libraries, to try it without a crate",
+         DriverAction::Simulator},
+        {"--unregister", "Remove the driver's registration", DriverAction::Unregister},
+        {"--copy-libraries", "Copy the vendor's libraries beside the driver from where they are found",
+         DriverAction::CopyLibraries},
+        {"--programs", "List the programs that have the driver loaded", DriverAction::Users}};
+    CLI::App* driver = app.add_subcommand("driver", "Show which driver hosts load, or choose it (Windows only)");
+    auto* actions = driver->add_option_group("actions");
+    for (const auto& [flag, text, action] : Actions) {
+        actions->add_flag_callback(
+            flag, [&options, action = action] { options.Driver = action; }, text);
+    }
+    actions->require_option(0, 1);
+    driver->add_flag("--this-user", options.ThisUser, "With --real or --simulator: for this user only");
+    return driver;
+}
+
 CsvStyle ParseCsvStyle(const std::string& text) {
     if (text == "plain") return PlainCsv;
     if (text == "excel") return ExcelCsv;
@@ -286,11 +307,13 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     CLI::App* record = AddRecord(app, raw, options);
     for (CLI::App* command : {list, settings, record}) AddDeviceChoice(command, options);
     CLI::App* convert = AddConvert(app, raw, options);
-    const std::array commands = {list, settings, record, convert};
+    CLI::App* driver = AddDriver(app, options);
+    const std::array commands = {list, settings, record, convert, driver};
     if (!arguments.empty() && !arguments.front().starts_with('-') &&
         std::ranges::none_of(commands, [&](const CLI::App* each) { return each->get_name() == arguments.front(); })) {
         ThrowUsage(
-            "There is no command \"{}\": ltr27rec has list, record, convert and settings. Run ltr27rec --help for "
+            "There is no command \"{}\": ltr27rec has list, record, convert, settings and driver. Run ltr27rec --help "
+            "for "
             "help.",
             arguments.front());
     }
@@ -303,13 +326,15 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
         return options;
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty()) {
-            ThrowUsage("Give a command: ltr27rec list, record, convert or settings. Run ltr27rec --help for help.");
+            ThrowUsage(
+                "Give a command: ltr27rec list, record, convert, settings or driver. Run ltr27rec --help for help.");
         }
         ThrowUsage("{}\nRun ltr27rec --help for help.", error.what());
     }
     if (record->parsed()) UnderstandRecord(raw, options);
     if (convert->parsed()) UnderstandConvert(raw, options);
     if (settings->parsed()) options.Action = Command::Settings;
+    if (driver->parsed()) options.Action = Command::Driver;
     if (list->parsed()) options.Action = Command::List;
     return options;
 }

@@ -11,7 +11,9 @@
 
 namespace corvane::recorder {
 
-enum class Command { Print, List, Record, Convert, Settings };
+enum class Command { Print, List, Record, Convert, Settings, Driver };
+
+enum class DriverAction { Show, Real, Simulator, Unregister, CopyLibraries, Users };
 
 // Channels of a device that is not known yet.
 struct ChannelChoice {
@@ -65,6 +67,10 @@ struct Options {
     std::optional<double> To;  // s, behind the last kadr; none: all
     int64_t Every = 1;         // kadrs that become one row
     Thinning ThinBy = Thinning::First;
+
+    // Driver
+    DriverAction Driver = DriverAction::Show;
+    bool ThisUser = false;  // registers for this user only
 };
 
 // `arguments` without the program's name. What can't be understood throws Failure with ExitCode::Usage.

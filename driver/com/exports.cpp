@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <olectl.h>
+#include <shlwapi.h>
 
 #include "driver/com/class_factory.h"
 #include "driver/com/guard.h"
@@ -28,4 +29,10 @@ STDAPI DllRegisterServer() {
 
 STDAPI DllUnregisterServer() {
     return Guard([] { Unregister(); });
+}
+
+// As `regsvr32 /n /i:user` calls it: registers or unregisters for the current user only.
+STDAPI DllInstall(BOOL install, LPCWSTR what) {
+    if (what == nullptr || StrCmpIW(what, L"user") != 0) return E_INVALIDARG;
+    return Guard([&] { install ? RegisterForThisUser() : UnregisterForThisUser(); });
 }

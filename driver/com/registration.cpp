@@ -72,6 +72,15 @@ void Register() {
     RemoveFrom(ThisUser);
 }
 
+void RegisterForThisUser() {
+    RegisterIn(ThisUser);
+}
+
+void UnregisterForThisUser() {
+    const LSTATUS status = RemoveFrom(ThisUser);
+    if (status != ERROR_SUCCESS) throw Failure{HRESULT_FROM_WIN32(status)};
+}
+
 void Unregister() {
     const LSTATUS own = RemoveFrom(ThisUser);
     const LSTATUS all = RemoveFrom(AllUsers);

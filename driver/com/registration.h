@@ -6,9 +6,13 @@
 
 namespace corvane {
 
-// Both throw Failure. A Register that fails leaves everything as it was; Unregister removes all that it can before it
+// All throw Failure. A Register that fails leaves everything as it was; Unregister removes all that it can before it
 // throws, and what is not there counts as removed.
 void Register();
 void Unregister();
+
+// The same for the current user only, whatever his rights are.
+void RegisterForThisUser();
+void UnregisterForThisUser();
 
 }  // namespace corvane

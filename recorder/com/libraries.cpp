@@ -4,10 +4,9 @@
 // windows.h first: the others build on it.
 #include <shlwapi.h>
 
-#include <cwchar>
-
 #include "platform/win32/wide_text.h"
 #include "recorder/host_device.h"
+#include "recorder/setup/file_version.h"
 
 namespace corvane::recorder {
 namespace {
@@ -19,38 +18,15 @@ std::wstring FileOf(HMODULE module) {
     return std::wstring(path, GetModuleFileNameW(module, path, MAX_PATH));
 }
 
-// A text of the file's version record; empty: it has none.
-std::wstring VersionText(const std::vector<BYTE>& record, const wchar_t* name) {
-    struct Translation {
-        WORD Language;
-        WORD CodePage;
-    };
-    void* data = nullptr;
-    UINT size = 0;
-    if (!VerQueryValueW(record.data(), L"\\VarFileInfo\\Translation", &data, &size) || size < sizeof(Translation)) {
-        return L"";
-    }
-    const auto* translation = static_cast<const Translation*>(data);
-    wchar_t key[64];
-    wnsprintfW(key, 64, L"\\StringFileInfo\\%04x%04x\\%s", translation->Language, translation->CodePage, name);
-    if (!VerQueryValueW(record.data(), key, &data, &size)) return L"";
-    const auto* text = static_cast<const wchar_t*>(data);
-    return std::wstring(text, wcsnlen(text, size));
-}
-
 Library Loaded(const wchar_t* name) {
     Library library{platform::Utf8(name), "", "", false};
     HMODULE module = GetModuleHandleW(name);
     if (module == nullptr) return library;  // in another process, say
     const std::wstring file = FileOf(module);
     library.File = platform::Utf8(file);
-    DWORD unused = 0;
-    std::vector<BYTE> record(GetFileVersionInfoSizeW(file.c_str(), &unused));
-    if (record.empty() || !GetFileVersionInfoW(file.c_str(), 0, static_cast<DWORD>(record.size()), record.data())) {
-        return library;
-    }
-    library.Version = platform::Utf8(VersionText(record, L"FileVersion"));
-    library.Simulated = VersionText(record, L"ProductName") == L"Corvane simulator";
+    FileVersion version = VersionOf(file);
+    library.Version = std::move(version.Version);
+    library.Simulated = version.Simulated;
     return library;
 }
 

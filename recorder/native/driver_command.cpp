@@ -1,0 +1,11 @@
+#include "recorder/driver_command.h"
+
+#include "recorder/failure.h"
+
+namespace corvane::recorder {
+
+ExitCode ManageDriver(const Options&) {
+    throw Failure(ExitCode::Usage, "Only Windows has a registered driver: here it is a part of this program.");
+}
+
+}  // namespace corvane::recorder
