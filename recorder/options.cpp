@@ -167,9 +167,11 @@ CLI::App* AddDriver(CLI::App& app, Options& options) {
         {"--simulator", "Register the one with simulated vendor libraries, to try it without a crate",
          DriverAction::Simulator},
         {"--unregister", "Remove the driver's registration", DriverAction::Unregister},
+        {"--libraries", "Tell whether the vendor's libraries are where the driver finds them, and where else they are",
+         DriverAction::Libraries},
         {"--copy-libraries", "Copy the vendor's libraries beside the driver from where they are found",
          DriverAction::CopyLibraries},
-        {"--programs", "List the programs that have the driver loaded", DriverAction::Users}};
+        {"--programs", "List the programs that have the driver loaded", DriverAction::Programs}};
     CLI::App* driver = app.add_subcommand("driver", "Show which driver hosts load, or choose it (Windows only)");
     auto* actions = driver->add_option_group("actions");
     for (const auto& [flag, text, action] : Actions) {
@@ -177,6 +179,7 @@ CLI::App* AddDriver(CLI::App& app, Options& options) {
             flag, [&options, action = action] { options.Driver = action; }, text);
     }
     actions->require_option(0, 1);
+    driver->add_option("--folder", options.DriverFolder, "The driver's folder (default: that of this program)");
     driver->add_flag("--this-user", options.ThisUser, "With --real or --simulator: for this user only");
     return driver;
 }

@@ -13,7 +13,7 @@ namespace corvane::recorder {
 
 enum class Command { Print, List, Record, Convert, Settings, Driver };
 
-enum class DriverAction { Show, Real, Simulator, Unregister, CopyLibraries, Users };
+enum class DriverAction { Show, Real, Simulator, Unregister, Libraries, CopyLibraries, Programs };
 
 // Channels of a device that is not known yet.
 struct ChannelChoice {
@@ -70,7 +70,8 @@ struct Options {
 
     // Driver
     DriverAction Driver = DriverAction::Show;
-    bool ThisUser = false;  // registers for this user only
+    bool ThisUser = false;     // registers for this user only
+    std::string DriverFolder;  // where the driver lies; empty: beside this program
 };
 
 // `arguments` without the program's name. What can't be understood throws Failure with ExitCode::Usage.

@@ -9,6 +9,7 @@
 #include "driver/com/identifiers.h"
 #include "driver/com/library_use.h"
 #include "driver/com/registration.h"
+#include "platform/win32/component_module.h"
 
 using namespace corvane;
 
@@ -24,15 +25,15 @@ STDAPI DllGetClassObject(REFCLSID classIdentifier, REFIID identifier, void** obj
 }
 
 STDAPI DllRegisterServer() {
-    return Guard([] { Register(); });
+    return Guard([] { Register(platform::ComponentPath()); });
 }
 
 STDAPI DllUnregisterServer() {
-    return Guard([] { Unregister(); });
+    return Guard([] { Unregister(platform::ComponentPath()); });
 }
 
 // As `regsvr32 /n /i:user` calls it: registers or unregisters for the current user only.
 STDAPI DllInstall(BOOL install, LPCWSTR what) {
     if (what == nullptr || StrCmpIW(what, L"user") != 0) return E_INVALIDARG;
-    return Guard([&] { install ? RegisterForThisUser() : UnregisterForThisUser(); });
+    return Guard([&] { (install ? RegisterForThisUser : UnregisterForThisUser)(platform::ComponentPath()); });
 }

@@ -4,12 +4,11 @@
 
 #include <shlwapi.h>
 
-#include "driver/com/guard.h"
+#include "driver/com/failure.h"
 #include "driver/com/registry_entries.h"
 #include "driver/com/registry_journal.h"
 #include "driver/com/registry_owners.h"
 #include "driver/com/registry_values.h"
-#include "platform/win32/component_module.h"
 
 namespace corvane {
 
@@ -18,8 +17,7 @@ namespace {
 const HKEY AllUsers = HKEY_LOCAL_MACHINE;
 const HKEY ThisUser = HKEY_CURRENT_USER;
 
-void RegisterIn(HKEY root) {
-    const std::wstring path = platform::ComponentPath();
+void RegisterIn(HKEY root, const std::wstring& path) {
     RegistryJournal journal(root);
     const auto write = [&](const std::vector<RegistryEntry>& entries) {
         for (const RegistryEntry& entry : entries) journal.Write(Classes + entry.Key, entry.Name, entry.Text);
@@ -28,9 +26,10 @@ void RegisterIn(HKEY root) {
     for (const TypeLibraryRow& library : TypeLibraries()) {
         // Where somebody else has registered the description, nothing is added to it. Only entries that name our file
         // already are written again, because the file may have moved.
-        const bool leave = library.OfTheHost && (IsOfOthers(AllUsers, library) || IsOfOthers(ThisUser, library));
+        const bool leave =
+            library.OfTheHost && (IsOfOthers(AllUsers, library, path) || IsOfOthers(ThisUser, library, path));
         for (const RegistryEntry& file : FileEntries(library, path)) {
-            if (!leave || IsOurs(root, file)) write({file});
+            if (!leave || IsOurs(root, file, path)) write({file});
         }
         if (leave) continue;
         write(VersionEntries(library, path));
@@ -40,7 +39,7 @@ void RegisterIn(HKEY root) {
 }
 
 // Removes what it can. The first failure, or ERROR_SUCCESS.
-LSTATUS RemoveFrom(HKEY root) {
+LSTATUS RemoveFrom(HKEY root, const std::wstring& path) {
     LSTATUS first = ERROR_SUCCESS;
     const auto note = [&](LSTATUS status) {
         if (first == ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) first = status;
@@ -48,7 +47,7 @@ LSTATUS RemoveFrom(HKEY root) {
     for (const std::wstring& key : ClassKeys()) {
         note(static_cast<LSTATUS>(SHDeleteKeyW(root, (Classes + key).c_str())));
     }
-    for (const TypeLibraryRow& library : TypeLibraries()) note(RemoveLibrary(root, library));
+    for (const TypeLibraryRow& library : TypeLibraries()) note(RemoveLibrary(root, library, path));
     // A user has none of these keys until something is registered for this user only, so empty ones are removed.
     if (root == ThisUser) {
         for (const wchar_t* shared : {L"CLSID", L"AppID", L"TypeLib", L"Interface"}) {
@@ -60,30 +59,30 @@ LSTATUS RemoveFrom(HKEY root) {
 
 }  // namespace
 
-void Register() {
+void Register(const std::wstring& path) {
     try {
-        RegisterIn(AllUsers);
+        RegisterIn(AllUsers, path);
     } catch (const Failure& failure) {
         if (failure.Code != E_ACCESSDENIED) throw;
-        RegisterIn(ThisUser);
+        RegisterIn(ThisUser, path);
         return;
     }
     // Entries of an earlier registration for this user only would hide the new ones.
-    RemoveFrom(ThisUser);
+    RemoveFrom(ThisUser, path);
 }
 
-void RegisterForThisUser() {
-    RegisterIn(ThisUser);
+void RegisterForThisUser(const std::wstring& path) {
+    RegisterIn(ThisUser, path);
 }
 
-void UnregisterForThisUser() {
-    const LSTATUS status = RemoveFrom(ThisUser);
+void UnregisterForThisUser(const std::wstring& path) {
+    const LSTATUS status = RemoveFrom(ThisUser, path);
     if (status != ERROR_SUCCESS) throw Failure{HRESULT_FROM_WIN32(status)};
 }
 
-void Unregister() {
-    const LSTATUS own = RemoveFrom(ThisUser);
-    const LSTATUS all = RemoveFrom(AllUsers);
+void Unregister(const std::wstring& path) {
+    const LSTATUS own = RemoveFrom(ThisUser, path);
+    const LSTATUS all = RemoveFrom(AllUsers, path);
     const LSTATUS status = own != ERROR_SUCCESS ? own : all;
     if (status != ERROR_SUCCESS) throw Failure{HRESULT_FROM_WIN32(status)};
 }

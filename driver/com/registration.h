@@ -4,15 +4,17 @@
 // registers, before or after, is never changed.
 #pragma once
 
+#include <string>
+
 namespace corvane {
 
-// All throw Failure. A Register that fails leaves everything as it was; Unregister removes all that it can before it
-// throws, and what is not there counts as removed.
-void Register();
-void Unregister();
+// `path` is that of the component's file. All throw Failure. A Register that fails leaves everything as it was;
+// Unregister removes all that it can before it throws, and what is not there counts as removed.
+void Register(const std::wstring& path);
+void Unregister(const std::wstring& path);
 
 // The same for the current user only, whatever his rights are.
-void RegisterForThisUser();
-void UnregisterForThisUser();
+void RegisterForThisUser(const std::wstring& path);
+void UnregisterForThisUser(const std::wstring& path);
 
 }  // namespace corvane

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "driver/com/registry_values.h"
-#include "platform/win32/component_module.h"
 
 namespace corvane {
 
@@ -19,32 +18,32 @@ bool SameText(const std::wstring& one, const std::wstring& other) {
 
 // Whether this is the component's file, judged by its name alone: in any folder, with or without the number of a
 // library after it.
-bool IsOurFile(std::wstring file) {
+bool IsOurFile(std::wstring file, const std::wstring& path) {
     const size_t beforeNumber = file.find_last_not_of(L"0123456789");
     if (beforeNumber != std::wstring::npos && file[beforeNumber] == L'\\') file.resize(beforeNumber);
-    const std::wstring path = platform::ComponentPath(), name = path.substr(path.rfind(L'\\'));
+    const std::wstring name = path.substr(path.rfind(L'\\'));
     return file.size() >= name.size() && SameText(file.substr(file.size() - name.size()), name);
 }
 
 // Whether somebody else's file is registered `depth` levels below the key.
-bool HoldsOtherFile(HKEY root, const std::wstring& key, int depth) {
+bool HoldsOtherFile(HKEY root, const std::wstring& key, int depth, const std::wstring& path) {
     if (depth == 0) {
         const std::wstring file = ReadText(root, Classes + key, nullptr);
-        return !file.empty() && !IsOurFile(file);
+        return !file.empty() && !IsOurFile(file, path);
     }
     return std::ranges::any_of(SubKeys(root, Classes + key), [&](const std::wstring& name) {
-        return HoldsOtherFile(root, key + L'\\' + name, depth - 1);
+        return HoldsOtherFile(root, key + L'\\' + name, depth - 1, path);
     });
 }
 
 // Whether the interface is registered with another proxy, or for a library for which somebody else's file is
 // registered.
-bool InterfaceIsOfOthers(HKEY root, const DescribedInterface& described) {
+bool InterfaceIsOfOthers(HKEY root, const DescribedInterface& described, const std::wstring& path) {
     const std::wstring key = Classes + InterfaceKey(described);
     const std::wstring proxy = ReadText(root, key + L"\\ProxyStubClsid32", nullptr);
     if (!proxy.empty() && !SameText(proxy, AutomationMarshaler)) return true;
     const std::wstring leadsTo = ReadText(root, key + L"\\TypeLib", nullptr);
-    return !leadsTo.empty() && HoldsOtherFile(root, LibraryKey(leadsTo), FileDepth);
+    return !leadsTo.empty() && HoldsOtherFile(root, LibraryKey(leadsTo), FileDepth, path);
 }
 
 class Removal {
@@ -70,29 +69,28 @@ private:
 
 }  // namespace
 
-bool IsOfOthers(HKEY root, const TypeLibraryRow& library) {
-    return HoldsOtherFile(root, LibraryKey(Braced(library.Identifier)), FileDepth) ||
+bool IsOfOthers(HKEY root, const TypeLibraryRow& library, const std::wstring& path) {
+    return HoldsOtherFile(root, LibraryKey(Braced(library.Identifier)), FileDepth, path) ||
            std::ranges::any_of(library.Interfaces, [&](const DescribedInterface& described) {
-               return InterfaceIsOfOthers(root, described);
+               return InterfaceIsOfOthers(root, described, path);
            });
 }
 
-bool IsOurs(HKEY root, const RegistryEntry& fileEntry) {
-    return IsOurFile(ReadText(root, Classes + fileEntry.Key, nullptr));
+bool IsOurs(HKEY root, const RegistryEntry& fileEntry, const std::wstring& path) {
+    return IsOurFile(ReadText(root, Classes + fileEntry.Key, nullptr), path);
 }
 
-LSTATUS RemoveLibrary(HKEY root, const TypeLibraryRow& library) {
-    const bool ofOthers = IsOfOthers(root, library);
-    const std::wstring path = platform::ComponentPath();
+LSTATUS RemoveLibrary(HKEY root, const TypeLibraryRow& library, const std::wstring& path) {
+    const bool ofOthers = IsOfOthers(root, library, path);
     Removal removal(root);
     bool wasOurs = false;
     for (const RegistryEntry& file : FileEntries(library, path)) {
-        if (!IsOurs(root, file)) continue;
+        if (!IsOurs(root, file, path)) continue;
         wasOurs = true;
         removal.Value(file.Key, file.Name);
     }
     // When ours was the only file of a version, the other values of that version are ours, too, wherever the file was.
-    if (wasOurs && !HoldsOtherFile(root, VersionKey(library), FileDepth - 1)) {
+    if (wasOurs && !HoldsOtherFile(root, VersionKey(library), FileDepth - 1, path)) {
         for (const RegistryEntry& entry : VersionEntries(library, path)) removal.Value(entry.Key, entry.Name);
     }
     if (ofOthers) return removal.First;

@@ -14,13 +14,14 @@ constexpr wchar_t Classes[] = L"Software\\Classes\\";
 
 // True when somebody else has registered the library in any form, or one of its interfaces in another way. An interface
 // whose library is not registered is nobody's.
-bool IsOfOthers(HKEY root, const TypeLibraryRow& library);
+bool IsOfOthers(HKEY root, const TypeLibraryRow& library, const std::wstring& path);
 
-// True when the entry names the component's own file, in any folder.
-bool IsOurs(HKEY root, const RegistryEntry& fileEntry);
+// True when the entry names the component's own file, in any folder. `path` is that of the component's file, here and
+// below.
+bool IsOurs(HKEY root, const RegistryEntry& fileEntry, const std::wstring& path);
 
 // Removes what the component has registered of the library, and the keys that are empty then. The first failure, or
 // ERROR_SUCCESS.
-LSTATUS RemoveLibrary(HKEY root, const TypeLibraryRow& library);
+LSTATUS RemoveLibrary(HKEY root, const TypeLibraryRow& library, const std::wstring& path);
 
 }  // namespace corvane

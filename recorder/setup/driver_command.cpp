@@ -4,6 +4,8 @@
 // windows.h first: the others build on it.
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "platform/win32/wide_text.h"
 #include "recorder/console.h"
 #include "recorder/failure.h"
@@ -17,23 +19,17 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr wchar_t Component[] = L"Corvane.adc";
+constexpr wchar_t SimulatorFolder[] = L"simulator";
 
 std::string Utf8(const fs::path& path) {
     return platform::Utf8(path.native());
 }
 
-fs::path FolderOfThisProgram() {
+fs::path FolderOf(const Options& options) {
+    if (!options.DriverFolder.empty()) return fs::absolute(platform::Wide(options.DriverFolder)).lexically_normal();
     std::wstring path(32768, L'\0');  // the longest there is
     path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
     return fs::path(path).parent_path();
-}
-
-fs::path RealDriver() {
-    return FolderOfThisProgram() / Component;
-}
-
-fs::path SimulatorDriver() {
-    return FolderOfThisProgram() / L"simulator" / Component;
 }
 
 bool HasSimulator(const fs::path& component) {
@@ -42,6 +38,11 @@ bool HasSimulator(const fs::path& component) {
 
 void Say(const std::string& line) {
     WriteText(stdout, line + '\n');
+}
+
+const char* ImageText(Image kind) {
+    static constexpr const char* Texts[] = {"no library", "32-bit", "64-bit", "for another kind of machine"};
+    return Texts[static_cast<int>(kind)];
 }
 
 void ShowDrivers() {
@@ -64,48 +65,67 @@ void Register(const fs::path& component, bool thisUser) {
     }
 }
 
-// The simulator's copy does it as well, and can always be loaded.
-void Unregister() {
-    std::error_code unknown;
-    UnregisterDriver(MissingLibraries(FolderOfThisProgram()).empty() || !fs::exists(SimulatorDriver(), unknown)
-                         ? RealDriver()
-                         : SimulatorDriver());
-    Say("The driver is not registered any more.");
+// Ends with Incomplete where copying would help: what the installer asks about.
+ExitCode ShowLibraries(const fs::path& folder) {
+    bool missing = false;
+    bool elsewhere = true;
+    for (const wchar_t* name : VendorLibraryNames) {
+        const std::vector<VendorLibrary> found = FindVendorLibrary(name, folder);
+        for (const VendorLibrary& each : found) {
+            Say(fmt::format("{}: {}{}{}", Utf8(each.File), ImageText(each.Kind), each.Simulated ? ", SIMULATED" : "",
+                            each.Bound ? "" : "; not where the driver looks"));
+        }
+        if (!found.empty() && found.front().Bound) continue;
+        missing = true;
+        elsewhere = elsewhere && std::ranges::any_of(found, IsWorthCopying);
+    }
+    const std::string reason = MissingLibraries(folder);
+    if (reason.empty()) return ExitCode::Success;
+    Say(reason);
+    return missing && elsewhere ? ExitCode::Incomplete : ExitCode::NoDriver;
 }
 
-void CopyLibraries() {
-    const std::vector<fs::path> copied = CopyVendorLibraries(FolderOfThisProgram());
+void CopyLibraries(const fs::path& folder) {
+    const std::vector<fs::path> copied = CopyVendorLibraries(folder);
     for (const fs::path& file : copied) Say(fmt::format("{} was copied here.", Utf8(file)));
-    const std::string missing = MissingLibraries(FolderOfThisProgram());
+    const std::string missing = MissingLibraries(folder);
     if (!missing.empty()) throw Failure(ExitCode::NoDriver, missing);
-    if (copied.empty()) Say("Both libraries are there: nothing was copied.");
+    if (copied.empty()) Say("The driver finds both libraries: nothing was copied.");
+}
+
+void ShowPrograms(const fs::path& folder) {
+    for (const fs::path& each : {folder, folder / SimulatorFolder}) {
+        for (const LoadedBy& program : ProgramsUsing(each)) {
+            Say(fmt::format("{} (process {})", program.Program, program.Process));
+        }
+    }
 }
 
 }  // namespace
 
 ExitCode ManageDriver(const Options& options) {
+    const fs::path folder = FolderOf(options);
     switch (options.Driver) {
         case DriverAction::Show:
             ShowDrivers();
             break;
         case DriverAction::Real:
-            Register(RealDriver(), options.ThisUser);
+            Register(folder / Component, options.ThisUser);
             break;
         case DriverAction::Simulator:
-            Register(SimulatorDriver(), options.ThisUser);
+            Register(folder / SimulatorFolder / Component, options.ThisUser);
             break;
         case DriverAction::Unregister:
-            Unregister();
+            UnregisterDriver(folder / Component);
+            Say("The driver is not registered any more.");
             break;
+        case DriverAction::Libraries:
+            return ShowLibraries(folder);
         case DriverAction::CopyLibraries:
-            CopyLibraries();
+            CopyLibraries(folder);
             break;
-        case DriverAction::Users:
-            for (const fs::path& folder : {FolderOfThisProgram(), FolderOfThisProgram() / L"simulator"}) {
-                for (const LoadedBy& each : ProgramsUsing(folder)) {
-                    Say(fmt::format("{} (process {})", each.Program, each.Process));
-                }
-            }
+        case DriverAction::Programs:
+            ShowPrograms(folder);
             break;
     }
     return ExitCode::Success;

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "driver/com/failure.h"
+#include "driver/com/registration.h"
 #include "platform/win32/wide_text.h"
 #include "recorder/failure.h"
 #include "recorder/file_system.h"
@@ -135,13 +137,11 @@ bool RegisterDriver(const fs::path& component, bool thisUser) {
 }
 
 void UnregisterDriver(const fs::path& component) {
-    const Loaded driver(component);
-    if (!driver) ThrowNotLoaded(component, driver.Error());
-    const auto unregistering = driver.Get<HRESULT(WINAPI*)()>("DllUnregisterServer");
-    if (unregistering == nullptr) {
-        throw Failure(ExitCode::NoDriver, fmt::format("{} is not this driver.", platform::Utf8(component.native())));
+    try {
+        Unregister(component.native());
+    } catch (const corvane::Failure& failure) {
+        CheckCall(failure.Code, "Removing the driver's registration");
     }
-    CheckCall(unregistering(), "Removing the driver's registration");
 }
 
 std::vector<LoadedBy> ProgramsUsing(const fs::path& folder) {

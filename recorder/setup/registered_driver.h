@@ -23,7 +23,7 @@ std::vector<RegisteredDriver> RegisteredDrivers();
 // whether it is registered for all users. Throws Failure with ExitCode::NoDriver and what to do.
 bool RegisterDriver(const std::filesystem::path& component, bool thisUser);
 
-// Loads the file and lets it remove the driver's entries, whichever file they name. Throws as above.
+// Removes the driver's entries, whichever file they name; this one need not be there. Throws as above.
 void UnregisterDriver(const std::filesystem::path& component);
 
 // A program that has a file of this folder loaded as a library.

@@ -120,6 +120,10 @@ std::vector<VendorLibrary> FindVendorLibrary(const std::wstring& name, const fs:
     return found;
 }
 
+bool IsWorthCopying(const VendorLibrary& library) {
+    return library.Kind == Image::Windows32 && !library.Simulated;
+}
+
 std::string MissingLibraries(const fs::path& component) {
     std::string reason;
     for (const wchar_t* name : VendorLibraryNames) {
@@ -135,8 +139,7 @@ std::string MissingLibraries(const fs::path& component) {
         } else {
             reason += fmt::format("{} is missing.", text);
         }
-        const auto fits = [](const VendorLibrary& each) { return each.Kind == Image::Windows32 && !each.Simulated; };
-        const auto elsewhere = std::ranges::find_if(found, fits);
+        const auto elsewhere = std::ranges::find_if(found, IsWorthCopying);
         if (elsewhere != found.end())
             reason += fmt::format(" A 32-bit one is {}.", platform::Utf8(elsewhere->File.native()));
     }
@@ -157,8 +160,7 @@ std::vector<fs::path> CopyVendorLibraries(const fs::path& component) {
         const fs::path target = component / name;
         std::error_code error;
         if (fs::exists(target, error)) continue;  // whatever it is, somebody has put it there
-        const auto fits = [](const VendorLibrary& each) { return each.Kind == Image::Windows32 && !each.Simulated; };
-        const auto from = std::ranges::find_if(found, fits);
+        const auto from = std::ranges::find_if(found, IsWorthCopying);
         if (from == found.end()) continue;
         if (!fs::copy_file(from->File, target, error)) {
             throw Failure(ExitCode::Output,

@@ -24,6 +24,9 @@ struct VendorLibrary {
 // that are installed here. In the order in which Windows would take them.
 std::vector<VendorLibrary> FindVendorLibrary(const std::wstring& name, const std::filesystem::path& component);
 
+// Whether it would serve the driver beside it: real, and 32-bit.
+bool IsWorthCopying(const VendorLibrary& library);
+
 // Why a driver in this file can't be loaded as far as its libraries tell, and what to do; empty: they are no reason.
 std::string MissingLibraries(const std::filesystem::path& component);
 
