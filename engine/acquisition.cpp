@@ -165,10 +165,11 @@ void Acquisition::PauseUntilDue() {
     while (Busy() && late() < 0) platform::SleepMs(PollPause);
 }
 
-// Receives up to `count` words into the receive buffer, from index `from` on. Words received, 0 or a negative code.
+// Receives up to `count` words into the receive buffer, from index `from` on; marks only from its start on. Words
+// received, 0 or a negative code.
 int32_t Acquisition::Receive(ModuleRecord& module, int32_t from, int32_t count, bool withMarks) {
     uint32_t* data = Engine_.ReceiveBuffer.data() + from;
-    uint32_t* marks = withMarks ? Engine_.MarkBuffer.data() + from : nullptr;
+    uint32_t* marks = withMarks ? Engine_.MarkBuffer.data() : nullptr;
     const int32_t words = Engine_.ModuleApi.RecvWithMarks(module.Handle, data, marks, static_cast<uint32_t>(count),
                                                           static_cast<uint32_t>(Engine_.RecvTimeout));
     if (words > 0) module.StreamWords += static_cast<uint32_t>(std::min(words, count));
@@ -193,14 +194,14 @@ void Acquisition::DropWords(int32_t& words, int32_t count) {
     std::memmove(Engine_.MarkBuffer.data(), Engine_.MarkBuffer.data() + count, bytes);
 }
 
-// Makes the module's block from the `words` in the receive buffer, after one more try to receive the missing ones. What
-// doesn't come is filled in with mid-scale, sample 0. When it comes later after all, it follows what was filled in, and
-// the module's time axis is shifted by as much. Where a block can't be processed, the previous one stays.
+// Makes the module's block from the `words`, one at least, in the receive buffer, after one more try to receive the
+// missing ones. What doesn't come is filled in with mid-scale, sample 0. When it comes later after all, it follows what
+// was filled in, and the module's time axis is shifted by as much. Where a block can't be processed, the previous one
+// stays.
 void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
     if (words < Engine_.BlockWords) {
         words += std::max(Receive(module, words, Engine_.BlockWords - words, false), 0);
     }
-    if (words <= 0) return;
     auto size = static_cast<uint32_t>(words);
     if (!Engine_.ModuleApi.ProcessData(module.Handle, Engine_.ReceiveBuffer.data(), module.Block.data(), size,
                                        TLTR27API::Calibrate, TLTR27API::KeepCodes)) {

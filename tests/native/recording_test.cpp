@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <ctime>
 #include <new>
 #include <random>
 
@@ -133,6 +134,8 @@ TEST_F(RecordingTest, StartNeedsAnOpenDeviceAndTheEndOfThePreviousThread) {
 TEST_F(RecordingTest, ChannelsOfBothModulesLandInTheirPlaces) {
     for (const int16_t channel : {int16_t{0}, int16_t{20}}) {  // only the modules of selected channels run
         Open(SequenceCrate({3, 5}, "1.0"), {channel}, 1000);
+        AddFault(std::string("call = \"LTR27_Recv\"\ndelay = 20\nslot = ") +
+                 (channel == 0 ? "5" : "3"));  // nobody asks it
         ASSERT_TRUE(Driver->StartRecord());
         EXPECT_EQ(LtrSim_RunningModules(), 1);
         EXPECT_FALSE(Take(64).empty());
@@ -211,6 +214,61 @@ TEST_F(RecordingTest, ShortReceivesArePaddedAndNeverShiftChannels) {
     }
 }
 
+TEST_F(RecordingTest, GapsAreExactToTheKadr) {
+    const auto cut = [](int words) {  // in the third block, and nothing more at the second attempt
+        return "call = \"LTR27_Recv\"\nafter = 2\ntimes = 1\nshort = " + std::to_string(words);
+    };
+    const std::string size = "call = \"LTR27_ProcessData\"\nafter = 2\ntimes = 1\nsize = 0";
+    const std::string value = "call = \"LTR27_ProcessData\"\nafter = 2\ntimes = 1\nvalue = nan";  // in the middle
+    using GapReason::CutShort, GapReason::NotProcessed;
+    const struct {
+        std::string Fault;
+        int16_t Channel;  // recorded alone
+        float Rate;       // Hz
+        Gap Expected;     // no kadrs: none
+        int Last;         // number of the last of six blocks' kadrs
+    } rows[] = {{cut(600), 7, 1000, {0, 166, 26, CutShort}, 357},  {cut(599), 7, 1000, {0, 165, 27, CutShort}, 357},
+                {cut(600), 8, 1000, {0, 165, 27, CutShort}, 357},  {cut(1), 0, 1000, {0, 129, 63, CutShort}, 320},
+                {cut(1023), 0, 1000, {0, 0, 0, CutShort}, 383},    {cut(1021), 12, 1000, {0, 0, 0, CutShort}, 383},
+                {cut(1021), 13, 1000, {0, 191, 1, CutShort}, 383}, {size, 0, 1000, {0, 128, 64, CutShort}, 383},
+                {value, 0, 1000, {0, 160, 1, NotProcessed}, 383},  {value, 0, 4, {0, 2, 1, NotProcessed}, 5}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.Fault + ", channel " + std::to_string(row.Channel));
+        Open(SequenceCrate({3}, "0", "type = \"LTR010\""), {row.Channel}, row.Rate);
+        AddFault(row.Fault);
+        if (row.Fault.find("short") != std::string::npos) {
+            AddFault("call = \"LTR27_Recv\"\nafter = 3\ntimes = 1\nerror = -12");
+        }
+        const int kadrs = row.Rate == 4 ? 6 : 6 * 64;
+        ASSERT_TRUE(Driver->StartRecord()) << Driver->LastError();
+        const std::vector<int16_t> samples = Take(kadrs);
+        std::vector<Gap> gaps = Driver->Gaps();
+        std::erase_if(gaps, [&](const Gap& gap) { return gap.First >= kadrs; });
+        StopWhole();
+        ASSERT_FALSE(samples.empty());
+        ASSERT_EQ(gaps.size(), row.Expected.Kadrs == 0 ? 0u : 1u);
+        EXPECT_TRUE(gaps.empty() || gaps.front() == row.Expected) << gaps.front().First << ", " << gaps.front().Kadrs;
+        EXPECT_TRUE(row.Channel % 2 != 0 || KadrNumber(samples.back()) == row.Last) << KadrNumber(samples.back());
+    }
+}
+
+// Whoever is waited for: the host, the START mark, a module whose receives fail at once.
+TEST_F(RecordingTest, WaitingTakesNoProcessorTime) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"", ""}, {"start_marks = \"never\"", ""}, {"", "call = \"LTR27_Recv\"\nerror = -12"}};
+    for (const auto& [crate, fault] : rows) {
+        Open(SequenceCrate({3}, "0", crate), {0}, *fault == '\0' ? 1000 : 4);
+        if (*fault != '\0') AddFault(fault);
+        Driver->SetInputSizeData(1000);
+        ASSERT_TRUE(Driver->StartRecord()) << Driver->LastError();
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        const std::clock_t before = std::clock();
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        EXPECT_LT(double(std::clock() - before) / CLOCKS_PER_SEC, 0.1) << crate << fault;
+        StopWhole();
+    }
+}
+
 TEST_F(RecordingTest, TheStartMarkBeginsTheRecording) {
     for (const int32_t first : {3, 64, 201}) {  // in the first block, just after it, and later
         Open(SequenceCrate({3, 5}, "0", "start_marks = \"at once\"\nstart_mark_kadr = " + std::to_string(first)),
@@ -218,6 +276,8 @@ TEST_F(RecordingTest, TheStartMarkBeginsTheRecording) {
         if (first == 3) AddFault("call = \"LTR27_Recv\"\nslot = 5\ntimes = 1\nstall = true");  // one comes later
         // A block that can't be processed doesn't count: the module begins with its next one.
         if (first == 64) AddFault("call = \"LTR27_ProcessData\"\nslot = 5\ntimes = 1\nerror = -1");
+        // What follows a kadr that was cut is late, and so are its marks.
+        if (first == 201) AddFault("call = \"LTR27_Recv\"\nslot = 3\nafter = 1\ntimes = 1\nshort = 1000");
         State().Crate.MarkSTARTMode = 4;
         const std::vector<int16_t> samples = Record(128);
         ASSERT_FALSE(samples.empty());
