@@ -180,7 +180,7 @@ CLI::App* AddDriver(CLI::App& app, Options& options) {
     }
     actions->require_option(0, 1);
     driver->add_option("--folder", options.DriverFolder, "The driver's folder (default: that of this program)");
-    driver->add_flag("--this-user", options.ThisUser, "With --real or --simulator: for this user only");
+    driver->add_flag("--this-user", options.ThisUser, "Register, or unregister, for this user only");
     return driver;
 }
 

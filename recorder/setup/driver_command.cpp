@@ -116,7 +116,7 @@ ExitCode ManageDriver(const Options& options) {
             Register(folder / SimulatorFolder / Component, options.ThisUser);
             break;
         case DriverAction::Unregister:
-            UnregisterDriver(folder / Component);
+            UnregisterDriver(folder / Component, options.ThisUser);
             Say("The driver is not registered any more.");
             break;
         case DriverAction::Libraries:

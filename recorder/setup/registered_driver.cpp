@@ -136,9 +136,9 @@ bool RegisterDriver(const fs::path& component, bool thisUser) {
     return !drivers.empty() && !drivers.front().OneUser;
 }
 
-void UnregisterDriver(const fs::path& component) {
+void UnregisterDriver(const fs::path& component, bool thisUser) {
     try {
-        Unregister(component.native());
+        (thisUser ? UnregisterForThisUser : Unregister)(component.native());
     } catch (const corvane::Failure& failure) {
         CheckCall(failure.Code, "Removing the driver's registration");
     }
