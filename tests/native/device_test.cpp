@@ -69,9 +69,13 @@ TEST_F(DeviceTest, DescriptionsTellTheBoardAndTheCrate) {
               "Board: LTR27\r\nBoard SN: CRATE1-3\r\nFirmware: v1.2.3.4\r\nCrate Slot: 3");
     EXPECT_EQ(state.Crate.Info, "Crate: LTR030\r\nCrate SN: CRATE1\r\nCrate Port: USB\r\nCrate IP: 127.0.0.1");
     EXPECT_EQ(state.Engine.Modules[1].Mezzanines[7].Top, 1);
+    const MezzanineInfo& fitted = state.Engine.Modules[1].Mezzanines[0];
+    EXPECT_EQ(fitted.Name + ' ' + fitted.Serial + ' ' + fitted.Revision, "SEQ 5-1 A.0");
+    EXPECT_EQ(state.Engine.Modules[1].Mezzanines[7].Revision, "");
     const TLTR27& handle = state.Engine.Modules[0].Handle;
     EXPECT_EQ(TLTR27API::Revision(handle) + TLTR27API::ProcessorName(handle), "AATMEGA8515");
     EXPECT_EQ(TLTR27API::ClockRate(handle), 15000000);
+    EXPECT_EQ(handle.FrequencyDivisor, 99);  // of 10 Hz
 }
 
 TEST_F(DeviceTest, WithoutAWindowACrateIsChosenByItsSerialNumber) {
