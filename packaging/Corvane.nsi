@@ -74,8 +74,8 @@ Function ${un}Begin
   ${If} $MultiUser.InstallMode == CurrentUser
     StrCpy $ThisUser --this-user
   ${EndIf}
-  ReadRegStr $0 HKCR "Tessmark.Corvane\CLSID" ""
-  ReadRegStr $Registered HKCR "CLSID\$0\InprocServer32" ""
+  ReadRegStr $0 SHCTX "Software\Classes\Tessmark.Corvane\CLSID" ""
+  ReadRegStr $Registered SHCTX "Software\Classes\CLSID\$0\InprocServer32" ""
   retry:
   !insertmacro Recorder "$PLUGINSDIR" 'driver --programs --folder "$INSTDIR"'
   ${If} $Text == ""
@@ -100,7 +100,11 @@ FunctionEnd
 !insertmacro Begin "un."
 
 Function .onInit
+  StrCpy $0 $INSTDIR  ; of /D=
   !insertmacro MULTIUSER_INIT
+  ${If} $0 != ""
+    StrCpy $INSTDIR $0
+  ${EndIf}
   InitPluginsDir
   File "/oname=$PLUGINSDIR\ltr27rec.exe" "${STAGE}\ltr27rec.exe"
 FunctionEnd
@@ -113,7 +117,7 @@ Function RemoveEarlier
   ${EndIf}
   ${If} ${FileExists} "$0\uninstall.exe"
     CopyFiles /SILENT "$0\uninstall.exe" "$PLUGINSDIR\earlier.exe"
-    ExecWait '"$PLUGINSDIR\earlier.exe" /S /$MultiUser.InstallMode _?=$0' $1
+    ExecWait '"$PLUGINSDIR\earlier.exe" /S /$MultiUser.InstallMode /upgrade _?=$0' $1
     ${If} $1 <> 0
       SetErrorLevel 2
       Abort "$(EarlierStays)"
@@ -204,6 +208,13 @@ Section Uninstall
       Quit
     ${EndIf}
   ${EndIf}
+  ${GetParameters} $0
+  ClearErrors
+  ${GetOptions} "$0" "/upgrade" $1
+  IfErrors 0 keep
+  ; Copies that only this driver used.
+  Delete "$INSTDIR\ltrapi.dll"
+  Delete "$INSTDIR\ltr27api.dll"
   MessageBox MB_YESNO|MB_ICONQUESTION|MB_DEFBUTTON2 "$(RemoveSettings)" /SD IDNO IDNO keep
   Delete "$INSTDIR\iplist.txt"
   Delete "$INSTDIR\simulator\iplist.txt"

@@ -5,6 +5,7 @@
 
 #include "recorder/console.h"
 #include "recorder/convert_command.h"
+#include "recorder/doctor_command.h"
 #include "recorder/driver_command.h"
 #include "recorder/host_device.h"
 #include "recorder/list_command.h"
@@ -22,6 +23,7 @@ ExitCode Run(const Options& options) {
     }
     if (options.Action == Command::Convert) return Convert(options);
     if (options.Action == Command::Driver) return ManageDriver(options);
+    if (options.Action == Command::Doctor) return Examine(options);
     HostDevice device;
     OpenDevice(options, device);
     if (options.Action == Command::Settings) {

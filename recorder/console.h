@@ -12,6 +12,9 @@ namespace corvane::recorder {
 // The arguments without the program's name.
 std::vector<std::string> CommandLineArguments(int count, const char* const* values);
 
+// Sets an environment variable of this process, as the driver in it will see it.
+void SetVariable(const std::string& name, const std::u8string& value);
+
 // `stream` is stdout or stderr. The text appears at once. False: it could not be written.
 bool WriteText(std::FILE* stream, std::string_view text);
 bool IsTerminal(std::FILE* stream);

@@ -311,11 +311,15 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     for (CLI::App* command : {list, settings, record}) AddDeviceChoice(command, options);
     CLI::App* convert = AddConvert(app, raw, options);
     CLI::App* driver = AddDriver(app, options);
-    const std::array commands = {list, settings, record, convert, driver};
+    CLI::App* doctor = app.add_subcommand("doctor", "Find out whether a recording would work, and what to do if not");
+    AddDeviceChoice(doctor, options);
+    doctor->add_flag("--json", options.Json, "What was found, as JSON");
+    const std::array commands = {list, settings, record, convert, driver, doctor};
     if (!arguments.empty() && !arguments.front().starts_with('-') &&
         std::ranges::none_of(commands, [&](const CLI::App* each) { return each->get_name() == arguments.front(); })) {
         ThrowUsage(
-            "There is no command \"{}\": ltr27rec has list, record, convert, settings and driver. Run ltr27rec --help "
+            "There is no command \"{}\": ltr27rec has list, record, convert, settings, driver and doctor. Run ltr27rec "
+            "--help "
             "for "
             "help.",
             arguments.front());
@@ -330,7 +334,8 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty()) {
             ThrowUsage(
-                "Give a command: ltr27rec list, record, convert, settings or driver. Run ltr27rec --help for help.");
+                "Give a command: ltr27rec list, record, convert, settings, driver or doctor. Run ltr27rec --help for "
+                "help.");
         }
         ThrowUsage("{}\nRun ltr27rec --help for help.", error.what());
     }
@@ -338,6 +343,7 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     if (convert->parsed()) UnderstandConvert(raw, options);
     if (settings->parsed()) options.Action = Command::Settings;
     if (driver->parsed()) options.Action = Command::Driver;
+    if (doctor->parsed()) options.Action = Command::Doctor;
     if (list->parsed()) options.Action = Command::List;
     return options;
 }

@@ -11,7 +11,7 @@
 
 namespace corvane::recorder {
 
-enum class Command { Print, List, Record, Convert, Settings, Driver };
+enum class Command { Print, List, Record, Convert, Settings, Driver, Doctor };
 
 enum class DriverAction { Show, Real, Simulator, Unregister, Libraries, CopyLibraries, Programs };
 
@@ -67,6 +67,9 @@ struct Options {
     std::optional<double> To;  // s, behind the last kadr; none: all
     int64_t Every = 1;         // kadrs that become one row
     Thinning ThinBy = Thinning::First;
+
+    // Doctor
+    bool Json = false;
 
     // Driver
     DriverAction Driver = DriverAction::Show;

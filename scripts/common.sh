@@ -70,8 +70,9 @@ start_wine() { # [folder of the prefix in build/]
   export WINEPREFIX=$root/build/${1-wine} WINEARCH=win32 WINEDEBUG=-all
   # Wine knows the locale by name; bash warns that the machine has not generated it.
   { export LC_ALL=ru_RU.UTF-8; } 2>/dev/null
-  # The prefix needs no browser and no .NET; without this Wine asks for them.
-  export WINEDLLOVERRIDES="mscoree,mshtml="
+  # The prefix needs no browser and no .NET; without this Wine asks for them. And nothing of it belongs in the menus of the
+  # user's desktop.
+  export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
   runs_32bit || emulate_32bit
   trap stop_wine EXIT
   wineserver -k 2>/dev/null || true

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 #include <csignal>
+#include <cstdlib>
 
 namespace corvane::recorder {
 namespace {
@@ -16,6 +17,10 @@ void OnSignal(int) {
 
 std::vector<std::string> CommandLineArguments(int count, const char* const* values) {
     return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
+}
+
+void SetVariable(const std::string& name, const std::u8string& value) {
+    setenv(name.c_str(), reinterpret_cast<const char*>(value.c_str()), 1);
 }
 
 bool WriteText(std::FILE* stream, std::string_view text) {

@@ -23,8 +23,8 @@ std::vector<RegisteredDriver> RegisteredDrivers();
 // whether it is registered for all users. Throws Failure with ExitCode::NoDriver and what to do.
 bool RegisterDriver(const std::filesystem::path& component, bool thisUser);
 
-// Removes the driver's entries, whichever file they name, or those for this user only; the file need not be there. Throws
-// as above.
+// Removes the driver's entries, whichever file they name, or those for this user only; the file need not be there.
+// Throws as above.
 void UnregisterDriver(const std::filesystem::path& component, bool thisUser);
 
 // A program that has a file of this folder loaded as a library.

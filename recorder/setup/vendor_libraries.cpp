@@ -92,7 +92,9 @@ std::vector<fs::path> FoldersOfPrograms() {
     return folders;
 }
 
-Image KindOf(const fs::path& file) {
+}  // namespace
+
+Image ImageOfFile(const fs::path& file) {
     std::vector<uint8_t> head(ImageHeadBytes);
     std::FILE* opened = OpenForReading(platform::Utf8(file.native()));
     if (opened == nullptr) return Image::None;
@@ -100,8 +102,6 @@ Image KindOf(const fs::path& file) {
     std::fclose(opened);
     return ImageOf(head);
 }
-
-}  // namespace
 
 std::vector<VendorLibrary> FindVendorLibrary(const std::wstring& name, const fs::path& component) {
     std::vector<VendorLibrary> found;
@@ -112,7 +112,7 @@ std::vector<VendorLibrary> FindVendorLibrary(const std::wstring& name, const fs:
             if (folder.empty() || !fs::is_regular_file(file, error)) continue;
             const auto same = [&](const VendorLibrary& each) { return fs::equivalent(each.File, file, error); };
             if (std::ranges::any_of(found, same)) continue;
-            found.push_back({file, KindOf(file), VersionOf(file.native()).Simulated, bound});
+            found.push_back({file, ImageOfFile(file), VersionOf(file.native()).Simulated, bound});
         }
     };
     look(FoldersBound(component), true);

@@ -20,6 +20,9 @@ struct VendorLibrary {
     bool Bound = false;      // lies where the system looks when it loads the driver from `component`'s folder
 };
 
+// None: it can't be read.
+Image ImageOfFile(const std::filesystem::path& file);
+
 // Every file called `name`: beside the component, where Windows looks for any library, and in the folders of programs
 // that are installed here. In the order in which Windows would take them.
 std::vector<VendorLibrary> FindVendorLibrary(const std::wstring& name, const std::filesystem::path& component);

@@ -37,6 +37,11 @@ std::vector<std::string> CommandLineArguments(int, const char* const*) {
     return arguments;
 }
 
+void SetVariable(const std::string& name, const std::u8string& value) {
+    SetEnvironmentVariableW(platform::Wide(name).c_str(),
+                            platform::Wide({reinterpret_cast<const char*>(value.data()), value.size()}).c_str());
+}
+
 // A console takes UTF-16, whatever its code page and font can do; a pipe or file gets the UTF-8 as it is.
 bool WriteText(std::FILE* stream, std::string_view text) {
     if (IsTerminal(stream)) {

@@ -12,6 +12,7 @@ bool WriteText(std::FILE* stream, std::string_view text) {
     (stream == stdout ? StandardOutputText : Said) += text;
     return true;
 }
+void SetVariable(const std::string&, const std::u8string&) {}
 bool IsTerminal(std::FILE*) {
     return false;
 }

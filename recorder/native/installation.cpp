@@ -1,0 +1,9 @@
+#include "recorder/finding.h"
+
+namespace corvane::recorder {
+
+std::vector<Finding> ExamineInstallation() {
+    return {{"Installation", Health::Works, "the driver and the simulated vendor libraries are part of this program"}};
+}
+
+}  // namespace corvane::recorder

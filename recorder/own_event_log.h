@@ -1,0 +1,24 @@
+// The driver's event log of this process, in a file of its own, which goes with this object: only there the driver says
+// which servers it has asked. Made before the driver is.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace corvane::recorder {
+
+class OwnEventLog {
+public:
+    OwnEventLog();
+    ~OwnEventLog();
+    OwnEventLog(const OwnEventLog&) = delete;
+    OwnEventLog& operator=(const OwnEventLog&) = delete;
+
+    // What the driver said of servers, and of modules that can't be opened, in lines without their time; empty: the file can't be read.
+    std::string OfSearch() const;
+
+private:
+    std::filesystem::path File_;
+};
+
+}  // namespace corvane::recorder

@@ -1,0 +1,76 @@
+// What the doctor looks at before the driver can be loaded.
+#include <windows.h>
+// windows.h first: the others build on it.
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "platform/win32/wide_text.h"
+#include "recorder/finding.h"
+#include "recorder/setup/registered_driver.h"
+#include "recorder/setup/vendor_libraries.h"
+
+namespace corvane::recorder {
+namespace {
+
+std::string Utf8(const std::filesystem::path& path) {
+    return platform::Utf8(path.native());
+}
+
+constexpr const char* RegisterIt = "Register the driver: ltr27rec driver --real (as administrator: for all users)";
+
+Finding ExamineRegistration(const std::vector<RegisteredDriver>& drivers) {
+    Finding finding{"Registration", Health::Works, ""};
+    for (const RegisteredDriver& each : drivers) {
+        if (!finding.Text.empty()) finding.Text += '\n';
+        finding.Text += fmt::format("{}, for {}{}", Utf8(each.File), each.OneUser ? "this user only" : "all users",
+                                    each.Hosts64 ? ", among the entries for 64-bit hosts" : "");
+    }
+    const auto serves = [](const RegisteredDriver& each) { return !each.Hosts64; };
+    if (std::ranges::none_of(drivers, serves)) {
+        finding.Result = Health::Fails;
+        finding.Text += drivers.empty() ? "the driver is not registered" : "\nnothing for 32-bit hosts";
+        finding.Remedy = RegisterIt;
+    } else if (std::ranges::none_of(drivers,
+                                    [&](const RegisteredDriver& each) { return serves(each) && !each.OneUser; })) {
+        finding.Result = Health::Doubtful;
+        finding.Remedy =
+            "A host that runs with administrator's rights does not see it. For all users, as administrator: "
+            "ltr27rec driver --real";
+    }
+    return finding;
+}
+
+Finding ExamineFile(const std::filesystem::path& file) {
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) {
+        return {"File", Health::Fails, Utf8(file) + " is gone",
+                std::string("Install Corvane again, or register another copy. ") + RegisterIt};
+    }
+    if (ImageOfFile(file) != Image::Windows32) {
+        return {"File", Health::Fails, Utf8(file) + " is damaged: no 32-bit program", "Install Corvane again."};
+    }
+    return {"File", Health::Works, Utf8(file)};
+}
+
+Finding ExamineLibraries(const std::filesystem::path& folder) {
+    const std::string missing = MissingLibraries(folder);
+    if (missing.empty()) return {"Vendor libraries", Health::Works, "both are where the driver finds them, 32-bit"};
+    const size_t advice = missing.rfind('\n');
+    return {"Vendor libraries", Health::Fails, missing.substr(0, advice), missing.substr(advice + 1)};
+}
+
+}  // namespace
+
+std::vector<Finding> ExamineInstallation() {
+    const std::vector<RegisteredDriver> drivers = RegisteredDrivers();
+    std::vector<Finding> findings = {ExamineRegistration(drivers)};
+    if (findings.back().Result == Health::Fails) return findings;
+    const std::filesystem::path file = drivers.front().File;
+    findings.push_back(ExamineFile(file));
+    if (findings.back().Result == Health::Fails) return findings;
+    findings.push_back(ExamineLibraries(file.parent_path()));
+    return findings;
+}
+
+}  // namespace corvane::recorder
