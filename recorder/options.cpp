@@ -33,6 +33,7 @@ constexpr const char* Footer = R"(Examples:
   ltr27rec convert run-003.npy --from 10m --to 11m --every 100 --minmax -o minute.csv
   ltr27rec record --channels 0-15,17 --rate 500 --duration 2m -o run.csv --plot run.svg
   ltr27rec record --crate 3T123456 -c all -d 1h30m -o - | gzip > run.csv.gz
+  ltr27rec record --format influx -o - | your-program
   ltr27rec settings
 
 Exit codes:
@@ -96,6 +97,7 @@ struct RawOptions {
     std::string Samples;
     std::string Split;
     std::string Csv = "plain";
+    std::string Format;
     std::string From;
     std::string To;
     bool Means = false;
@@ -118,7 +120,7 @@ void AddText(CLI::App* command, RawOptions& raw, Options& options) {
 }
 
 CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
-    CLI::App* record = app.add_subcommand("record", "Record channels to a CSV file");
+    CLI::App* record = app.add_subcommand("record", "Record channels to a file");
     record
         ->add_option("-c,--channels", raw.Channels,
                      "Channels: 0-15,17 or fitted or all; given again, it adds to them (default: fitted)")
@@ -131,8 +133,10 @@ CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
     record
         ->add_option("-o,--output", options.OutputPath,
                      "File to write; it replaces an existing one when it is complete. NAME.npy: a NumPy array, with "
-                     "NAME.json beside it; any other name: CSV; -: CSV to standard output")
+                     "NAME.json beside it; any other name: text; -: text to standard output")
         ->required();
+    record->add_option("--format", raw.Format,
+                       "csv, npy or influx, InfluxDB's line protocol (default: npy for NAME.npy, else csv)");
     record->add_option("--split", raw.Split,
                        "Begin a new file, NAME-002 and so on, after a time (1h) or before a size (1GB)");
     record->add_option("-p,--plot", options.PlotPath, "SVG picture of the recording to write");
@@ -182,6 +186,18 @@ bool EndsWithJson(const std::string& path) {
     return end == ".json";
 }
 
+FileFormat ParseFormat(const RawOptions& raw, const std::string& path) {
+    const bool npy = IsNpy(path);
+    if (raw.Format.empty()) return npy ? FileFormat::Npy : FileFormat::Csv;
+    if (npy != (raw.Format == "npy")) {
+        ThrowUsage("--format {}: {} is a name for {}.", raw.Format, path, npy ? "an array" : "text; call it NAME.npy");
+    }
+    if (raw.Format == "npy") return FileFormat::Npy;
+    if (raw.Format == "csv") return FileFormat::Csv;
+    if (raw.Format == "influx") return FileFormat::Influx;
+    ThrowUsage("--format {}: give csv, npy or influx.", raw.Format);
+}
+
 void UnderstandRecord(RawOptions& raw, Options& options) {
     options.Action = Command::Record;
     std::ranges::replace(raw.Channels, '\n', ',');  // between the values of several -c
@@ -192,11 +208,14 @@ void UnderstandRecord(RawOptions& raw, Options& options) {
     if (options.Duration && *options.Duration <= 0) ThrowUsage("--duration {}: must be above 0.", raw.Duration);
     options.StallTimeout = ParseDuration(raw.StallTimeout);
     options.Csv = ParseCsvStyle(raw.Csv);
-    const bool npy = IsNpy(options.OutputPath);
-    if (npy && raw.Csv != "plain") ThrowUsage("--csv is for text: {} becomes an array.", options.OutputPath);
+    options.Format = ParseFormat(raw, options.OutputPath);
+    const bool npy = options.Format == FileFormat::Npy;
+    if (options.Format != FileFormat::Csv && raw.Csv != "plain") {
+        ThrowUsage("--csv is for CSV: {} becomes {}.", options.OutputPath, npy ? "an array" : "line protocol");
+    }
     if (!raw.Split.empty()) options.Split = ParseSplit(raw.Split);
     if (options.Split && options.OutputPath == StandardOutput) ThrowUsage("--split needs files: give a name with -o.");
-    if (options.PlotPath == StandardOutput) ThrowUsage("--plot needs a file: only the CSV can go to standard output.");
+    if (options.PlotPath == StandardOutput) ThrowUsage("--plot needs a file: only the data can go to standard output.");
     if (npy && EndsWithJson(options.PlotPath)) {
         ThrowUsage("--plot {}: a .json file beside the array says what is in it. Name the picture .svg.",
                    options.PlotPath);

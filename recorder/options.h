@@ -30,6 +30,9 @@ struct SplitChoice {
     bool operator==(const SplitChoice&) const = default;
 };
 
+// What a recording is written as.
+enum class FileFormat { Csv, Npy, Influx };
+
 // What stands for a group of kadrs.
 enum class Thinning { First, Means, MinMax };
 
@@ -52,6 +55,7 @@ struct Options {
     std::optional<SplitChoice> Split;
     double StallTimeout = 0;  // s; 0: no limit
     std::string PlotPath;     // empty: no plot
+    FileFormat Format = FileFormat::Csv;
 
     // Record and Convert
     std::string OutputPath;   // StandardOutput: that

@@ -9,12 +9,15 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <thread>
+#include <utility>
 
 #include "recorder/command_line.h"
 #include "recorder/csv_writer.h"
 #include "recorder/data_clock.h"
 #include "recorder/envelope.h"
 #include "recorder/failure.h"
+#include "recorder/influx_file.h"
 #include "recorder/options.h"
 #include "recorder/output_file.h"
 #include "recorder/recorded_gaps.h"
@@ -69,6 +72,10 @@ TEST(RecorderOptions, CommandLines) {
                              "record -o a -n 5 -d 1s",
                              "record -o a --csv de",
                              "record -o a.npy --csv excel",
+                             "record -o a --format influx --csv excel",
+                             "record -o a --format lp",
+                             "record -o a --format npy",
+                             "record -o a.npy --format influx",
                              "record -o a.NPY -p a.json",
                              "record -o - --split 1h",
                              "convert a.npy",
@@ -221,6 +228,69 @@ TEST(RecorderFiles, TakeTheirNamesWhenTheyAreComplete) {
     EXPECT_NE(StandardOutputText.rfind("\n0.099,"), std::string::npos);
     EXPECT_EQ(StandardOutputText.find("complete"), std::string::npos);
     EXPECT_NE(Said.find(": 100 kadrs of 14 channels"), std::string::npos) << Said;
+}
+
+TEST(RecorderCommandLine, WaitsForItsReaderWhileThereIsOne) {
+    ASSERT_EQ(LtrSim_Configure(SequenceCrate({3}, "1.0").c_str()), 0) << LtrSim_Message();
+    Said.clear();
+    StandardOutputText.clear();
+    // While the reader sleeps, the driver keeps what comes, which is no silence of the module.
+    Reader = [slow = true]() mutable {
+        if (std::exchange(slow, StandardOutputText.find("\nltr27") == std::string::npos)) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(400));
+        }
+        return true;
+    };
+    const std::vector<std::string> record = {
+        "record", "-r", "1000", "-n", "900", "-c", "2", "-o", "-", "--format", "influx", "--stall-timeout", "300ms"};
+    EXPECT_EQ(RunCommandLine(record), ExitCode::Success) << Said;
+    const auto lines = std::ranges::count(StandardOutputText, '\n');
+    EXPECT_EQ(lines - std::ranges::count(StandardOutputText, '#'), 900);
+    Reader = [] { return StandardOutputText.find("\nltr27") == std::string::npos; };
+    EXPECT_EQ(RunCommandLine(record), ExitCode::Output);
+    EXPECT_NE(Said.find("Standard output can't be written on"), std::string::npos) << Said;
+    Reader = nullptr;
+    EXPECT_EQ(LtrSim_OpenConnections(), 0);
+}
+
+TEST(RecorderInflux, TextOfARecording) {
+    Recording recording;
+    recording.Device.Name = "a,b=c d\\";  // a backslash would take the next comma with it
+    recording.Device.CrateSerial = "1T\n";
+    recording.StartTime = std::chrono::sys_time(std::chrono::milliseconds(1800000000123));
+    recording.FirstKadr = 10;
+    recording.Task.Rate = static_cast<double>(1000.0F / 3);
+    recording.Task.Modules = {{0, 3}, {1, 0}};
+    recording.Task.Channels = {
+        {0, "a", "", "\u00B0C", 10, 0}, {17, "b", "", "", -1, 0.5}, {18, "Empty", "", "V", 1, 0}};
+    StandardOutputText.clear();
+    InfluxFile file("-");
+    file.Begin(recording);
+    file.Add({Numbers{1, 2, 0, -3, 4, 0}, std::vector<uint8_t>{MissingBit(0) | NeverMeasured, NeverMeasured}});
+    file.Add({Numbers{5, 6, 7}, {}});
+    const auto cut = GapReason::CutShort;
+    const auto so = [](std::vector<Gap> gaps) {
+        return Verdict{End::Complete, "", 3, 3, {"doubtful"}, std::move(gaps), 0};
+    };
+    file.Flush(so({{0, 9, 1, cut}}));
+    file.Flush(so({{0, 9, 2, cut}, {1, 12, 1, cut}}));
+    file.Finish(so({{0, 9, 2, cut}, {1, 12, 1, cut}}));
+    EXPECT_NE(StandardOutputText.find(", serial 1T , "), std::string::npos) << "no line of its own";
+    const std::string device = ",crate=1T_,device=a\\,b\\=c\\ d_", zero = "ltr27,channel=0" + device,
+                      other = "ltr27,channel=17" + device + " value=", gap = "ltr27_gaps" + device + ",module=";
+    EXPECT_EQ(StandardOutputText.substr(StandardOutputText.find("\nltr27") + 1),
+              other + "-1.5 1800000000153000000\n" +                                         //
+                  zero + ",slot=3,unit=\u00B0C value=-0.30 1800000000156000000\n" +          //
+                  other + "-3.5 1800000000156000000\n" +                                     //
+                  zero + ",slot=3,unit=\u00B0C value=0.50 1800000000159000000\n" +           //
+                  other + "-5.5 1800000000159000000\n" +                                     //
+                  "ltr27,channel=18" + device + ",unit=V value=7.0 1800000000159000000\n" +  //
+                  gap + "0,slot=3 from=1800000000150000000i,to=1800000000150000000i,seconds=0.003,kadrs=1i," +
+                  "reason=\"a receive was cut short\" 1800000000150000000\n" + gap +
+                  "0,slot=3 from=1800000000150000000i,to=1800000000153000000i,seconds=0.006,kadrs=2i," +
+                  "reason=\"a receive was cut short\" 1800000000150000000\n" + gap +
+                  "1 from=1800000000159000000i,to=1800000000159000000i,seconds=0.003,kadrs=1i," +
+                  "reason=\"a receive was cut short\" 1800000000159000000\n# doubtful\n");
 }
 
 TEST(RecorderCommandLine, MoreGapsThanTheDriverListsAreNoSilence) {

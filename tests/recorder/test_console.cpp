@@ -7,10 +7,11 @@ namespace corvane::recorder {
 std::string Said;
 std::string StandardOutputText;
 std::function<bool()> Interrupt;
+std::function<bool()> Reader;
 
 bool WriteText(std::FILE* stream, std::string_view text) {
     (stream == stdout ? StandardOutputText : Said) += text;
-    return true;
+    return stream != stdout || !Reader || Reader();
 }
 bool IsTerminal(std::FILE*) {
     return false;

@@ -9,5 +9,6 @@ namespace corvane::recorder {
 extern std::string Said;                // by messages
 extern std::string StandardOutputText;  // everything else
 extern std::function<bool()> Interrupt;
+extern std::function<bool()> Reader;  // of standard output; false: it has gone
 
 }  // namespace corvane::recorder
