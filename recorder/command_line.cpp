@@ -7,6 +7,7 @@
 #include "recorder/convert_command.h"
 #include "recorder/host_device.h"
 #include "recorder/list_command.h"
+#include "recorder/monitor_command.h"
 #include "recorder/open_device.h"
 #include "recorder/options.h"
 #include "recorder/record_command.h"
@@ -26,6 +27,7 @@ ExitCode Run(const Options& options) {
         device.ShowSetting();
         return ExitCode::Success;
     }
+    if (options.Action == Command::Monitor) return Monitor(options, device);
     if (options.Action == Command::Record) return Record(options, device);
     WriteText(stdout, ListDevice(device));
     return ExitCode::Success;

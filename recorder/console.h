@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,5 +21,27 @@ bool IsTerminal(std::FILE* stream);
 // recording can end in order; a second Ctrl+C ends the program at once.
 void WatchInterrupt();
 bool InterruptRequested();
+
+// The whole terminal of standard output, for lines that are drawn over and over. What stood there before comes back
+// when this goes, and when a second Ctrl+C ends the program.
+class Screen {
+public:
+    Screen();
+    ~Screen();
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+
+    struct Size {
+        size_t Columns = 80;
+        size_t Rows = 24;
+    };
+    static Size SizeNow();
+    // Lines for a terminal of this size, from the top. False: they could not be drawn.
+    bool Draw(const std::vector<std::string>& lines, Size size);
+
+private:
+    struct State;
+    std::unique_ptr<State> State_;
+};
 
 }  // namespace corvane::recorder

@@ -28,6 +28,7 @@ constexpr int64_t SplitBytesMin = 1000;
 
 constexpr const char* Footer = R"(Examples:
   ltr27rec list
+  ltr27rec monitor --rate 50
   ltr27rec record -o run.csv
   ltr27rec record -d 8h --split 1h -o run.npy
   ltr27rec convert run-003.npy --from 10m --to 11m --every 100 --minmax -o minute.csv
@@ -119,13 +120,25 @@ void AddText(CLI::App* command, RawOptions& raw, Options& options) {
     command->add_flag("-q,--quiet", options.Quiet, "No progress, no summary; warnings and errors only");
 }
 
-CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
-    CLI::App* record = app.add_subcommand("record", "Record channels to a file");
-    record
+void AddTask(CLI::App* command, RawOptions& raw) {
+    command
         ->add_option("-c,--channels", raw.Channels,
                      "Channels: 0-15,17 or fitted or all; given again, it adds to them (default: fitted)")
         ->multi_option_policy(CLI::MultiOptionPolicy::Join);
-    record->add_option("-r,--rate", raw.Rate, "Kadrs per second, in Hz (default: what the driver is set to)");
+    command->add_option("-r,--rate", raw.Rate, "Kadrs per second, in Hz (default: what the driver is set to)");
+}
+
+CLI::App* AddMonitor(CLI::App& app, RawOptions& raw, Options& options) {
+    CLI::App* monitor = app.add_subcommand("monitor", "Show the values of all channels while they come");
+    AddTask(monitor, raw);
+    monitor->add_flag("--once", options.Once, "Print one table and end");
+    monitor->add_flag("--json", options.Json, "A line of JSON five times a second, or once, in place of a table");
+    return monitor;
+}
+
+CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
+    CLI::App* record = app.add_subcommand("record", "Record channels to a file");
+    AddTask(record, raw);
     CLI::Option* duration = record->add_option("-d,--duration", raw.Duration,
                                                "500ms, 10s, 2m, 1h30m or plain seconds (default: until Ctrl+C)");
     record->add_option("-n,--samples", raw.Samples, "In place of a duration: samples of each channel, that is, kadrs")
@@ -198,15 +211,25 @@ FileFormat ParseFormat(const RawOptions& raw, const std::string& path) {
     ThrowUsage("--format {}: give csv, npy or influx.", raw.Format);
 }
 
-void UnderstandRecord(RawOptions& raw, Options& options) {
-    options.Action = Command::Record;
+void UnderstandTask(RawOptions& raw, Options& options) {
     std::ranges::replace(raw.Channels, '\n', ',');  // between the values of several -c
     options.Channels = ParseChannelList(raw.Channels);
     if (!raw.Rate.empty()) options.Rate = ParseRate(raw.Rate);
+    options.StallTimeout = ParseDuration(raw.StallTimeout);
+}
+
+void UnderstandMonitor(RawOptions& raw, Options& options) {
+    options.Action = Command::Monitor;
+    options.Kadrs = UntilInterrupted;
+    UnderstandTask(raw, options);
+}
+
+void UnderstandRecord(RawOptions& raw, Options& options) {
+    options.Action = Command::Record;
+    UnderstandTask(raw, options);
     options.Kadrs = raw.Samples.empty() ? UntilInterrupted : ParseSamples(raw.Samples);
     if (!raw.Duration.empty()) options.Duration = ParseDuration(raw.Duration);
     if (options.Duration && *options.Duration <= 0) ThrowUsage("--duration {}: must be above 0.", raw.Duration);
-    options.StallTimeout = ParseDuration(raw.StallTimeout);
     options.Csv = ParseCsvStyle(raw.Csv);
     options.Format = ParseFormat(raw, options.OutputPath);
     const bool npy = options.Format == FileFormat::Npy;
@@ -303,13 +326,15 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     CLI::App* list = app.add_subcommand("list", "Show the device and its channels");
     CLI::App* settings = app.add_subcommand("settings", "Open the driver's setup dialog (Windows only)");
     CLI::App* record = AddRecord(app, raw, options);
-    for (CLI::App* command : {list, settings, record}) AddDeviceChoice(command, options);
+    CLI::App* monitor = AddMonitor(app, raw, options);
+    for (CLI::App* command : {list, settings, record, monitor}) AddDeviceChoice(command, options);
     CLI::App* convert = AddConvert(app, raw, options);
-    const std::array commands = {list, settings, record, convert};
+    const std::array commands = {list, monitor, record, convert, settings};
     if (!arguments.empty() && !arguments.front().starts_with('-') &&
         std::ranges::none_of(commands, [&](const CLI::App* each) { return each->get_name() == arguments.front(); })) {
         ThrowUsage(
-            "There is no command \"{}\": ltr27rec has list, record, convert and settings. Run ltr27rec --help for "
+            "There is no command \"{}\": ltr27rec has list, monitor, record, convert and settings. Run ltr27rec --help "
+            "for "
             "help.",
             arguments.front());
     }
@@ -322,10 +347,12 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
         return options;
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty()) {
-            ThrowUsage("Give a command: ltr27rec list, record, convert or settings. Run ltr27rec --help for help.");
+            ThrowUsage(
+                "Give a command: ltr27rec list, monitor, record, convert or settings. Run ltr27rec --help for help.");
         }
         ThrowUsage("{}\nRun ltr27rec --help for help.", error.what());
     }
+    if (monitor->parsed()) UnderstandMonitor(raw, options);
     if (record->parsed()) UnderstandRecord(raw, options);
     if (convert->parsed()) UnderstandConvert(raw, options);
     if (settings->parsed()) options.Action = Command::Settings;

@@ -11,7 +11,7 @@
 
 namespace corvane::recorder {
 
-enum class Command { Print, List, Record, Convert, Settings };
+enum class Command { Print, List, Monitor, Record, Convert, Settings };
 
 // Channels of a device that is not known yet.
 struct ChannelChoice {
@@ -47,14 +47,20 @@ struct Options {
     std::string Crate;     // serial number; empty: the only one
     bool Dialogs = false;  // the driver may show windows
 
-    // Record
+    // Record and Monitor
     ChannelChoice Channels;
-    std::optional<double> Rate;      // Hz; none: what the driver has
+    std::optional<double> Rate;  // Hz; none: what the driver has
+    double StallTimeout = 0;     // s; 0: no limit
+
+    // Monitor
+    bool Once = false;
+    bool Json = false;
+
+    // Record
     int64_t Kadrs = 0;               // so many, or UntilInterrupted
     std::optional<double> Duration;  // s; in place of Kadrs
     std::optional<SplitChoice> Split;
-    double StallTimeout = 0;  // s; 0: no limit
-    std::string PlotPath;     // empty: no plot
+    std::string PlotPath;  // empty: no plot
     FileFormat Format = FileFormat::Csv;
 
     // Record and Convert

@@ -14,7 +14,7 @@ namespace corvane::recorder {
 struct Recording {
     DeviceSummary Device;
     RecordingTask Task;
-    std::string Start;      // local time, in ISO 8601
+    std::string Start;  // local time, in ISO 8601
     // The same time. Not known of a recording that was read back.
     std::chrono::sys_time<std::chrono::milliseconds> StartTime{};
     std::string Note;       // advice for the user; empty: none

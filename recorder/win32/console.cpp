@@ -7,11 +7,13 @@
 #include <atomic>
 
 #include "platform/win32/wide_text.h"
+#include "recorder/text_columns.h"
 
 namespace corvane::recorder {
 namespace {
 
 std::atomic<bool> Interrupted = false;  // set by the system's console thread
+HANDLE Shown = nullptr;                 // the buffer of the screen, where there is one
 
 HANDLE ConsoleOf(std::FILE* stream) {
     return GetStdHandle(stream == stdout ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
@@ -64,6 +66,53 @@ void WatchInterrupt() {
 
 bool InterruptRequested() {
     return Interrupted;
+}
+
+// A screen buffer of its own, which every console has. With its last handle it goes, however the program ends, and the
+// console shows the one before.
+struct Screen::State {
+    HANDLE Before = INVALID_HANDLE_VALUE;
+    HANDLE Buffer = INVALID_HANDLE_VALUE;
+};
+
+Screen::Screen() : State_(std::make_unique<State>()) {
+    State_->Before = ConsoleOf(stdout);
+    State_->Buffer = CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                               nullptr, CONSOLE_TEXTMODE_BUFFER, nullptr);
+    if (State_->Buffer == INVALID_HANDLE_VALUE) return;  // drawing will tell
+    const CONSOLE_CURSOR_INFO hidden = {1, FALSE};
+    SetConsoleCursorInfo(State_->Buffer, &hidden);
+    SetConsoleActiveScreenBuffer(State_->Buffer);
+    Shown = State_->Buffer;
+}
+
+Screen::~Screen() {
+    Shown = nullptr;
+    SetConsoleActiveScreenBuffer(State_->Before);
+    if (State_->Buffer != INVALID_HANDLE_VALUE) CloseHandle(State_->Buffer);
+}
+
+Screen::Size Screen::SizeNow() {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (!GetConsoleScreenBufferInfo(Shown != nullptr ? Shown : ConsoleOf(stdout), &info)) return {};
+    return {static_cast<size_t>(info.srWindow.Right - info.srWindow.Left + 1),
+            static_cast<size_t>(info.srWindow.Bottom - info.srWindow.Top + 1)};
+}
+
+// Every cell of the window is written, none twice, so that nothing flickers.
+bool Screen::Draw(const std::vector<std::string>& lines, Size size) {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (!GetConsoleScreenBufferInfo(State_->Buffer, &info)) return false;
+    for (size_t row = 0; row < size.Rows; row++) {
+        const std::wstring text = platform::Wide(Fitted(row < lines.size() ? lines[row] : "", size.Columns));
+        const COORD place = {info.srWindow.Left, static_cast<SHORT>(info.srWindow.Top + static_cast<int>(row))};
+        DWORD written = 0;
+        if (!WriteConsoleOutputCharacterW(State_->Buffer, text.data(), static_cast<DWORD>(text.size()), place,
+                                          &written)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 }  // namespace corvane::recorder

@@ -17,7 +17,6 @@
 #include "recorder/data_clock.h"
 #include "recorder/envelope.h"
 #include "recorder/failure.h"
-#include "recorder/influx_file.h"
 #include "recorder/options.h"
 #include "recorder/output_file.h"
 #include "recorder/recorded_gaps.h"
@@ -146,6 +145,13 @@ TEST(RecorderCommandLine, ExitCodesAndWordsTellHowItEnded) {
         {"", "", "list --server 10.0.0.1", ExitCode::NoDevice, "running (at 10.0.0.1)", ""},
         {"", "", "list --server 10.0.0", ExitCode::Usage, "--server 10.0.0: give an address", ""},
         {"", "", "list --dialogs", ExitCode::Usage, "This build has no windows", ""},
+        {"", "", "monitor", ExitCode::Usage, "standard output is none. Use --once", ""},
+        {"", "", "monitor -r 1000 -c 3 --once", ExitCode::Success, "\nEverything measured.\nNo Name ", ""},
+        {"", "slot = 5\ncall = 'LTR27_Recv'\nafter = 2\nerror = -12", "monitor -r 1000 -c 0,17 --once",
+         ExitCode::Incomplete, "] -10.00000 -10.00000 silent\n", ""},
+        {"", "", "monitor -r 1000 -c 13-14 --once --json", ExitCode::Incomplete,
+         "\"name\":\"Empty\",\"unit\":\"\",\"value\":null,\"min\":null,\"max\":null,\"mark\":\"empty\"}]}\n", ""},
+        {"start_marks = 'never'", "", "monitor --json --interrupt", ExitCode::Interrupted, "", ""},
         {"", "", "reord", ExitCode::Usage, "no command \"reord\"", ""},
         {"", "", "settings", ExitCode::Usage, "This build has no windows", ""}};
     for (auto [crate, fault, rest, code, said, lastLine] : cases) {
@@ -251,46 +257,6 @@ TEST(RecorderCommandLine, WaitsForItsReaderWhileThereIsOne) {
     EXPECT_NE(Said.find("Standard output can't be written on"), std::string::npos) << Said;
     Reader = nullptr;
     EXPECT_EQ(LtrSim_OpenConnections(), 0);
-}
-
-TEST(RecorderInflux, TextOfARecording) {
-    Recording recording;
-    recording.Device.Name = "a,b=c d\\";  // a backslash would take the next comma with it
-    recording.Device.CrateSerial = "1T\n";
-    recording.StartTime = std::chrono::sys_time(std::chrono::milliseconds(1800000000123));
-    recording.FirstKadr = 10;
-    recording.Task.Rate = static_cast<double>(1000.0F / 3);
-    recording.Task.Modules = {{0, 3}, {1, 0}};
-    recording.Task.Channels = {
-        {0, "a", "", "\u00B0C", 10, 0}, {17, "b", "", "", -1, 0.5}, {18, "Empty", "", "V", 1, 0}};
-    StandardOutputText.clear();
-    InfluxFile file("-");
-    file.Begin(recording);
-    file.Add({Numbers{1, 2, 0, -3, 4, 0}, std::vector<uint8_t>{MissingBit(0) | NeverMeasured, NeverMeasured}});
-    file.Add({Numbers{5, 6, 7}, {}});
-    const auto cut = GapReason::CutShort;
-    const auto so = [](std::vector<Gap> gaps) {
-        return Verdict{End::Complete, "", 3, 3, {"doubtful"}, std::move(gaps), 0};
-    };
-    file.Flush(so({{0, 9, 1, cut}}));
-    file.Flush(so({{0, 9, 2, cut}, {1, 12, 1, cut}}));
-    file.Finish(so({{0, 9, 2, cut}, {1, 12, 1, cut}}));
-    EXPECT_NE(StandardOutputText.find(", serial 1T , "), std::string::npos) << "no line of its own";
-    const std::string device = ",crate=1T_,device=a\\,b\\=c\\ d_", zero = "ltr27,channel=0" + device,
-                      other = "ltr27,channel=17" + device + " value=", gap = "ltr27_gaps" + device + ",module=";
-    EXPECT_EQ(StandardOutputText.substr(StandardOutputText.find("\nltr27") + 1),
-              other + "-1.5 1800000000153000000\n" +                                         //
-                  zero + ",slot=3,unit=\u00B0C value=-0.30 1800000000156000000\n" +          //
-                  other + "-3.5 1800000000156000000\n" +                                     //
-                  zero + ",slot=3,unit=\u00B0C value=0.50 1800000000159000000\n" +           //
-                  other + "-5.5 1800000000159000000\n" +                                     //
-                  "ltr27,channel=18" + device + ",unit=V value=7.0 1800000000159000000\n" +  //
-                  gap + "0,slot=3 from=1800000000150000000i,to=1800000000150000000i,seconds=0.003,kadrs=1i," +
-                  "reason=\"a receive was cut short\" 1800000000150000000\n" + gap +
-                  "0,slot=3 from=1800000000150000000i,to=1800000000153000000i,seconds=0.006,kadrs=2i," +
-                  "reason=\"a receive was cut short\" 1800000000150000000\n" + gap +
-                  "1 from=1800000000159000000i,to=1800000000159000000i,seconds=0.003,kadrs=1i," +
-                  "reason=\"a receive was cut short\" 1800000000159000000\n# doubtful\n");
 }
 
 TEST(RecorderCommandLine, MoreGapsThanTheDriverListsAreNoSilence) {

@@ -8,17 +8,35 @@ std::string Said;
 std::string StandardOutputText;
 std::function<bool()> Interrupt;
 std::function<bool()> Reader;
+std::vector<std::string>* Drawn = nullptr;
 
 bool WriteText(std::FILE* stream, std::string_view text) {
     (stream == stdout ? StandardOutputText : Said) += text;
     return stream != stdout || !Reader || Reader();
 }
-bool IsTerminal(std::FILE*) {
-    return false;
+bool IsTerminal(std::FILE* stream) {
+    return stream == stdout && Drawn != nullptr;
 }
 void WatchInterrupt() {}
 bool InterruptRequested() {
     return Interrupt && Interrupt();
+}
+
+struct Screen::State {};
+Screen::Screen() {
+    Drawn->emplace_back("opened");
+}
+Screen::~Screen() {
+    Drawn->emplace_back("closed");
+}
+Screen::Size Screen::SizeNow() {
+    return {40, 6};
+}
+bool Screen::Draw(const std::vector<std::string>& lines, Size) {
+    std::string text;
+    for (const std::string& line : lines) text += line + '\n';
+    Drawn->push_back(text);
+    return true;
 }
 
 }  // namespace corvane::recorder
