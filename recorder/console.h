@@ -17,6 +17,13 @@ std::vector<std::string> CommandLineArguments(int count, const char* const* valu
 bool WriteText(std::FILE* stream, std::string_view text);
 bool IsTerminal(std::FILE* stream);
 
+struct ScreenSize {
+    size_t Columns = 80;
+    size_t Rows = 24;
+};
+// Of the terminal as it is now; never without a column or row.
+ScreenSize TerminalSize(std::FILE* stream);
+
 // From here on the first Ctrl+C, or closing the terminal's window, only makes InterruptRequested true, so that a
 // recording can end in order; a second Ctrl+C ends the program at once.
 void WatchInterrupt();
@@ -31,13 +38,8 @@ public:
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
 
-    struct Size {
-        size_t Columns = 80;
-        size_t Rows = 24;
-    };
-    static Size SizeNow();
     // Lines for a terminal of this size, from the top. False: they could not be drawn.
-    bool Draw(const std::vector<std::string>& lines, Size size);
+    bool Draw(const std::vector<std::string>& lines, ScreenSize size);
 
 private:
     struct State;

@@ -22,7 +22,7 @@ constexpr auto LookInterval = std::chrono::milliseconds(200);
 constexpr auto PollInterval = std::chrono::milliseconds(40);
 constexpr auto SilenceMax = std::chrono::seconds(2);  // no block takes so long
 constexpr size_t TakeKadrs = 4096;                    // kadrs taken by one call at most
-constexpr Screen::Size Unlimited = {120, 1000};       // of text that no terminal shows
+constexpr ScreenSize Unlimited = {120, 1000};         // of text that no terminal shows
 
 class Watch {
 public:
@@ -84,7 +84,7 @@ private:
                          : State_.Kadrs == 0 ? "No data: no START mark, or the module sends nothing."
                                              : "No data: the driver hangs.";
         State_.Channels = Values_.Look(Gaps_, silent);
-        const Screen::Size size = Screen_ || IsTerminal(stdout) ? Screen::SizeNow() : Unlimited;
+        const ScreenSize size = IsTerminal(stdout) ? TerminalSize(stdout) : Unlimited;
         if (Screen_) {
             Written(Screen_->Draw(MonitorPicture(State_, size.Columns, size.Rows), size));
         } else if (Options_.Json) {

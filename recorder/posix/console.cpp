@@ -45,6 +45,12 @@ bool IsTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) != 0;
 }
 
+ScreenSize TerminalSize(std::FILE* stream) {
+    winsize size{};
+    if (ioctl(fileno(stream), TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) return {};
+    return {size.ws_col, size.ws_row};
+}
+
 void WatchInterrupt() {
     struct sigaction action {};
     action.sa_handler = OnSignal;
@@ -78,14 +84,8 @@ Screen::~Screen() {
     ScreenOpen = 0;
 }
 
-Screen::Size Screen::SizeNow() {
-    winsize size{};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) return {};
-    return {size.ws_col, size.ws_row};
-}
-
 // Each line is put where it belongs, whatever the terminal did when its size changed.
-bool Screen::Draw(const std::vector<std::string>& lines, Size) {
+bool Screen::Draw(const std::vector<std::string>& lines, ScreenSize) {
     std::string text;
     for (size_t i = 0; i < lines.size(); i++) text += "\x1b[" + std::to_string(i + 1) + ";1H" + lines[i] + "\x1b[K";
     return WriteText(stdout, text + "\x1b[J");

@@ -4,6 +4,7 @@
 // windows.h first: the other builds on it.
 #include <shellapi.h>
 
+#include <algorithm>
 #include <atomic>
 
 #include "platform/win32/wide_text.h"
@@ -60,6 +61,13 @@ bool IsTerminal(std::FILE* stream) {
     return GetConsoleMode(ConsoleOf(stream), &mode) != 0;
 }
 
+ScreenSize TerminalSize(std::FILE* stream) {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (!GetConsoleScreenBufferInfo(Shown != nullptr ? Shown : ConsoleOf(stream), &info)) return {};
+    const auto size = [](SHORT first, SHORT last) { return static_cast<size_t>(std::max(last - first + 1, 1)); };
+    return {size(info.srWindow.Left, info.srWindow.Right), size(info.srWindow.Top, info.srWindow.Bottom)};
+}
+
 void WatchInterrupt() {
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
 }
@@ -92,15 +100,8 @@ Screen::~Screen() {
     if (State_->Buffer != INVALID_HANDLE_VALUE) CloseHandle(State_->Buffer);
 }
 
-Screen::Size Screen::SizeNow() {
-    CONSOLE_SCREEN_BUFFER_INFO info{};
-    if (!GetConsoleScreenBufferInfo(Shown != nullptr ? Shown : ConsoleOf(stdout), &info)) return {};
-    return {static_cast<size_t>(info.srWindow.Right - info.srWindow.Left + 1),
-            static_cast<size_t>(info.srWindow.Bottom - info.srWindow.Top + 1)};
-}
-
 // Every cell of the window is written, none twice, so that nothing flickers.
-bool Screen::Draw(const std::vector<std::string>& lines, Size size) {
+bool Screen::Draw(const std::vector<std::string>& lines, ScreenSize size) {
     CONSOLE_SCREEN_BUFFER_INFO info{};
     if (!GetConsoleScreenBufferInfo(State_->Buffer, &info)) return false;
     for (size_t row = 0; row < size.Rows; row++) {

@@ -7,6 +7,8 @@
 #include "recorder/command_line.h"
 #include "recorder/influx_file.h"
 #include "recorder/monitor_picture.h"
+#include "recorder/options.h"
+#include "recorder/progress.h"
 #include "recorder/text_columns.h"
 #include "simulator/control.h"
 #include "simulator/sequence.h"
@@ -55,6 +57,24 @@ TEST(RecorderInflux, TextOfARecording) {
                   "reason=\"a receive was cut short\" 1800000000150000000\n" + gap +
                   "1 from=1800000000159000000i,to=1800000000159000000i,seconds=0.003,kadrs=1i," +
                   "reason=\"a receive was cut short\" 1800000000159000000\n# doubtful\n");
+}
+
+TEST(RecorderProgress, FitsItsLine) {
+    // Kadrs, how many are wanted, seconds, kadrs that wait, columns, and the line.
+    const int64_t year = 36000000000;
+    const std::tuple<int64_t, int64_t, double, std::optional<int32_t>, size_t, const char*> cases[] = {
+        {370, 1000, 0.37, 12, 79, "[#######             ]  37 %  370 of 1000 kadrs  0.4 s  12 unread"},
+        {370, 1000, 0.37, 12, 0, " 37 %  370 of 1000 kadrs  0.4 s  12 unread"},
+        {2000000000, 2419200000, 2000000.9, 65536, 79,
+         "[#########   ]  82 %  2000000000 of 2419200000 kadrs  555:33:20 h  65536 unread"},
+        {year, year, 36e6, 65536, 79,
+         "[########] 100 %  36000000000 of 36000000000 kadrs  10000:00:00 h  65536 unread"},
+        {year, UntilInterrupted, 36e6, 65536, 79, "36000000000 kadrs  10000:00:00 h  65536 unread"},
+        {370, 1000, 0.37, 12, 39, " 37 %  370 of 1000 kadrs  0.4 s  12 unr"},
+        {5, 10, 3599.96, {}, 39, "[###   ]  50 %  5 of 10 kadrs  3600.0 s"}};
+    for (const auto& [kadrs, wanted, seconds, unread, columns, line] : cases) {
+        EXPECT_EQ(ProgressLine(kadrs, wanted, seconds, unread, columns), line);
+    }
 }
 
 // A picture of four channels: in order, silent, at its limit and without a mezzanine.

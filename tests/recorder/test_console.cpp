@@ -17,6 +17,9 @@ bool WriteText(std::FILE* stream, std::string_view text) {
 bool IsTerminal(std::FILE* stream) {
     return stream == stdout && Drawn != nullptr;
 }
+ScreenSize TerminalSize(std::FILE*) {
+    return {40, 6};
+}
 void WatchInterrupt() {}
 bool InterruptRequested() {
     return Interrupt && Interrupt();
@@ -29,10 +32,7 @@ Screen::Screen() {
 Screen::~Screen() {
     Drawn->emplace_back("closed");
 }
-Screen::Size Screen::SizeNow() {
-    return {40, 6};
-}
-bool Screen::Draw(const std::vector<std::string>& lines, Size) {
+bool Screen::Draw(const std::vector<std::string>& lines, ScreenSize) {
     std::string text;
     for (const std::string& line : lines) text += line + '\n';
     Drawn->push_back(text);
