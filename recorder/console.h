@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdio>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,11 +38,7 @@ public:
     Screen& operator=(const Screen&) = delete;
 
     // Lines for a terminal of this size, from the top. False: they could not be drawn.
-    bool Draw(const std::vector<std::string>& lines, ScreenSize size);
-
-private:
-    struct State;
-    std::unique_ptr<State> State_;
+    static bool Draw(const std::vector<std::string>& lines, ScreenSize size);
 };
 
 }  // namespace corvane::recorder

@@ -86,7 +86,7 @@ private:
         State_.Channels = Values_.Look(Gaps_, silent);
         const ScreenSize size = IsTerminal(stdout) ? TerminalSize(stdout) : Unlimited;
         if (Screen_) {
-            Written(Screen_->Draw(MonitorPicture(State_, size.Columns, size.Rows), size));
+            Written(Screen::Draw(MonitorPicture(State_, size.Columns, size.Rows), size));
         } else if (Options_.Json) {
             Written(WriteText(stdout, MonitorJson(State_)));
         } else {

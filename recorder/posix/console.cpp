@@ -72,8 +72,6 @@ bool InterruptRequested() {
     return Interrupted != 0;
 }
 
-struct Screen::State {};
-
 Screen::Screen() {
     ScreenOpen = 1;
     WriteText(stdout, OpenScreen);

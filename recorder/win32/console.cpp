@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <utility>
 
 #include "platform/win32/wide_text.h"
 #include "recorder/text_columns.h"
@@ -15,6 +16,22 @@ namespace {
 
 std::atomic<bool> Interrupted = false;  // set by the system's console thread
 HANDLE Shown = nullptr;                 // the buffer of the screen, where there is one
+HANDLE Hidden = nullptr;                // and the one that it hides
+
+// Wine draws a buffer that comes back only where something is written on it: each row once more.
+void ShowHidden() {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (!SetConsoleActiveScreenBuffer(Hidden) || !GetConsoleScreenBufferInfo(Hidden, &info)) return;
+    for (SMALL_RECT row = info.srWindow; row.Top <= info.srWindow.Bottom; row.Top++) {
+        row.Bottom = row.Top;
+        const COORD size = {static_cast<SHORT>(row.Right - row.Left + 1), 1};
+        std::vector<CHAR_INFO> cells(static_cast<size_t>(size.X));
+        SMALL_RECT place = row;
+        if (ReadConsoleOutputW(Hidden, cells.data(), size, {0, 0}, &place)) {
+            WriteConsoleOutputW(Hidden, cells.data(), size, {0, 0}, &place);
+        }
+    }
+}
 
 HANDLE ConsoleOf(std::FILE* stream) {
     return GetStdHandle(stream == stdout ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
@@ -22,6 +39,7 @@ HANDLE ConsoleOf(std::FILE* stream) {
 
 BOOL WINAPI OnConsoleEvent(DWORD event) {
     const bool again = Interrupted.exchange(true);
+    if (again && Hidden != nullptr) ShowHidden();
     if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) return again ? FALSE : TRUE;
     // The system ends the process as soon as this returns from a closing event, and after 5 s anyway: the time between
     // is for the recording to end in order.
@@ -76,40 +94,38 @@ bool InterruptRequested() {
     return Interrupted;
 }
 
-// A screen buffer of its own, which every console has. With its last handle it goes, however the program ends, and the
-// console shows the one before.
-struct Screen::State {
-    HANDLE Before = INVALID_HANDLE_VALUE;
-    HANDLE Buffer = INVALID_HANDLE_VALUE;
-};
-
-Screen::Screen() : State_(std::make_unique<State>()) {
-    State_->Before = ConsoleOf(stdout);
-    State_->Buffer = CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                               nullptr, CONSOLE_TEXTMODE_BUFFER, nullptr);
-    if (State_->Buffer == INVALID_HANDLE_VALUE) return;  // drawing will tell
+// A screen buffer of its own, which every console can have. With its last handle it goes, however the program ends, and
+// the console shows the one before.
+Screen::Screen() {
+    // Not that of standard output: under Wine it stands for whichever buffer is shown.
+    HANDLE before = CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                OPEN_EXISTING, 0, nullptr);
+    HANDLE buffer = CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                              CONSOLE_TEXTMODE_BUFFER, nullptr);
+    if (before == INVALID_HANDLE_VALUE || buffer == INVALID_HANDLE_VALUE) return;  // drawing will tell
+    SetConsoleActiveScreenBuffer(buffer);
     const CONSOLE_CURSOR_INFO hidden = {1, FALSE};
-    SetConsoleCursorInfo(State_->Buffer, &hidden);
-    SetConsoleActiveScreenBuffer(State_->Buffer);
-    Shown = State_->Buffer;
+    SetConsoleCursorInfo(buffer, &hidden);
+    Shown = buffer;
+    Hidden = before;
 }
 
 Screen::~Screen() {
-    Shown = nullptr;
-    SetConsoleActiveScreenBuffer(State_->Before);
-    if (State_->Buffer != INVALID_HANDLE_VALUE) CloseHandle(State_->Buffer);
+    if (Shown == nullptr) return;
+    ShowHidden();
+    CloseHandle(std::exchange(Shown, nullptr));
+    CloseHandle(std::exchange(Hidden, nullptr));
 }
 
 // Every cell of the window is written, none twice, so that nothing flickers.
 bool Screen::Draw(const std::vector<std::string>& lines, ScreenSize size) {
     CONSOLE_SCREEN_BUFFER_INFO info{};
-    if (!GetConsoleScreenBufferInfo(State_->Buffer, &info)) return false;
+    if (!GetConsoleScreenBufferInfo(Shown, &info)) return false;
     for (size_t row = 0; row < size.Rows; row++) {
         const std::wstring text = platform::Wide(Fitted(row < lines.size() ? lines[row] : "", size.Columns));
         const COORD place = {info.srWindow.Left, static_cast<SHORT>(info.srWindow.Top + static_cast<int>(row))};
         DWORD written = 0;
-        if (!WriteConsoleOutputCharacterW(State_->Buffer, text.data(), static_cast<DWORD>(text.size()), place,
-                                          &written)) {
+        if (!WriteConsoleOutputCharacterW(Shown, text.data(), static_cast<DWORD>(text.size()), place, &written)) {
             return false;
         }
     }

@@ -25,7 +25,6 @@ bool InterruptRequested() {
     return Interrupt && Interrupt();
 }
 
-struct Screen::State {};
 Screen::Screen() {
     Drawn->emplace_back("opened");
 }
