@@ -2,7 +2,10 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <thread>
+#include <utility>
 
 #include "recorder/command_line.h"
 #include "recorder/influx_file.h"
@@ -18,6 +21,29 @@ namespace corvane::recorder {
 namespace {
 
 using Numbers = std::vector<int16_t>;
+
+TEST(RecorderInflux, WaitsForItsReaderWhileThereIsOne) {
+    ASSERT_EQ(LtrSim_Configure(SequenceCrate({3}, "1.0").c_str()), 0) << LtrSim_Message();
+    Said.clear();
+    StandardOutputText.clear();
+    // While the reader sleeps, the driver keeps what comes, which is no silence of the module.
+    Reader = [slow = true]() mutable {
+        if (std::exchange(slow, StandardOutputText.find("\nltr27") == std::string::npos)) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(400));
+        }
+        return true;
+    };
+    const std::vector<std::string> record = {
+        "record", "-r", "1000", "-n", "900", "-c", "2", "-o", "-", "--format", "influx", "--stall-timeout", "300ms"};
+    EXPECT_EQ(RunCommandLine(record), ExitCode::Success) << Said;
+    const auto lines = std::ranges::count(StandardOutputText, '\n');
+    EXPECT_EQ(lines - std::ranges::count(StandardOutputText, '#'), 900);
+    Reader = [] { return StandardOutputText.find("\nltr27") == std::string::npos; };
+    EXPECT_EQ(RunCommandLine(record), ExitCode::Output);
+    EXPECT_NE(Said.find("Standard output can't be written on"), std::string::npos) << Said;
+    Reader = nullptr;
+    EXPECT_EQ(LtrSim_OpenConnections(), 0);
+}
 
 TEST(RecorderInflux, TextOfARecording) {
     Recording recording;

@@ -9,8 +9,6 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
-#include <thread>
-#include <utility>
 
 #include "recorder/command_line.h"
 #include "recorder/csv_writer.h"
@@ -234,29 +232,6 @@ TEST(RecorderFiles, TakeTheirNamesWhenTheyAreComplete) {
     EXPECT_NE(StandardOutputText.rfind("\n0.099,"), std::string::npos);
     EXPECT_EQ(StandardOutputText.find("complete"), std::string::npos);
     EXPECT_NE(Said.find(": 100 kadrs of 14 channels"), std::string::npos) << Said;
-}
-
-TEST(RecorderCommandLine, WaitsForItsReaderWhileThereIsOne) {
-    ASSERT_EQ(LtrSim_Configure(SequenceCrate({3}, "1.0").c_str()), 0) << LtrSim_Message();
-    Said.clear();
-    StandardOutputText.clear();
-    // While the reader sleeps, the driver keeps what comes, which is no silence of the module.
-    Reader = [slow = true]() mutable {
-        if (std::exchange(slow, StandardOutputText.find("\nltr27") == std::string::npos)) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(400));
-        }
-        return true;
-    };
-    const std::vector<std::string> record = {
-        "record", "-r", "1000", "-n", "900", "-c", "2", "-o", "-", "--format", "influx", "--stall-timeout", "300ms"};
-    EXPECT_EQ(RunCommandLine(record), ExitCode::Success) << Said;
-    const auto lines = std::ranges::count(StandardOutputText, '\n');
-    EXPECT_EQ(lines - std::ranges::count(StandardOutputText, '#'), 900);
-    Reader = [] { return StandardOutputText.find("\nltr27") == std::string::npos; };
-    EXPECT_EQ(RunCommandLine(record), ExitCode::Output);
-    EXPECT_NE(Said.find("Standard output can't be written on"), std::string::npos) << Said;
-    Reader = nullptr;
-    EXPECT_EQ(LtrSim_OpenConnections(), 0);
 }
 
 TEST(RecorderCommandLine, MoreGapsThanTheDriverListsAreNoSilence) {
