@@ -49,7 +49,7 @@ TEST(RecorderInflux, TextOfARecording) {
     Recording recording;
     recording.Device.Name = "a,b=c d\\";  // a backslash would take the next comma with it
     recording.Device.CrateSerial = "1T\n";
-    recording.StartTime = std::chrono::sys_time(std::chrono::milliseconds(1800000000123));
+    recording.StartTime = std::chrono::sys_time<std::chrono::milliseconds>(std::chrono::milliseconds(1800000000123));
     recording.FirstKadr = 10;
     recording.Task.Rate = static_cast<double>(1000.0F / 3);
     recording.Task.Modules = {{0, 3}, {1, 0}};
