@@ -9,6 +9,7 @@
 #include "recorder/driver_command.h"
 #include "recorder/host_device.h"
 #include "recorder/list_command.h"
+#include "recorder/monitor_command.h"
 #include "recorder/open_device.h"
 #include "recorder/options.h"
 #include "recorder/record_command.h"
@@ -30,6 +31,7 @@ ExitCode Run(const Options& options) {
         device.ShowSetting();
         return ExitCode::Success;
     }
+    if (options.Action == Command::Monitor) return Monitor(options, device);
     if (options.Action == Command::Record) return Record(options, device);
     WriteText(stdout, ListDevice(device));
     return ExitCode::Success;

@@ -5,15 +5,6 @@
 #include <cmath>
 
 namespace corvane::recorder {
-namespace {
-
-// Fewest decimals whose last place is no larger than a tenth of a code: the text then adds no error worth naming.
-int DecimalsFor(double scale) {
-    return std::clamp(static_cast<int>(std::ceil(std::log10(std::abs(scale)) - 1e-9)) + 1, 0, FixedPoint::DecimalsMax);
-}
-
-}  // namespace
-
 std::string CsvField(const std::string& text, char separator) {
     if (text.find_first_of(std::string("\"\r\n") + separator) == std::string::npos) return text;
     std::string quoted = "\"";
@@ -24,10 +15,12 @@ std::string CsvField(const std::string& text, char separator) {
     return quoted + '"';
 }
 
-// The driver's rates are 1000 Hz divided by a whole number, so the period is a whole number of ms and the times are
-// exact. Any other rate is kept to the us.
+int64_t TimeColumn::Period(double rate) {
+    return std::llround(1e6 / rate);
+}
+
 TimeColumn::TimeColumn(double rate, char point)
-    : Period_(std::llround(1e6 / rate)), Decimals_(Period_ % 1000 == 0 ? 3 : 6), Point_(point) {}
+    : Period_(Period(rate)), Decimals_(Period_ % 1000 == 0 ? 3 : 6), Point_(point) {}
 
 char* TimeColumn::Write(char* text, int64_t kadr) const {
     const int64_t time = kadr * Period_;  // us
@@ -53,7 +46,9 @@ CsvWriter::CsvWriter(std::vector<Channel> channels, double rate, CsvStyle style,
       Times_(rate, style.Point),
       Kadr_(firstKadr),
       Row_(TimeColumn::LengthMax + Channels_.size() * (FixedPoint::LengthMax + 1) + 1) {
-    for (const Channel& channel : Channels_) Numbers_.emplace_back(DecimalsFor(channel.Scale), style.Point);
+    for (const Channel& channel : Channels_) {
+        Numbers_.emplace_back(FixedPoint::DecimalsFor(channel.Scale), style.Point);
+    }
 }
 
 void CsvWriter::AppendHeader(std::string& text, std::span<const std::string> remarks) const {
@@ -80,16 +75,12 @@ void CsvWriter::AppendRow(std::string& text, int64_t kadr, std::span<const doubl
 }
 
 int64_t CsvWriter::RowLengthMax() const {
-    char text[FixedPoint::LengthMax];
-    ptrdiff_t length = TimeColumn::LengthMax;
-    for (size_t channel = 0; channel < Channels_.size(); channel++) {
-        ptrdiff_t longest = 0;
-        for (const int sample : {INT16_MIN, INT16_MAX}) {
-            longest = std::max(longest, Numbers_[channel].Write(text, Channels_[channel].Physical(sample)) - text);
-        }
-        length += longest + 2;  // a separator and a sign
+    size_t length = TimeColumn::LengthMax;
+    for (size_t i = 0; i < Channels_.size(); i++) {
+        const Channel& channel = Channels_[i];
+        length += 1 + Numbers_[i].LengthBetween(channel.Physical(INT16_MIN), channel.Physical(INT16_MAX));
     }
-    return length;
+    return static_cast<int64_t>(length);
 }
 
 void CsvWriter::AppendRows(std::string& text, const TakenKadrs& kadrs) {

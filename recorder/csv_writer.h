@@ -29,6 +29,9 @@ std::string CsvField(const std::string& text, char separator);
 class TimeColumn {
 public:
     static constexpr size_t LengthMax = 40;  // bytes that Write may touch
+    // Between two kadrs, in us. The driver's rates are 1000 Hz divided by a whole number, so it is a whole number of ms
+    // and the times are exact. Any other rate is kept to the us.
+    static int64_t Period(double rate);
     explicit TimeColumn(double rate, char point = '.');
     // The time of a kadr, in s; 0 is the recording's first. Returns the end of what was written.
     char* Write(char* text, int64_t kadr) const;

@@ -65,6 +65,10 @@ char* WriteDigits(char* text, uint32_t number) {
     return text + Shorts[number].Length;
 }
 
+int FixedPoint::DecimalsFor(double scale) {
+    return std::clamp(static_cast<int>(std::ceil(std::log10(std::abs(scale)) - 1e-9)) + 1, 0, DecimalsMax);
+}
+
 FixedPoint::FixedPoint(int decimals, char point)
     : Decimals_(decimals), Point_(point), UnitsPerOne_(std::pow(10.0, decimals)) {}
 
@@ -86,6 +90,12 @@ char* FixedPoint::Write(char* text, double value) const {
     text = WriteDigits(text, static_cast<uint32_t>(whole));
     *text++ = Point_;
     return WriteDigits(text, static_cast<uint32_t>(decimals), Decimals_);
+}
+
+size_t FixedPoint::LengthBetween(double one, double other) const {
+    char text[LengthMax];
+    const auto length = std::max(Write(text, one) - text, Write(text, other) - text);
+    return static_cast<size_t>(length) + 1;
 }
 
 char* FixedPoint::WriteExactly(char* text, double value) const {

@@ -29,11 +29,13 @@ constexpr int64_t SplitBytesMin = 1000;
 
 constexpr const char* Footer = R"(Examples:
   ltr27rec list
+  ltr27rec monitor --rate 50
   ltr27rec record -o run.csv
   ltr27rec record -d 8h --split 1h -o run.npy
   ltr27rec convert run-003.npy --from 10m --to 11m --every 100 --minmax -o minute.csv
   ltr27rec record --channels 0-15,17 --rate 500 --duration 2m -o run.csv --plot run.svg
   ltr27rec record --crate 3T123456 -c all -d 1h30m -o - | gzip > run.csv.gz
+  ltr27rec record --format influx -o - | your-program
   ltr27rec settings
 
 Exit codes:
@@ -97,6 +99,7 @@ struct RawOptions {
     std::string Samples;
     std::string Split;
     std::string Csv = "plain";
+    std::string Format;
     std::string From;
     std::string To;
     bool Means = false;
@@ -118,13 +121,25 @@ void AddText(CLI::App* command, RawOptions& raw, Options& options) {
     command->add_flag("-q,--quiet", options.Quiet, "No progress, no summary; warnings and errors only");
 }
 
-CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
-    CLI::App* record = app.add_subcommand("record", "Record channels to a CSV file");
-    record
+void AddTask(CLI::App* command, RawOptions& raw) {
+    command
         ->add_option("-c,--channels", raw.Channels,
                      "Channels: 0-15,17 or fitted or all; given again, it adds to them (default: fitted)")
         ->multi_option_policy(CLI::MultiOptionPolicy::Join);
-    record->add_option("-r,--rate", raw.Rate, "Kadrs per second, in Hz (default: what the driver is set to)");
+    command->add_option("-r,--rate", raw.Rate, "Kadrs per second, in Hz (default: what the driver is set to)");
+}
+
+CLI::App* AddMonitor(CLI::App& app, RawOptions& raw, Options& options) {
+    CLI::App* monitor = app.add_subcommand("monitor", "Show the values of all channels while they come");
+    AddTask(monitor, raw);
+    monitor->add_flag("--once", options.Once, "Print one table and end");
+    monitor->add_flag("--json", options.Json, "A line of JSON five times a second, or once, in place of a table");
+    return monitor;
+}
+
+CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
+    CLI::App* record = app.add_subcommand("record", "Record channels to a file");
+    AddTask(record, raw);
     CLI::Option* duration = record->add_option("-d,--duration", raw.Duration,
                                                "500ms, 10s, 2m, 1h30m or plain seconds (default: until Ctrl+C)");
     record->add_option("-n,--samples", raw.Samples, "In place of a duration: samples of each channel, that is, kadrs")
@@ -132,8 +147,10 @@ CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
     record
         ->add_option("-o,--output", options.OutputPath,
                      "File to write; it replaces an existing one when it is complete. NAME.npy: a NumPy array, with "
-                     "NAME.json beside it; any other name: CSV; -: CSV to standard output")
+                     "NAME.json beside it; any other name: text; -: text to standard output")
         ->required();
+    record->add_option("--format", raw.Format,
+                       "csv, npy or influx, InfluxDB's line protocol (default: npy for NAME.npy, else csv)");
     record->add_option("--split", raw.Split,
                        "Begin a new file, NAME-002 and so on, after a time (1h) or before a size (1GB)");
     record->add_option("-p,--plot", options.PlotPath, "SVG picture of the recording to write");
@@ -206,21 +223,46 @@ bool EndsWithJson(const std::string& path) {
     return end == ".json";
 }
 
-void UnderstandRecord(RawOptions& raw, Options& options) {
-    options.Action = Command::Record;
+FileFormat ParseFormat(const RawOptions& raw, const std::string& path) {
+    const bool npy = IsNpy(path);
+    if (raw.Format.empty()) return npy ? FileFormat::Npy : FileFormat::Csv;
+    if (npy != (raw.Format == "npy")) {
+        ThrowUsage("--format {}: {} is a name for {}.", raw.Format, path, npy ? "an array" : "text; call it NAME.npy");
+    }
+    if (raw.Format == "npy") return FileFormat::Npy;
+    if (raw.Format == "csv") return FileFormat::Csv;
+    if (raw.Format == "influx") return FileFormat::Influx;
+    ThrowUsage("--format {}: give csv, npy or influx.", raw.Format);
+}
+
+void UnderstandTask(RawOptions& raw, Options& options) {
     std::ranges::replace(raw.Channels, '\n', ',');  // between the values of several -c
     options.Channels = ParseChannelList(raw.Channels);
     if (!raw.Rate.empty()) options.Rate = ParseRate(raw.Rate);
+    options.StallTimeout = ParseDuration(raw.StallTimeout);
+}
+
+void UnderstandMonitor(RawOptions& raw, Options& options) {
+    options.Action = Command::Monitor;
+    options.Kadrs = UntilInterrupted;
+    UnderstandTask(raw, options);
+}
+
+void UnderstandRecord(RawOptions& raw, Options& options) {
+    options.Action = Command::Record;
+    UnderstandTask(raw, options);
     options.Kadrs = raw.Samples.empty() ? UntilInterrupted : ParseSamples(raw.Samples);
     if (!raw.Duration.empty()) options.Duration = ParseDuration(raw.Duration);
     if (options.Duration && *options.Duration <= 0) ThrowUsage("--duration {}: must be above 0.", raw.Duration);
-    options.StallTimeout = ParseDuration(raw.StallTimeout);
     options.Csv = ParseCsvStyle(raw.Csv);
-    const bool npy = IsNpy(options.OutputPath);
-    if (npy && raw.Csv != "plain") ThrowUsage("--csv is for text: {} becomes an array.", options.OutputPath);
+    options.Format = ParseFormat(raw, options.OutputPath);
+    const bool npy = options.Format == FileFormat::Npy;
+    if (options.Format != FileFormat::Csv && raw.Csv != "plain") {
+        ThrowUsage("--csv is for CSV: {} becomes {}.", options.OutputPath, npy ? "an array" : "line protocol");
+    }
     if (!raw.Split.empty()) options.Split = ParseSplit(raw.Split);
     if (options.Split && options.OutputPath == StandardOutput) ThrowUsage("--split needs files: give a name with -o.");
-    if (options.PlotPath == StandardOutput) ThrowUsage("--plot needs a file: only the CSV can go to standard output.");
+    if (options.PlotPath == StandardOutput) ThrowUsage("--plot needs a file: only the data can go to standard output.");
     if (npy && EndsWithJson(options.PlotPath)) {
         ThrowUsage("--plot {}: a .json file beside the array says what is in it. Name the picture .svg.",
                    options.PlotPath);
@@ -308,21 +350,19 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     CLI::App* list = app.add_subcommand("list", "Show the device and its channels");
     CLI::App* settings = app.add_subcommand("settings", "Open the driver's setup dialog (Windows only)");
     CLI::App* record = AddRecord(app, raw, options);
-    for (CLI::App* command : {list, settings, record}) AddDeviceChoice(command, options);
+    CLI::App* monitor = AddMonitor(app, raw, options);
+    for (CLI::App* command : {list, settings, record, monitor}) AddDeviceChoice(command, options);
     CLI::App* convert = AddConvert(app, raw, options);
     CLI::App* driver = AddDriver(app, options);
     CLI::App* doctor = app.add_subcommand("doctor", "Find out whether a recording would work, and what to do if not");
     AddDeviceChoice(doctor, options);
     doctor->add_flag("--json", options.Json, "What was found, as JSON");
-    const std::array commands = {list, settings, record, convert, driver, doctor};
+    const std::array commands = {list, monitor, record, convert, settings, driver, doctor};
+    std::string names;
+    for (const CLI::App* each : commands) names += (names.empty() ? "" : ", ") + each->get_name();
     if (!arguments.empty() && !arguments.front().starts_with('-') &&
         std::ranges::none_of(commands, [&](const CLI::App* each) { return each->get_name() == arguments.front(); })) {
-        ThrowUsage(
-            "There is no command \"{}\": ltr27rec has list, record, convert, settings, driver and doctor. Run ltr27rec "
-            "--help "
-            "for "
-            "help.",
-            arguments.front());
+        ThrowUsage("There is no command \"{}\", only {}. Run ltr27rec --help for help.", arguments.front(), names);
     }
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // it takes them from the back
@@ -333,12 +373,11 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
         return options;
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty()) {
-            ThrowUsage(
-                "Give a command: ltr27rec list, record, convert, settings, driver or doctor. Run ltr27rec --help for "
-                "help.");
+            ThrowUsage("Give a command: {}. Run ltr27rec --help for help.", names);
         }
         ThrowUsage("{}\nRun ltr27rec --help for help.", error.what());
     }
+    if (monitor->parsed()) UnderstandMonitor(raw, options);
     if (record->parsed()) UnderstandRecord(raw, options);
     if (convert->parsed()) UnderstandConvert(raw, options);
     if (settings->parsed()) options.Action = Command::Settings;

@@ -11,7 +11,7 @@
 
 namespace corvane::recorder {
 
-enum class Command { Print, List, Record, Convert, Settings, Driver, Doctor };
+enum class Command { Print, List, Monitor, Record, Convert, Settings, Driver, Doctor };
 
 enum class DriverAction { Show, Real, Simulator, Unregister, Libraries, CopyLibraries, Programs };
 
@@ -32,6 +32,9 @@ struct SplitChoice {
     bool operator==(const SplitChoice&) const = default;
 };
 
+// What a recording is written as.
+enum class FileFormat { Csv, Npy, Influx };
+
 // What stands for a group of kadrs.
 enum class Thinning { First, Means, MinMax };
 
@@ -46,14 +49,21 @@ struct Options {
     std::string Crate;     // serial number; empty: the only one
     bool Dialogs = false;  // the driver may show windows
 
-    // Record
+    // Record and Monitor
     ChannelChoice Channels;
-    std::optional<double> Rate;      // Hz; none: what the driver has
+    std::optional<double> Rate;  // Hz; none: what the driver has
+    double StallTimeout = 0;     // s; 0: no limit
+
+    // Monitor and Doctor
+    bool Once = false;
+    bool Json = false;
+
+    // Record
     int64_t Kadrs = 0;               // so many, or UntilInterrupted
     std::optional<double> Duration;  // s; in place of Kadrs
     std::optional<SplitChoice> Split;
-    double StallTimeout = 0;  // s; 0: no limit
-    std::string PlotPath;     // empty: no plot
+    std::string PlotPath;  // empty: no plot
+    FileFormat Format = FileFormat::Csv;
 
     // Record and Convert
     std::string OutputPath;   // StandardOutput: that
@@ -67,9 +77,6 @@ struct Options {
     std::optional<double> To;  // s, behind the last kadr; none: all
     int64_t Every = 1;         // kadrs that become one row
     Thinning ThinBy = Thinning::First;
-
-    // Doctor
-    bool Json = false;
 
     // Driver
     DriverAction Driver = DriverAction::Show;

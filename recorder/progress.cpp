@@ -8,21 +8,32 @@
 
 namespace corvane::recorder {
 
+namespace {
+
+// From an hour on tenths are of no use, and many seconds are hard to read.
+std::string Elapsed(double seconds) {
+    const auto whole = static_cast<int64_t>(seconds);
+    if (whole < 3600) return fmt::format("{:.1f} s", seconds);
+    return fmt::format("{}:{:02}:{:02} h", whole / 3600, whole / 60 % 60, whole % 60);
+}
+
+}  // namespace
+
 std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, std::optional<int32_t> unreadKadrs,
-                         bool bar) {
-    constexpr int64_t BarWidth = 20;
-    std::string line;
-    if (wantedKadrs == UntilInterrupted) {
-        line = fmt::format("{} kadrs", kadrs);
-    } else {
-        if (bar) {
-            const int64_t done = kadrs * BarWidth / wantedKadrs;
-            line = fmt::format("[{:<{}}] ", std::string(static_cast<size_t>(done), '#'), BarWidth);
-        }
-        line += fmt::format("{:3} %  {} of {} kadrs", kadrs * 100 / wantedKadrs, kadrs, wantedKadrs);
+                         size_t columns) {
+    constexpr size_t BarMin = 5, BarMax = 20, BarEnds = 3;
+    const bool endless = wantedKadrs == UntilInterrupted;
+    std::string line = endless ? fmt::format("{} kadrs", kadrs)
+                               : fmt::format("{:3} %  {} of {} kadrs", kadrs * 100 / wantedKadrs, kadrs, wantedKadrs);
+    line += "  " + Elapsed(seconds);
+    if (unreadKadrs) line += fmt::format("  {} unread", *unreadKadrs);
+    if (columns == 0) return line;
+    if (!endless && line.size() + BarEnds + BarMin <= columns) {
+        const size_t bar = std::min(BarMax, columns - line.size() - BarEnds);
+        const auto done = static_cast<size_t>(kadrs * static_cast<int64_t>(bar) / wantedKadrs);
+        line.insert(0, fmt::format("[{:<{}}] ", std::string(done, '#'), bar));
     }
-    line += fmt::format("  {:.1f} s", seconds);
-    return unreadKadrs ? fmt::format("{}  {} unread", line, *unreadKadrs) : line;
+    return line.substr(0, columns);
 }
 
 Progress::Progress(int64_t wantedKadrs, bool quiet)
@@ -33,9 +44,11 @@ void Progress::Show(int64_t kadrs, std::optional<int32_t> unreadKadrs) {
     if (Quiet_ || now < NextShow_) return;
     NextShow_ = now + Interval();
     const double seconds = std::chrono::duration<double>(now - Start_).count();
-    const std::string line = ProgressLine(kadrs, WantedKadrs_, seconds, unreadKadrs, Terminal_);
-    // Spaces cover what a longer line left. One character less than the width, so that no console wraps the line.
-    WriteText(stderr, Terminal_ ? fmt::format("\r{:<79}", line) : line + '\n');
+    // One character less than the width, so that no console wraps the line.
+    const size_t columns = Terminal_ ? std::min<size_t>(TerminalSize(stderr).Columns, 80) - 1 : 0;
+    const std::string line = ProgressLine(kadrs, WantedKadrs_, seconds, unreadKadrs, columns);
+    // Spaces cover what a longer line left.
+    WriteText(stderr, Terminal_ ? fmt::format("\r{:<{}}", line, columns) : line + '\n');
     LineOpen_ = Terminal_;
 }
 

@@ -9,10 +9,10 @@
 
 namespace corvane::recorder {
 
-// Percent and counts as one line, without percent when they are wanted until the user interrupts; fewer than 80
-// characters for recordings of up to 10^8 kadrs.
+// Percent and counts as one line, without percent when they are wanted until the user interrupts. At most `columns`
+// long: where that is too little the bar is shorter, then what stands behind is cut off; 0: without a bar and an end.
 std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, std::optional<int32_t> unreadKadrs,
-                         bool bar);
+                         size_t columns);
 
 class Progress {
 public:

@@ -1,28 +1,10 @@
 #include "recorder/record_command.h"
 
-#include <fmt/format.h>
-
-#include "recorder/console.h"
 #include "recorder/device_summary.h"
 #include "recorder/recording_loop.h"
 #include "recorder/report.h"
 
 namespace corvane::recorder {
-namespace {
-
-constexpr int32_t RingKadrs = 65536;  // a minute at the highest rate
-
-void Start(HostDevice& device) {
-    device.SetInputSizeData(RingKadrs);
-    WatchInterrupt();
-    if (device.StartRecord()) return;
-    throw Failure(ExitCode::StartFailed,
-                  fmt::format("The recording could not be started. {}\nSee that no other program records from the "
-                              "same module, then try again.",
-                              device.LastError()));
-}
-
-}  // namespace
 
 ExitCode Record(const Options& options, HostDevice& device) {
     const RecordingTask task = PrepareTask(options, device);
@@ -33,7 +15,7 @@ ExitCode Record(const Options& options, HostDevice& device) {
     Progress progress(task.WantedKadrs, options.Quiet);
     TellDifferences(options, task, progress);
     if (const std::string advice = UnitsAdvice(task.Channels); !advice.empty()) progress.Warn(advice);
-    Start(device);
+    StartRecording(device);
     files.Begin();
     const Verdict verdict = RecordingLoop(options.StallTimeout, device, task, files, gaps, check, progress).Run();
     progress.EndLine();

@@ -1,6 +1,7 @@
 // What a recording says of itself besides its samples, in whatever form.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -13,7 +14,9 @@ namespace corvane::recorder {
 struct Recording {
     DeviceSummary Device;
     RecordingTask Task;
-    std::string Start;      // local time, in ISO 8601
+    std::string Start;  // local time, in ISO 8601
+    // The same time. Not known of a recording that was read back.
+    std::chrono::sys_time<std::chrono::milliseconds> StartTime{};
     std::string Note;       // advice for the user; empty: none
     int Part = 0;           // 1 is the first file of a recording that is split into several; 0: it is not
     int64_t FirstKadr = 0;  // the number of this file's first kadr, counted from the recording's start

@@ -7,6 +7,7 @@
 #include "base/utf8.h"
 #include "recorder/csv_file.h"
 #include "recorder/file_names.h"
+#include "recorder/influx_file.h"
 #include "recorder/npy_file.h"
 #include "recorder/svg_plot.h"
 #include "recorder/words.h"
@@ -37,7 +38,7 @@ RecordingFiles::RecordingFiles(const Options& options, const RecordingTask& task
     : Options_(options),
       Gaps_(gaps),
       Check_(check),
-      Recording_{summary, task, "", UnitsAdvice(task.Channels), options.Split ? 1 : 0, 0},
+      Recording_{summary, task, "", {}, UnitsAdvice(task.Channels), options.Split ? 1 : 0, 0},
       File_(Open(Recording_.Part)),
       Envelope_(MissingBits(task.Channels)) {
     if (!options.PlotPath.empty()) PlotFile_.emplace(options.PlotPath, "", &File_->Output());
@@ -45,12 +46,20 @@ RecordingFiles::RecordingFiles(const Options& options, const RecordingTask& task
 
 std::unique_ptr<DataFile> RecordingFiles::Open(int part) const {
     const std::string path = part == 0 ? Options_.OutputPath : PartName(Options_.OutputPath, part);
-    if (IsNpy(path)) return std::make_unique<NpyFile>(path);
+    switch (Options_.Format) {
+        case FileFormat::Npy:
+            return std::make_unique<NpyFile>(path);
+        case FileFormat::Influx:
+            return std::make_unique<InfluxFile>(path);
+        case FileFormat::Csv:
+            break;
+    }
     return std::make_unique<CsvFile>(path, Options_.Csv);
 }
 
 void RecordingFiles::Begin() {
-    Recording_.Start = Iso8601(std::chrono::system_clock::now());
+    Recording_.StartTime = std::chrono::floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
+    Recording_.Start = Iso8601(Recording_.StartTime);
     File_->Begin(Recording_);
     LastWrite_ = Clock::now();
 }

@@ -70,7 +70,7 @@ bool RecordingLoop::Take() {
     const auto missing = Gaps_.Add(kadrs, Device_.Gaps());
     Files_.Add({samples, missing});
     Kadrs_ += kadrs;
-    if (SomeMeasured(missing)) LastMeasured_ = now;
+    if (SomeMeasured(missing)) LastMeasured_ = Clock::now();  // a reader of what was written may have been slow
     WatchModules(now);
     return true;
 }

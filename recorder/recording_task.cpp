@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "recorder/console.h"
 #include "recorder/failure.h"
 #include "recorder/taken_kadrs.h"
 
@@ -76,6 +77,17 @@ RecordingTask PrepareTask(const Options& options, HostDevice& device) {
     task.WantedKadrs = options.Kadrs;
     if (options.Duration) task.WantedKadrs = std::max<int64_t>(1, std::llround(*options.Duration * task.Rate));
     return task;
+}
+
+void StartRecording(HostDevice& device) {
+    constexpr int32_t RingKadrs = 65536;
+    device.SetInputSizeData(RingKadrs);
+    WatchInterrupt();
+    if (device.StartRecord()) return;
+    throw Failure(ExitCode::StartFailed,
+                  fmt::format("The recording could not be started. {}\nSee that no other program records from the "
+                              "same module, then try again.",
+                              device.LastError()));
 }
 
 void TellDifferences(const Options& options, const RecordingTask& task, Progress& progress) {

@@ -31,6 +31,10 @@ struct RecordingTask {
 // Failure when there is nothing to record or a channel does not exist.
 RecordingTask PrepareTask(const Options& options, HostDevice& device);
 
+// Starts the recording that was prepared, with a ring of a minute at the highest rate; from here on Ctrl+C is watched.
+// Throws Failure.
+void StartRecording(HostDevice& device);
+
 // Tells the user where the task differs from what was asked, or will bring nothing.
 void TellDifferences(const Options& options, const RecordingTask& task, Progress& progress);
 

@@ -6,7 +6,6 @@
 
 #include "recorder/console.h"
 #include "recorder/csv_writer.h"
-#include "recorder/file_names.h"
 #include "recorder/output_file.h"
 #include "recorder/words.h"
 
@@ -26,6 +25,11 @@ std::string GapLine(const RecordingTask& task, const Gap& gap) {
 
 std::string UnfittedLine(const Verdict& verdict) {
     return fmt::format("not measured: {} of the channels, without mezzanine", verdict.Unfitted);
+}
+
+const char* WhereGapsAre(FileFormat format) {
+    if (format == FileFormat::Npy) return "in the .json file";
+    return format == FileFormat::Influx ? "as points of ltr27_gaps" : "at the end of the file";
 }
 
 // A line for each module with gaps.
@@ -82,7 +86,7 @@ void WriteSummary(const Options& options, const std::string& files, const Record
     if (verdict.Gaps.size() > GapsShown) {
         text += fmt::format("  and {}, listed {}\n",
                             Counted(static_cast<int64_t>(verdict.Gaps.size() - GapsShown), "more gap"),
-                            IsNpy(options.OutputPath) ? "in the .json file" : "at the end of the file");
+                            WhereGapsAre(options.Format));
     }
     if (!options.PlotPath.empty()) text += options.PlotPath + ": plot\n";
     WriteText(MessageStream(options), text);

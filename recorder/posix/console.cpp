@@ -1,5 +1,6 @@
 #include "recorder/console.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 #include <csignal>
 #include <cstdlib>
@@ -7,10 +8,28 @@
 namespace corvane::recorder {
 namespace {
 
-volatile std::sig_atomic_t Interrupted = 0;
+volatile std::sig_atomic_t Interrupted = 0;  // by this signal
+volatile std::sig_atomic_t ScreenOpen = 0;
 
-void OnSignal(int) {
-    Interrupted = 1;
+// Another screen that keeps nothing, without cursor and without wrapping; and back.
+constexpr std::string_view OpenScreen = "\x1b[?1049h\x1b[?25l\x1b[?7l";
+constexpr std::string_view CloseScreen = "\x1b[?7h\x1b[?25h\x1b[?1049l";
+
+// The second time ends the program.
+void OnSignal(int signal) {
+    if (Interrupted != signal) {
+        Interrupted = signal;
+        return;
+    }
+    if (ScreenOpen != 0 && write(STDOUT_FILENO, CloseScreen.data(), CloseScreen.size()) < 0) {
+        // Nobody is there who would see it.
+    }
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+void OnHangUp(int) {
+    if (Interrupted == 0) Interrupted = SIGHUP;
 }
 
 }  // namespace
@@ -31,17 +50,23 @@ bool IsTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) != 0;
 }
 
+ScreenSize TerminalSize(std::FILE* stream) {
+    winsize size{};
+    if (ioctl(fileno(stream), TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) return {};
+    return {size.ws_col, size.ws_row};
+}
+
 void WatchInterrupt() {
     struct sigaction action {};
     action.sa_handler = OnSignal;
-    action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;  // the second signal has the default effect
+    action.sa_flags = SA_RESTART;
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 
     // A terminal that closes says so more than once. Who has asked not to hear of it is left in peace.
     struct sigaction before {};
     sigaction(SIGHUP, nullptr, &before);
-    action.sa_flags = SA_RESTART;
+    action.sa_handler = OnHangUp;
     if (before.sa_handler != SIG_IGN) sigaction(SIGHUP, &action, nullptr);
     // A reader that goes makes writing fail, and doesn't end the program.
     action.sa_handler = SIG_IGN;
@@ -50,6 +75,23 @@ void WatchInterrupt() {
 
 bool InterruptRequested() {
     return Interrupted != 0;
+}
+
+Screen::Screen() {
+    ScreenOpen = 1;
+    WriteText(stdout, OpenScreen);
+}
+
+Screen::~Screen() {
+    WriteText(stdout, CloseScreen);
+    ScreenOpen = 0;
+}
+
+// Each line is put where it belongs, whatever the terminal did when its size changed.
+bool Screen::Draw(const std::vector<std::string>& lines, ScreenSize) {
+    std::string text;
+    for (size_t i = 0; i < lines.size(); i++) text += "\x1b[" + std::to_string(i + 1) + ";1H" + lines[i] + "\x1b[K";
+    return WriteText(stdout, text + "\x1b[J");
 }
 
 }  // namespace corvane::recorder

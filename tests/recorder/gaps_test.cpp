@@ -9,7 +9,9 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <optional>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -219,6 +221,68 @@ std::vector<std::string> Lines(const std::string& path) {
     return lines;
 }
 
+// What stands between two texts of a line.
+std::string Between(const std::string& line, const std::string& before, const std::string& after) {
+    const size_t start = line.find(before) + before.size();
+    return line.substr(start, line.find(after, start) - start);
+}
+
+// What a database keeps of a recording: "kadr channel value", and a line as the CSV has it for each gap.
+using Points = std::pair<std::set<std::string>, std::set<std::string>>;
+Points PointsIn(const std::vector<std::string>& text, int rate) {
+    std::set<std::string> values;
+    std::map<std::string, std::string> gaps;
+    std::optional<int64_t> start;
+    for (const std::string& line : text) {
+        if (line.starts_with("#")) continue;
+        const int64_t time = std::stoll(line.substr(line.rfind(' ')));
+        const auto seconds = [&](int64_t at) { return static_cast<double>(at - *start) / 1e9; };
+        if (!start) start = time;
+        if (line.starts_with("ltr27_gaps,")) {
+            const std::string module = Between(line, "module=", ","), from = Between(line, "from=", "i,");
+            EXPECT_EQ(std::stoll(from), time);
+            gaps[module + from] =
+                fmt::format("not measured: module {}, slot {}, from {:.3f} to {:.3f}, {} s, {}", module,
+                            Between(line, "slot=", " "), seconds(time), seconds(std::stoll(Between(line, "to=", "i,"))),
+                            Between(line, "seconds=", ","), Between(line, "reason=\"", "\""));
+            continue;
+        }
+        const bool first = std::stoi(Between(line, "channel=", ",")) < 16;
+        EXPECT_NE(
+            line.find(fmt::format(",crate=CRATE1,device=LTR27\\ (SIMULATED),slot={},unit=V value=", first ? 3 : 5)),
+            std::string::npos)
+            << line;
+        EXPECT_EQ((time - *start) % (1000000000 / rate), 0) << line;
+        EXPECT_TRUE(values
+                        .insert(fmt::format("{} {} {}", (time - *start) / (1000000000 / rate),
+                                            Between(line, "channel=", ","), Between(line, "value=", " ")))
+                        .second)
+            << line;
+    }
+    std::set<std::string> lines;
+    for (const auto& gap : gaps) lines.insert(gap.second);
+    return {values, lines};
+}
+
+// The same of CSV text.
+Points CellsIn(const std::vector<std::string>& csv) {
+    std::set<std::string> values, gaps;
+    int kadr = 0;
+    for (const std::string& line : csv) {
+        if (line.starts_with("# not measured")) gaps.insert(line.substr(2));
+        if (line[0] < '0' || line[0] > '9') continue;
+        std::istringstream cells(line);
+        std::string cell;
+        std::getline(cells, cell, ',');
+        for (size_t column = 0; std::getline(cells, cell, ','); column++) {
+            const size_t channel = column < Fitted ? column : column + 2;
+            if (!cell.empty()) values.insert(fmt::format("{} {} {}", kadr, channel, cell));
+        }
+        kadr++;
+    }
+    return {values, gaps};
+}
+
 TEST_F(RecorderGaps, AreTheSameInTextInArraysAndInParts) {
     constexpr int Rate = 100;
     const Shape shape(Rate);
@@ -227,11 +291,13 @@ TEST_F(RecorderGaps, AreTheSameInTextInArraysAndInParts) {
     for (const Trouble& trouble : Troubles) {
         keepFilled = !keepFilled;
         SCOPED_TRACE(fmt::format("{}{}", trouble.Name, keepFilled ? ", filled" : ""));
-        for (const std::string& output : {Path, base + ".npy", Path + split, base + ".npy" + split}) {
+        for (const std::string& output : {Path, base + ".npy", base + ".lp --format influx", Path + split,
+                                          base + ".npy" + split, base + ".lp --format influx" + split}) {
             const std::string faults = trouble.Faults(shape);
             EXPECT_EQ(Record("0", faults, Rate, shape.Kadrs, keepFilled, output), ExitCode::Incomplete) << Said;
         }
-        std::vector<std::string> rows;
+        ASSERT_EQ(PointsIn(Lines(base + ".lp"), Rate), CellsIn(Lines(Path)));
+        std::vector<std::string> rows, points;
         for (const char* part : {"", "-001", "-002", "-003", "-004", "-005"}) {
             std::vector<std::string> convert = {"convert", base + part + ".npy", "-o", base + ".converted"};
             if (keepFilled) convert.emplace_back("--keep-filled");
@@ -241,11 +307,14 @@ TEST_F(RecorderGaps, AreTheSameInTextInArraysAndInParts) {
                 if (line.starts_with("# continued in ")) line.replace(line.size() - 3, 3, "csv");
             }
             ASSERT_EQ(converted, recorded) << part;
+            std::ranges::copy(Lines(base + part + ".lp"), std::back_inserter(points));
+            if (*part == '\0') points.clear();
             std::erase_if(recorded, [](const std::string& line) { return line[0] < '0' || line[0] > '9'; });
             EXPECT_EQ(recorded.size(), *part == '\0' ? size_t(shape.Kadrs) : *(part + 3) == '5' ? 4u : 10u);
             if (*part != '\0') rows.insert(rows.end(), recorded.begin(), recorded.end());
         }
         std::vector<std::string> whole = Lines(Path);
+        ASSERT_EQ(PointsIn(points, Rate).first, CellsIn(whole).first);
         std::erase_if(whole, [](const std::string& line) { return line[0] < '0' || line[0] > '9'; });
         ASSERT_EQ(rows, whole);
     }

@@ -34,6 +34,8 @@ TEST(Recorder, CommandLinesEndWithTheirCodesAndWords) {
         {L"list --crate CRATE2", 0, "ltr27api.dll 3.2.1 SIMULATED ("},
         {L"list --crate CRATE2", 0, advice},
         {L"list --server 127.0.0", 1, "--server 127.0.0: "},
+        {L"monitor --crate CRATE2", 1, "standard output is none"},
+        {L"monitor --crate CRATE2 -r 1000 -c 0 --once", 0, "\r\nEverything measured.\r\nNo Name "},
         {L"reord", 1, "no command \"reord\""},
         {L"-o old.csv -p .\\OLD.CSV", 1, "are one file"},
         {L"-o kept.csv", 5, "Another recorder is writing kept.csv"},
