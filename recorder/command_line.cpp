@@ -10,6 +10,7 @@
 #include "recorder/open_device.h"
 #include "recorder/options.h"
 #include "recorder/record_command.h"
+#include "recorder/report_command.h"
 
 namespace corvane::recorder {
 namespace {
@@ -20,6 +21,7 @@ ExitCode Run(const Options& options) {
         return ExitCode::Success;
     }
     if (options.Action == Command::Convert) return Convert(options);
+    if (options.Action == Command::Report) return MakeReport(options);
     HostDevice device;
     OpenDevice(options, device);
     if (options.Action == Command::Settings) {

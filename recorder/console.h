@@ -15,6 +15,8 @@ std::vector<std::string> CommandLineArguments(int count, const char* const* valu
 // `stream` is stdout or stderr. The text appears at once. False: it could not be written.
 bool WriteText(std::FILE* stream, std::string_view text);
 bool IsTerminal(std::FILE* stream);
+// Whether Russian is the language of this user's texts.
+bool UserReadsRussian();
 
 // From here on the first Ctrl+C, or closing the terminal's window, only makes InterruptRequested true, so that a
 // recording can end in order; a second Ctrl+C ends the program at once.

@@ -5,14 +5,11 @@
 #include <cmath>
 
 namespace corvane::recorder {
-namespace {
 
-// Fewest decimals whose last place is no larger than a tenth of a code: the text then adds no error worth naming.
+// The text then adds no error worth naming.
 int DecimalsFor(double scale) {
     return std::clamp(static_cast<int>(std::ceil(std::log10(std::abs(scale)) - 1e-9)) + 1, 0, FixedPoint::DecimalsMax);
 }
-
-}  // namespace
 
 std::string CsvField(const std::string& text, char separator) {
     if (text.find_first_of(std::string("\"\r\n") + separator) == std::string::npos) return text;

@@ -25,6 +25,9 @@ constexpr CsvStyle RussianExcelCsv = {';', ',', true};
 // Quoted when it holds the separator, a quote or a line break.
 std::string CsvField(const std::string& text, char separator);
 
+// Of values at so many samples per unit: the fewest whose last place is no larger than a tenth of a sample.
+int DecimalsFor(double scale);
+
 // The times of a recording's rows.
 class TimeColumn {
 public:

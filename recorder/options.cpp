@@ -31,6 +31,7 @@ constexpr const char* Footer = R"(Examples:
   ltr27rec record -o run.csv
   ltr27rec record -d 8h --split 1h -o run.npy
   ltr27rec convert run-003.npy --from 10m --to 11m --every 100 --minmax -o minute.csv
+  ltr27rec report run-003.npy -o run-003.html
   ltr27rec record --channels 0-15,17 --rate 500 --duration 2m -o run.csv --plot run.svg
   ltr27rec record --crate 3T123456 -c all -d 1h30m -o - | gzip > run.csv.gz
   ltr27rec settings
@@ -44,7 +45,7 @@ Exit codes:
   5    a file could not be written
   6    not every kadr was measured, in order, and written: the end of the CSV file lists
        what was not measured, and every other reason for doubt
-  7    a recording to convert can't be read, or its files contradict each other
+  7    a recording to convert or report can't be read, or its files contradict each other
   130  ended by Ctrl+C; what was recorded until then is kept)";
 
 template <class... Arguments>
@@ -101,6 +102,7 @@ struct RawOptions {
     bool Means = false;
     bool MinMax = false;
     std::string StallTimeout = "60s";
+    std::string Language;
 };
 
 void AddDeviceChoice(CLI::App* command, Options& options) {
@@ -160,6 +162,19 @@ CLI::App* AddConvert(CLI::App& app, RawOptions& raw, Options& options) {
     return convert;
 }
 
+CLI::App* AddReport(CLI::App& app, RawOptions& raw, Options& options) {
+    CLI::App* report = app.add_subcommand("report", "Turn a recording into an HTML page to look into");
+    report->add_option("input", options.InputPath, "NAME.npy, with NAME.json beside it, or a recorded CSV file")
+        ->required();
+    report
+        ->add_option("-o,--output", options.OutputPath,
+                     "Page to write; it replaces an existing file when it is complete. -: standard output")
+        ->required();
+    report->add_option("--lang", raw.Language, "Language in which the page opens: en or ru (default: the user's)");
+    report->add_flag("-q,--quiet", options.Quiet, "No progress, no summary; warnings and errors only");
+    return report;
+}
+
 CsvStyle ParseCsvStyle(const std::string& text) {
     if (text == "plain") return PlainCsv;
     if (text == "excel") return ExcelCsv;
@@ -212,6 +227,14 @@ void UnderstandConvert(const RawOptions& raw, Options& options) {
     if (IsNpy(options.OutputPath)) ThrowUsage("{}: convert writes CSV.", options.OutputPath);
     if ((raw.Means || raw.MinMax) && options.Every == 1) ThrowUsage("--means and --minmax need --every N.");
     options.ThinBy = raw.Means ? Thinning::Means : raw.MinMax ? Thinning::MinMax : Thinning::First;
+}
+
+void UnderstandReport(const RawOptions& raw, Options& options) {
+    options.Action = Command::Report;
+    if (IsNpy(options.OutputPath)) ThrowUsage("{}: report writes HTML.", options.OutputPath);
+    if (raw.Language.empty()) return;
+    if (raw.Language != "en" && raw.Language != "ru") ThrowUsage("--lang {}: give en or ru.", raw.Language);
+    options.Russian = raw.Language == "ru";
 }
 
 }  // namespace
@@ -286,11 +309,13 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     CLI::App* record = AddRecord(app, raw, options);
     for (CLI::App* command : {list, settings, record}) AddDeviceChoice(command, options);
     CLI::App* convert = AddConvert(app, raw, options);
-    const std::array commands = {list, settings, record, convert};
+    CLI::App* report = AddReport(app, raw, options);
+    const std::array commands = {list, settings, record, convert, report};
     if (!arguments.empty() && !arguments.front().starts_with('-') &&
         std::ranges::none_of(commands, [&](const CLI::App* each) { return each->get_name() == arguments.front(); })) {
         ThrowUsage(
-            "There is no command \"{}\": ltr27rec has list, record, convert and settings. Run ltr27rec --help for "
+            "There is no command \"{}\": ltr27rec has list, record, convert, report and settings. Run ltr27rec --help "
+            "for "
             "help.",
             arguments.front());
     }
@@ -303,12 +328,14 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
         return options;
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty()) {
-            ThrowUsage("Give a command: ltr27rec list, record, convert or settings. Run ltr27rec --help for help.");
+            ThrowUsage(
+                "Give a command: ltr27rec list, record, convert, report or settings. Run ltr27rec --help for help.");
         }
         ThrowUsage("{}\nRun ltr27rec --help for help.", error.what());
     }
     if (record->parsed()) UnderstandRecord(raw, options);
     if (convert->parsed()) UnderstandConvert(raw, options);
+    if (report->parsed()) UnderstandReport(raw, options);
     if (settings->parsed()) options.Action = Command::Settings;
     if (list->parsed()) options.Action = Command::List;
     return options;

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 #include <csignal>
+#include <cstdlib>
 
 namespace corvane::recorder {
 namespace {
@@ -24,6 +25,15 @@ bool WriteText(std::FILE* stream, std::string_view text) {
 
 bool IsTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) != 0;
+}
+
+// The first of these that is set decides.
+bool UserReadsRussian() {
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char* locale = std::getenv(name);
+        if (locale != nullptr && *locale != '\0') return std::string_view(locale).starts_with("ru");
+    }
+    return false;
 }
 
 void WatchInterrupt() {

@@ -58,6 +58,10 @@ bool IsTerminal(std::FILE* stream) {
     return GetConsoleMode(ConsoleOf(stream), &mode) != 0;
 }
 
+bool UserReadsRussian() {
+    return PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_RUSSIAN;
+}
+
 void WatchInterrupt() {
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
 }

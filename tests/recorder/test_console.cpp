@@ -15,6 +15,9 @@ bool WriteText(std::FILE* stream, std::string_view text) {
 bool IsTerminal(std::FILE*) {
     return false;
 }
+bool UserReadsRussian() {
+    return false;
+}
 void WatchInterrupt() {}
 bool InterruptRequested() {
     return Interrupt && Interrupt();
