@@ -93,7 +93,8 @@ function gapText(gap) {
   return [say('gapOf'), place, reason].filter(text => text).join(', ');
 }
 
-function shade(panel) {
+// The ground below the curves, or the names above them.
+function shade(panel, ground) {
   return u => {
     const { left, top, width, height } = u.bbox, { ctx } = u, ratio = devicePixelRatio;
     const x = kadr => u.valToPos((kadr - 0.5) * period, 'x', true);
@@ -108,12 +109,13 @@ function shade(panel) {
       if (!recording.owners[gap[0]].channels.some(i => panel.shown.has(i))) continue;
       const from = Math.max(x(gap[1]), left), to = Math.min(Math.max(x(gap[1] + gap[2]), from + ratio), left + width);
       if (to < left || from > left + width || to <= drawn) continue;
-      ctx.fillStyle = colour('gap');
-      ctx.fillRect(Math.max(from, drawn), top, to - Math.max(from, drawn), height);
+      if (ground) ctx.fillStyle = colour('gap'), ctx.fillRect(Math.max(from, drawn), top, to - Math.max(from, drawn), height);
       drawn = to;
       const text = gapText(gap), place = Math.max(from, left) + 4 * ratio;
-      if (place < named || place + ctx.measureText(text).width > left + width) continue;
-      ctx.fillStyle = colour('faint');
+      if (ground || place < named || place + ctx.measureText(text).width > left + width) continue;
+      ctx.fillStyle = colour('ground');
+      ctx.fillRect(place - 2 * ratio, top + 1 * ratio, ctx.measureText(text).width + 4 * ratio, 14 * ratio);
+      ctx.fillStyle = colour('text');
       ctx.fillText(text, place, top + 3 * ratio);
       named = place + ctx.measureText(text).width + 8 * ratio;
     }
@@ -170,13 +172,14 @@ function makeChart(panel) {
       ...(panel === panels.at(-1) ? { label: timeTitle(), labelSize: 20, labelFont: axis.font } : {}) },
       { ...axis, values: valueLabels, size: (u, labels) => Math.max(44, 7.2 * Math.max(...(labels ?? ['']).map(text => text.length)) + 16) }],
     series: [{}, ...panel.channels.map(i => ({
-      show: panel.shown.has(i), stroke: channelColour(panel, i), width: 1.3, dash: Dashes[Math.floor(panel.channels.indexOf(i) / 8) % 4],
+      show: panel.shown.has(i), stroke: channelColour(panel, i), width: 1.3, alpha: 0.8, dash: Dashes[Math.floor(panel.channels.indexOf(i) / 8) % 4],
       fill: () => panel.samples ? null : channelColour(panel, i), paths: paths(panel, i),
       points: { show: () => panel.samples && panel.chart && panel.chart.bbox.width / devicePixelRatio / panel.times.length > 7,
         size: 5, fill: channelColour(panel, i) },
     }))],
     hooks: {
-      drawClear: [shade(panel)],
+      drawClear: [shade(panel, true)],
+      draw: [shade(panel, false)],
       setSelect: [u => {
         if (u.select.width < 5) return;
         const from = u.posToVal(u.select.left, 'x'), to = u.posToVal(u.select.left + u.select.width, 'x');
@@ -205,9 +208,9 @@ function redraw(panel) {
 }
 
 function setView(from, to) {
-  let span = Math.min(Math.max(to - from, LeastSpan), Whole[1] - Whole[0]);
-  from = Math.max(Math.min((from + to - span) / 2, Whole[1] - span), Whole[0]);
-  view.from = from, view.to = from + span;
+  const whole = Whole[1] - Whole[0], span = Math.min(Math.max(to - from, LeastSpan), whole);
+  view.from = span === whole ? Whole[0] : Math.max(Math.min((from + to - span) / 2, Whole[1] - span), Whole[0]);
+  view.to = span === whole ? Whole[1] : view.from + span;
   for (const panel of panels) redraw(panel);
   showResolution();
   showCursor(view.cursor);
