@@ -93,31 +93,28 @@ function gapText(gap) {
   return [say('gapOf'), place, reason].filter(text => text).join(', ');
 }
 
-// The ground below the curves, or the names above them.
-function shade(panel, ground) {
+// Where the panel's channels were not measured: a ground below the curves, and above the panel the reasons that have room.
+function shade(panel) {
   return u => {
-    const { left, top, width, height } = u.bbox, { ctx } = u, ratio = devicePixelRatio;
+    const { left, top, width, height } = u.bbox, { ctx } = u, ratio = devicePixelRatio, right = left + width;
     const x = kadr => u.valToPos((kadr - 0.5) * period, 'x', true);
     ctx.save();
-    ctx.beginPath();
-    ctx.rect(left, top, width, height);
-    ctx.clip();
     ctx.font = `${11 * ratio}px system-ui, sans-serif`;
-    ctx.textBaseline = 'top';
-    let drawn = -1, named = left;
+    ctx.textAlign = 'left';
+    ctx.textBaseline = 'bottom';
+    let drawn = left, named = left;
     for (const gap of recording.gaps) {
       if (!recording.owners[gap[0]].channels.some(i => panel.shown.has(i))) continue;
-      const from = Math.max(x(gap[1]), left), to = Math.min(Math.max(x(gap[1] + gap[2]), from + ratio), left + width);
-      if (to < left || from > left + width || to <= drawn) continue;
-      if (ground) ctx.fillStyle = colour('gap'), ctx.fillRect(Math.max(from, drawn), top, to - Math.max(from, drawn), height);
+      const start = Math.max(x(gap[1]), left), from = Math.max(start, drawn), to = Math.min(Math.max(x(gap[1] + gap[2]), start + ratio), right);
+      if (to <= from || start >= right) continue;
+      ctx.fillStyle = colour('gap');
+      ctx.fillRect(from, top, to - from, height);
       drawn = to;
-      const text = gapText(gap), place = Math.max(from, left) + 4 * ratio;
-      if (ground || place < named || place + ctx.measureText(text).width > left + width) continue;
-      ctx.fillStyle = colour('ground');
-      ctx.fillRect(place - 2 * ratio, top + 1 * ratio, ctx.measureText(text).width + 4 * ratio, 14 * ratio);
-      ctx.fillStyle = colour('text');
-      ctx.fillText(text, place, top + 3 * ratio);
-      named = place + ctx.measureText(text).width + 8 * ratio;
+      const text = gapText(gap), place = Math.max(Math.min(start, right - ctx.measureText(text).width), left);
+      if (place < named) continue;
+      ctx.fillStyle = colour('faint');
+      ctx.fillText(text, place, top - 2 * ratio);
+      named = place + ctx.measureText(text).width + 10 * ratio;
     }
     ctx.restore();
   };
@@ -164,7 +161,7 @@ function makeChart(panel) {
   const narrow = panel.place.clientWidth < 600;
   panel.chart = new uPlot({
     width: panel.place.clientWidth, height: narrow ? 210 : panels.length === 1 ? 380 : 260,
-    legend: { show: false }, padding: [8, 10, 0, 0],
+    legend: { show: false }, padding: [recording.gaps.length > 0 ? 18 : 8, 10, 0, 0],
     cursor: { sync: { key: 'time', setSeries: false }, drag: { x: true, y: false, setScale: false, dist: 5 }, y: false,
       points: { size: 7 }, bind: { dblclick: () => () => setView(...Whole) } },
     scales: { x: { time: false, range: () => [view.from, view.to] }, y: { range: () => valueRange(panel) } },
@@ -178,8 +175,7 @@ function makeChart(panel) {
         size: 5, fill: channelColour(panel, i) },
     }))],
     hooks: {
-      drawClear: [shade(panel, true)],
-      draw: [shade(panel, false)],
+      drawClear: [shade(panel)],
       setSelect: [u => {
         if (u.select.width < 5) return;
         const from = u.posToVal(u.select.left, 'x'), to = u.posToVal(u.select.left + u.select.width, 'x');

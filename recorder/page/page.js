@@ -152,7 +152,7 @@ function gapTable() {
 }
 
 function remarks() {
-  const all = [...recording.doubts];
+  const all = recording.doubts.map(translated);
   if (recording.promised > recording.rows) all.push(say('cut', count(recording.rows), count(recording.promised)));
   if (recording.filledIn) all.push(say('filledIn'));
   else if (recording.gaps.length > 0) all.push(say('late'));
@@ -163,15 +163,15 @@ function remarks() {
 
 function about() {
   const part = recording.ended === 'complete' && (recording.gaps.length > 0 || recording.channels.some(channel => channel.count === 0));
-  const ended = (part ? say('notAll') : say('ends')[recording.ended]) + (recording.reason ? `: ${recording.reason}` : '');
+  const ended = (part ? say('notAll') : say('ends')[recording.ended]) + (recording.reason ? `: ${translated(recording.reason)}` : '');
   const rows = [[say('file'), recording.file], [say('ended'), ended]];
   for (const line of recording.lines) {
     const colon = line.indexOf(': ');
-    rows.push([say('keys')[line.slice(0, colon)] ?? line.slice(0, colon), line.slice(colon + 2)]);
+    rows.push([say('keys')[line.slice(0, colon)] ?? line.slice(0, colon), translated(line.slice(colon + 2))]);
   }
   at('about').replaceChildren(...rows.flatMap(([key, text]) => [element('dt', {}, key), element('dd', {}, text)]));
   const rate = inLanguage(String(+recording.rate.toPrecision(6)));
-  at('subtitle').textContent = [recording.start.replace('T', ' '), `${say(recording.step > 1 ? 'rows' : 'kadrs', count(recording.rows))} ${say('at', rate)}`,
+  at('subtitle').textContent = [recording.start.replace('T', ' '), `${say(recording.step > 1 ? 'rows' : 'kadrs', count(recording.rows))}${say('at', rate)}`,
     say('channelsOf', recording.channels.length), withUnit(kadrTime(recording.rows * recording.step)), ended].filter(text => text).join(' · ');
 }
 

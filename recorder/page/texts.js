@@ -3,7 +3,7 @@
 const Texts = {
   en: {
     title: 'Recording', simulated: 'SIMULATED. These are not measurements: a simulated crate made them.',
-    kadrs: n => `${n} kadrs`, rows: n => `${n} rows`, channelsOf: n => `${n} channels`, at: r => `at ${r} Hz`,
+    kadrs: n => `${n} kadrs`, rows: n => `${n} rows`, channelsOf: n => `${n} channels`, at: r => ` at ${r} Hz`,
     noDecoder: 'This browser is too old to unpack the curves (it has no DecompressionStream). The tables below are complete.',
     broken: 'The curves of this page can’t be unpacked: the file is damaged.', nothing: 'Nothing was recorded.',
     noMeasured: 'Nothing was measured.',
@@ -28,11 +28,11 @@ const Texts = {
     notAll: 'all kadrs written, but not all measured',
     ends: { complete: 'complete', interrupted: 'interrupted by the user', stalled: 'ended because nothing came any more', stopped: 'incomplete',
       continued: 'continued in another file', unknown: 'still running, or ended by force' },
-    keys: {},
+    keys: {}, phrases: [],
   },
   ru: {
     title: 'Запись', simulated: 'ИМИТАЦИЯ. Это не измерения: данные создал имитатор крейта.',
-    kadrs: n => `кадров: ${n}`, rows: n => `строк: ${n}`, channelsOf: n => `каналов: ${n}`, at: r => `частота ${r} Гц`,
+    kadrs: n => `кадров: ${n}`, rows: n => `строк: ${n}`, channelsOf: n => `каналов: ${n}`, at: r => `, частота ${r} Гц`,
     noDecoder: 'Этот браузер слишком старый и не может распаковать графики (нет DecompressionStream). Таблицы ниже полные.',
     broken: 'Графики этой страницы не распаковываются: файл повреждён.', nothing: 'Ничего не записано.',
     noMeasured: 'Ничего не измерено.',
@@ -60,12 +60,24 @@ const Texts = {
     keys: { Device: 'Устройство', Server: 'Сервер', Crate: 'Крейт', Module: 'Модуль', 'START mark': 'Метка СТАРТ', Library: 'Библиотека', Start: 'Начало',
       Rate: 'Частота', Channels: 'Каналов', 'Kadrs wanted': 'Заказано кадров', Part: 'Часть', Note: 'Примечание', Recorder: 'Регистратор',
       Selected: 'Выбрано', Rows: 'Строки' },
+    // Parts of what the recorder wrote, which writes English.
+    phrases: [[/, slot (\d+)/, ', слот $1'], [/, serial /, ', зав. № '], [/, firmware /, ', прошивка '], [/^until interrupted$/, 'до прерывания'],
+      [/^doubtful: the kadrs were up to ([\d.]+) s behind this computer's clock, .*/, 'сомнительно: кадры отставали от часов компьютера до $1 с; на столько могут ошибаться времена, или пропали кадры'],
+      [/^doubtful: the kadrs were up to ([\d.]+) s ahead of this computer's clock, .*/, 'сомнительно: кадры опережали часы компьютера до $1 с; на столько могут ошибаться времена'],
+      [/^doubtful: the driver's ring was full, .*/, 'сомнительно: кольцевой буфер драйвера был полон, компьютер не успевал; кадры могли пропасть'],
+      [/^no data came for ([\d.]+) s/, 'данных не было $1 с'], [/^nothing was measured for ([\d.]+) s/, 'ничего не измерено $1 с']],
   },
 };
 let language = document.documentElement.lang;
 function say(name, ...values) {
   const text = Texts[language][name];
   return typeof text === 'function' ? text(...values) : text;
+}
+
+// What the recorder wrote, as far as there are words for it.
+function translated(text) {
+  for (const [english, other] of Texts[language].phrases) text = text.replace(english, other);
+  return text;
 }
 
 // Numbers and times as the language writes them.
