@@ -57,11 +57,13 @@ ExitCode MakePage(const Options& options, Source&& source, int64_t wantedKadrs, 
     const int64_t binKadrs = WritePage(output, subject, collected, options.Russian.value_or(UserReadsRussian()));
     output.Complete();
     if (options.Quiet) return ExitCode::Success;
+    const char* row = subject.Step == 1 ? "kadr" : "row";
     const std::string resolution =
-        binKadrs == 1 ? "every sample"
-                      : fmt::format("the lowest and highest of each {} kadrs", binKadrs * subject.Step);
+        binKadrs == 1 && subject.Step > 1 ? "every row"
+        : binKadrs == 1                   ? "every sample"
+                        : fmt::format("the lowest and highest of each {} kadrs", binKadrs * subject.Step);
     WriteText(MessageStream(options), fmt::format("{}: {} of {} from {}, {}; the recording: {}\n", output.Path(),
-                                                  Counted(collected.Kadrs(), "kadr"),
+                                                  Counted(collected.Kadrs(), row),
                                                   Counted(static_cast<int64_t>(subject.Channels.size()), "channel"),
                                                   options.InputPath, resolution, subject.Ending.Outcome()));
     return ExitCode::Success;

@@ -65,7 +65,7 @@ function paths(panel, i) {
     const half = panel.groupKadrs * period / 2, ratio = devicePixelRatio;
     for (let k = from; k <= to; k++) {
       if (data.low[k] === null) continue;
-      const after = k > 0 && data.low[k - 1] !== null;
+      const after = k > from && data.low[k - 1] !== null;
       if (panel.samples) {
         const place = [x(panel.times[k]), y(data.low[k])];
         if (after) stroke.lineTo(...place); else stroke.moveTo(...place);

@@ -53,8 +53,10 @@ function showCursor(time) {
 function showResolution() {
   const panel = panels.find(each => each.groupKadrs);
   if (!panel) return;
-  const drawn = panel.samples || panel.groupKadrs === 1 ? say('samples') : say('bins', count(panel.groupKadrs));
-  at('resolution').textContent = `${drawn} ${exact && recording.step === 1 ? say('baseSamples') : exact ? '' : say('baseBins', count(binKadrs))}`;
+  const rows = recording.lines.find(line => line.startsWith('Rows: '));
+  const point = rows ? say('rowPoint', translated(rows.slice(6))) : say('samples');
+  const drawn = panel.samples ? point : say('bins', count(panel.groupKadrs));
+  at('resolution').textContent = `${drawn} ${exact ? rows ? '' : say('baseSamples') : say('baseBins', count(binKadrs))}`;
 }
 
 async function show(panel, channels, on) {

@@ -154,6 +154,10 @@ try:
     browser.ask(f"setView({(gap['first_kadr'] - 20) / rate}, {(gap['first_kadr'] + gap['kadrs'] + 20) / rate})")
     assert gap["reason"] in expect_cursor(browser, recording, 0.5)
     assert browser.ask("panels[0].samples && panels[0].data.get(0).low.filter(value => value === null).length") == gap["kadrs"]
+    moves = browser.ask("""(() => { let moves = 0; const { moveTo } = Path2D.prototype;
+        Path2D.prototype.moveTo = function (...place) { moves++; moveTo.apply(this, place); };
+        redraw(panels[0]); return new Promise(requestAnimationFrame).then(() => (Path2D.prototype.moveTo = moveTo, moves)); })()""")
+    assert moves == 8 * 2, moves
     # Other channels, the other language and the other theme, at once and at the next visit.
     browser.ask("panels[0].legend.children[9].click(), new Promise(done => setTimeout(done, 100))")
     assert browser.ask("panels[0].shown.size") == 9 and browser.ask("panels[0].data.has(9)")
