@@ -59,12 +59,12 @@ void RequireOptions(const std::vector<std::string>& arguments) {
 // Arguments with a zero between them. A byte above the letters stands for a whole piece: chance alone writes no option.
 std::vector<std::string> Arguments(std::string_view bytes) {
     static constexpr std::string_view Pieces[] = {
-        "record", "list",    "settings",  "--output",   "-o", "out.csv",  "--channels", "-c",
-        "0-15",   "fitted",  "all",       "--duration", "-d", "1h30m",    "ms",         "--rate",
-        "-r",     "500Hz",   "1e3",       "--plot",     "-p", "--server", "--crate",    "--stall-timeout",
-        "-q",     "--help",  "--version", "--quiet",    "=",  "--",       "convert",    "in.npy",
-        "--from", "--to",    "--every",   "--split",    "-n", "out.npy",  "--csv",      "excel-ru",
-        "1GB",    "--means", "--minmax",  "--samples"};
+        "record", "list",    "settings",  "--output",   "-o",     "out.csv",  "--channels", "-c",
+        "0-15",   "fitted",  "all",       "--duration", "-d",     "1h30m",    "ms",         "--rate",
+        "-r",     "500Hz",   "1e3",       "--plot",     "-p",     "--server", "--crate",    "--stall-timeout",
+        "-q",     "--help",  "--version", "--quiet",    "=",      "--",       "convert",    "in.npy",
+        "--from", "--to",    "--every",   "--split",    "-n",     "out.npy",  "--csv",      "excel-ru",
+        "1GB",    "--means", "--minmax",  "--samples",  "report", "--lang",   "ru"};
     std::vector<std::string> arguments(1);
     for (const char byte : bytes) {
         const auto piece = static_cast<uint8_t>(byte) - 128u;

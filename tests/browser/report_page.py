@@ -175,6 +175,7 @@ try:
     assert browser.ask(ground) == dark
     assert browser.ask("document.scrollingElement.scrollWidth") <= 390
     browser.expect_silence()
+    assert browser.ask("fetch('data:,x').then(() => 'may ask', () => 'may not')") == "may not"
 
     # Noise that is too much for a page of single samples.
     about = dict(recording.about, kadrs=270000, gaps=[dict(gap, first_kadr=100000, kadrs=30000), dict(gap, first_kadr=269999, kadrs=1)])
