@@ -1,8 +1,6 @@
 #include "recorder/report_command.h"
 
 #include <fmt/format.h>
-#include <array>
-#include <future>
 
 #include "recorder/console.h"
 #include "recorder/file_names.h"
@@ -28,19 +26,13 @@ void RefuseInputAsOutput(const Options& options) {
     }
 }
 
-// One block is read while the one before is summed.
+// Reading ahead on another thread gains nothing: systems do that by themselves, and a block that was just read is still
+// near the processor.
 template <class Source>
 void ReadAll(Source& source, Collected& collected, Progress& progress) {
-    std::array<KadrBlock<typename Source::Sample>, 2> blocks;
-    const auto read = [&](size_t i) {
-        return std::async(std::launch::async, [&source, &block = blocks[i % 2]] { return source.Read(block); });
-    };
-    std::future<bool> next = read(0);
-    for (size_t i = 0; next.get(); i++) {
+    for (KadrBlock<typename Source::Sample> block; source.Read(block); progress.Show(collected.Kadrs())) {
         if (InterruptRequested()) throw Failure(ExitCode::Interrupted, "Interrupted.");
-        next = read(i + 1);
-        collected.Add(blocks[i % 2]);
-        progress.Show(collected.Kadrs());
+        collected.Add(block);
     }
 }
 

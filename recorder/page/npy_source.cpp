@@ -9,9 +9,7 @@
 namespace corvane::recorder {
 namespace {
 
-// Read at once. The larger, the fewer times two threads wait for each other; a short recording's packing needs the
-// memory.
-constexpr int64_t BlockSamples = 512 * 1024, LongBlockSamples = 2048 * 1024, LongSamples = 64 * 1024 * 1024;
+constexpr int64_t BlockSamples = 256 * 1024;
 
 }  // namespace
 
@@ -64,8 +62,7 @@ ColumnPlan NpySource::Plan() const {
 bool NpySource::Read(KadrBlock<int16_t>& block) {
     const size_t columns = Input_.Recording().Task.Channels.size();
     const auto width = static_cast<int64_t>(columns);
-    const int64_t samples = Kadrs() * width > LongSamples ? LongBlockSamples : BlockSamples;
-    const int64_t kadrs = std::min(samples / width, Kadrs() - Kadr_);
+    const int64_t kadrs = std::min(BlockSamples / width, Kadrs() - Kadr_);
     block.Runs.clear();
     block.Samples.resize(static_cast<size_t>(kadrs) * columns);
     if (kadrs == 0) return false;
