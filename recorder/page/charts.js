@@ -5,7 +5,9 @@ const Palettes = {
   dark: ['#56b4e9', '#ff9a52', '#2cd3a0', '#e59ac6', '#f0c04a', '#9fd3f5', '#e8779f', '#c8c8c8'],
 };
 const Dashes = [[], [7, 3], [2, 2], [9, 3, 2, 3]];  // of eight channels each
-const ShownAtFirst = 8;  // of a unit
+const units = new Set(recording.channels.map(channel => channel.unit)).size;
+// Of a unit: as many as can be told apart, fewer where unpacking them would take long.
+const ShownAtFirst = Math.min(8, Math.max(1, Math.floor(8e6 / recording.bins / units)));
 const Whole = [(recording.first - 0.5) * period, (lastKadr + recording.step - 0.5) * period];
 const LeastSpan = 4 * binKadrs * period;
 

@@ -10,10 +10,15 @@ const startClock = (() => {  // ms since 1970 of the local clock at the start, o
   return match ? Date.parse(match[1] + 'Z') : NaN;
 })();
 
+function bytesOf(base64) {
+  if (Uint8Array.fromBase64) return Uint8Array.fromBase64(base64);  // newer browsers, and many times as fast
+  const text = atob(base64), bytes = new Uint8Array(text.length);
+  for (let i = 0; i < text.length; i++) bytes[i] = text.charCodeAt(i);
+  return bytes;
+}
+
 async function unpackedBytes(id) {
-  const text = atob(document.getElementById(id).textContent);
-  const packed = new Uint8Array(text.length);
-  for (let i = 0; i < text.length; i++) packed[i] = text.charCodeAt(i);
+  const packed = bytesOf(document.getElementById(id).textContent);
   const stream = new Blob([packed]).stream().pipeThrough(new DecompressionStream('deflate-raw'));
   return new Uint8Array(await new Response(stream).arrayBuffer());
 }
@@ -25,11 +30,18 @@ function numbersOf(bytes, from, length, size) {
   for (let first = 0; first < length; first += recording.blockNumbers) {
     const block = Math.min(recording.blockNumbers, length - first);
     let place = from + first * size;
+    if (size === 2) {
+      for (let i = first; i < first + block; i++, place++) {
+        const folded = bytes[place] | bytes[place + block] << 8;
+        last = last + ((folded >>> 1) ^ -(folded & 1)) | 0;
+        numbers[i] = last;  // keeps the lower two bytes
+      }
+      continue;
+    }
     for (let i = 0; i < block; i++, place++) {
       let folded = bytes[place];
       for (let byte = 1; byte < size; byte++) folded |= bytes[place + byte * block] << 8 * byte;
-      last += (folded >>> 1) ^ -(folded & 1);
-      last = size === 4 ? last | 0 : last << 16 >> 16;
+      last = last + ((folded >>> 1) ^ -(folded & 1)) | 0;
       numbers[first + i] = last;
     }
   }
@@ -43,7 +55,7 @@ function foldedLevel(level) {
   let some = false;
   const empty = new Uint8Array(length);
   for (let bin = 0, from = 0; bin < length; bin++) {
-    let least = Infinity, most = -Infinity;
+    let least = 0x7fffffff, most = -0x80000000;
     for (const end = Math.min(from + Fold, level.low.length); from < end; from++) {
       if (level.empty && level.empty[from]) continue;
       if (level.low[from] < least) least = level.low[from];
