@@ -64,7 +64,8 @@ std::vector<std::string> Arguments(std::string_view bytes) {
         "-r",     "500Hz",   "1e3",       "--plot",     "-p",       "--server", "--crate",    "--stall-timeout",
         "-q",     "--help",  "--version", "--quiet",    "=",        "--",       "convert",    "in.npy",
         "--from", "--to",    "--every",   "--split",    "-n",       "out.npy",  "--csv",      "excel-ru",
-        "1GB",    "--means", "--minmax",  "--samples",  "--format", "influx"};
+        "1GB",    "--means", "--minmax",  "--samples",  "--format", "influx",   "report",     "--lang",
+        "ru",     "monitor", "--once",    "--json",     "doctor",   "driver",   "--real"};
     std::vector<std::string> arguments(1);
     for (const char byte : bytes) {
         const auto piece = static_cast<uint8_t>(byte) - 128u;

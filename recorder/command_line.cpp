@@ -13,6 +13,7 @@
 #include "recorder/open_device.h"
 #include "recorder/options.h"
 #include "recorder/record_command.h"
+#include "recorder/report_command.h"
 
 namespace corvane::recorder {
 namespace {
@@ -25,6 +26,7 @@ ExitCode Run(const Options& options) {
     if (options.Action == Command::Convert) return Convert(options);
     if (options.Action == Command::Driver) return ManageDriver(options);
     if (options.Action == Command::Doctor) return Examine(options);
+    if (options.Action == Command::Report) return MakeReport(options);
     HostDevice device;
     OpenDevice(options, device);
     if (options.Action == Command::Settings) {

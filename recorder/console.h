@@ -18,6 +18,8 @@ void SetVariable(const std::string& name, const std::u8string& value);
 // `stream` is stdout or stderr. The text appears at once. False: it could not be written.
 bool WriteText(std::FILE* stream, std::string_view text);
 bool IsTerminal(std::FILE* stream);
+// Whether Russian is the language of this user's texts.
+bool UserReadsRussian();
 
 struct ScreenSize {
     size_t Columns = 80;

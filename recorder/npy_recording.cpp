@@ -17,9 +17,16 @@ constexpr int64_t ChannelsMax = ModulesMax * ModuleChannels;
 
 }  // namespace
 
-NpyRecording::NpyRecording(const std::string& path) : Path_(path), File_(Open(path, "")) {
-    ReadHead();
+NpyRecording::NpyRecording(const std::string& path, CutOff cutOff) : Path_(path), File_(Open(path, "")) {
+    ReadHead(cutOff);
     ReadDescription();
+}
+
+bool NpyRecording::IsOne(const std::string& path) {
+    const File file(KindOf(path) == FileKind::File ? OpenForReading(path) : nullptr);
+    char start[6] = {};
+    return file && std::fread(start, 1, sizeof start, file.get()) == sizeof start &&
+           std::string_view(start, sizeof start) == "\x93NUMPY";
 }
 
 NpyRecording::File NpyRecording::Open(const std::string& path, const std::string& advice) {
@@ -30,7 +37,7 @@ NpyRecording::File NpyRecording::Open(const std::string& path, const std::string
     return file;
 }
 
-void NpyRecording::ReadHead() {
+void NpyRecording::ReadHead(CutOff cutOff) {
     std::string start(HeadSizeMax, '\0');
     start.resize(std::fread(start.data(), 1, start.size(), File_.get()));
     const std::optional<NpyShape> shape = ParseNpyHead(start);
@@ -41,7 +48,8 @@ void NpyRecording::ReadHead() {
     }
     const int64_t bytes = LengthOf(File_.get()) - static_cast<int64_t>(Shape_.HeadSize);
     const int64_t whole = std::max<int64_t>(bytes, 0) / (static_cast<int64_t>(sizeof(int16_t)) * Shape_.Channels);
-    if (Shape_.Kadrs > whole) {
+    Kadrs_ = std::min(Shape_.Kadrs, whole);
+    if (Shape_.Kadrs > whole && cutOff == CutOff::Refused) {
         Throw(fmt::format("{} is cut off: its head counts {} kadrs, and {} are there.", Path_, Shape_.Kadrs, whole));
     }
 }

@@ -14,11 +14,21 @@ namespace corvane::recorder {
 
 class NpyRecording {
 public:
-    explicit NpyRecording(const std::string& path);
+    // What becomes of an array that has fewer kadrs than its head counts.
+    enum class CutOff { Refused, Taken };
+
+    explicit NpyRecording(const std::string& path, CutOff cutOff = CutOff::Refused);
+
+    // Whether the file begins as any NumPy array does. False for what can't be opened.
+    static bool IsOne(const std::string& path);
 
     const recorder::Recording& Recording() const { return Description_.Recording; }
     const recorder::Verdict& Verdict() const { return Description_.Verdict; }
-    int64_t Kadrs() const { return Shape_.Kadrs; }
+    // The version of the recorder; empty: unknown.
+    const std::string& RecordedBy() const { return Description_.RecordedBy; }
+    int64_t Kadrs() const { return Kadrs_; }
+    // What the head counts.
+    int64_t PromisedKadrs() const { return Shape_.Kadrs; }
 
     // Reads kadrs from number `first` of this file on.
     void Read(int64_t first, std::span<int16_t> samples);
@@ -30,13 +40,14 @@ private:
     using File = std::unique_ptr<std::FILE, Closer>;
 
     static File Open(const std::string& path, const std::string& advice);
-    void ReadHead();
+    void ReadHead(CutOff cutOff);
     void ReadDescription();
     [[noreturn]] static void Throw(const std::string& what);
 
     std::string Path_;
     File File_;
     NpyShape Shape_;
+    int64_t Kadrs_ = 0;
     Description Description_;
 };
 

@@ -33,6 +33,7 @@ constexpr const char* Footer = R"(Examples:
   ltr27rec record -o run.csv
   ltr27rec record -d 8h --split 1h -o run.npy
   ltr27rec convert run-003.npy --from 10m --to 11m --every 100 --minmax -o minute.csv
+  ltr27rec report run-003.npy -o run-003.html
   ltr27rec record --channels 0-15,17 --rate 500 --duration 2m -o run.csv --plot run.svg
   ltr27rec record --crate 3T123456 -c all -d 1h30m -o - | gzip > run.csv.gz
   ltr27rec record --format influx -o - | your-program
@@ -47,7 +48,7 @@ Exit codes:
   5    a file could not be written
   6    not every kadr was measured, in order, and written: the end of the CSV file lists
        what was not measured, and every other reason for doubt
-  7    a recording to convert can't be read, or its files contradict each other
+  7    a recording to convert or report can't be read, or its files contradict each other
   130  ended by Ctrl+C; what was recorded until then is kept)";
 
 template <class... Arguments>
@@ -105,6 +106,7 @@ struct RawOptions {
     bool Means = false;
     bool MinMax = false;
     std::string StallTimeout = "60s";
+    std::string Language;
 };
 
 void AddDeviceChoice(CLI::App* command, Options& options) {
@@ -201,6 +203,19 @@ CLI::App* AddDriver(CLI::App& app, Options& options) {
     return driver;
 }
 
+CLI::App* AddReport(CLI::App& app, RawOptions& raw, Options& options) {
+    CLI::App* report = app.add_subcommand("report", "Turn a recording into an HTML page to look into");
+    report->add_option("input", options.InputPath, "NAME.npy, with NAME.json beside it, or a recorded CSV file")
+        ->required();
+    report
+        ->add_option("-o,--output", options.OutputPath,
+                     "Page to write; it replaces an existing file when it is complete. -: standard output")
+        ->required();
+    report->add_option("--lang", raw.Language, "Language in which the page opens: en or ru (default: the user's)");
+    report->add_flag("-q,--quiet", options.Quiet, "No progress, no summary; warnings and errors only");
+    return report;
+}
+
 CsvStyle ParseCsvStyle(const std::string& text) {
     if (text == "plain") return PlainCsv;
     if (text == "excel") return ExcelCsv;
@@ -280,6 +295,14 @@ void UnderstandConvert(const RawOptions& raw, Options& options) {
     options.ThinBy = raw.Means ? Thinning::Means : raw.MinMax ? Thinning::MinMax : Thinning::First;
 }
 
+void UnderstandReport(const RawOptions& raw, Options& options) {
+    options.Action = Command::Report;
+    if (IsNpy(options.OutputPath)) ThrowUsage("{}: report writes HTML.", options.OutputPath);
+    if (raw.Language.empty()) return;
+    if (raw.Language != "en" && raw.Language != "ru") ThrowUsage("--lang {}: give en or ru.", raw.Language);
+    options.Russian = raw.Language == "ru";
+}
+
 }  // namespace
 
 SplitChoice ParseSplit(const std::string& text) {
@@ -353,11 +376,12 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     CLI::App* monitor = AddMonitor(app, raw, options);
     for (CLI::App* command : {list, settings, record, monitor}) AddDeviceChoice(command, options);
     CLI::App* convert = AddConvert(app, raw, options);
+    CLI::App* report = AddReport(app, raw, options);
     CLI::App* driver = AddDriver(app, options);
     CLI::App* doctor = app.add_subcommand("doctor", "Find out whether a recording would work, and what to do if not");
     AddDeviceChoice(doctor, options);
     doctor->add_flag("--json", options.Json, "What was found, as JSON");
-    const std::array commands = {list, monitor, record, convert, settings, driver, doctor};
+    const std::array commands = {list, monitor, record, convert, report, settings, driver, doctor};
     std::string names;
     for (const CLI::App* each : commands) names += (names.empty() ? "" : ", ") + each->get_name();
     if (!arguments.empty() && !arguments.front().starts_with('-') &&
@@ -380,6 +404,7 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
     if (monitor->parsed()) UnderstandMonitor(raw, options);
     if (record->parsed()) UnderstandRecord(raw, options);
     if (convert->parsed()) UnderstandConvert(raw, options);
+    if (report->parsed()) UnderstandReport(raw, options);
     if (settings->parsed()) options.Action = Command::Settings;
     if (driver->parsed()) options.Action = Command::Driver;
     if (doctor->parsed()) options.Action = Command::Doctor;

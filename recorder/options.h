@@ -11,7 +11,7 @@
 
 namespace corvane::recorder {
 
-enum class Command { Print, List, Monitor, Record, Convert, Settings, Driver, Doctor };
+enum class Command { Print, List, Monitor, Record, Convert, Report, Settings, Driver, Doctor };
 
 enum class DriverAction { Show, Real, Simulator, Unregister, Libraries, CopyLibraries, Programs };
 
@@ -71,8 +71,13 @@ struct Options {
     bool KeepFilled = false;  // write what the driver filled in where nothing was measured
     bool Quiet = false;
 
-    // Convert
+    // Convert and Report
     std::string InputPath;
+
+    // Report
+    std::optional<bool> Russian;  // else English; none: as the user reads
+
+    // Convert
     double From = 0;           // s, of the first kadr
     std::optional<double> To;  // s, behind the last kadr; none: all
     int64_t Every = 1;         // kadrs that become one row

@@ -247,6 +247,7 @@ Description ParseDescription(std::string_view text, int64_t kadrs, int64_t chann
     recording.FirstKadr = CountIn(json, "first_kadr", KadrsMax);
     Require(static_cast<double>(recording.FirstKadr + kadrs) <= SecondsMax * recording.Task.Rate, "first_kadr");
     description.Verdict = VerdictIn(json, recording, kadrs);
+    description.RecordedBy = TextIn(json, "recorder");
     return description;
 } catch (const nlohmann::json::exception& error) {
     throw std::runtime_error(error.what());

@@ -16,6 +16,7 @@ std::string DescriptionText(const Recording& recording, const Verdict& verdict, 
 struct Description {
     recorder::Recording Recording;
     recorder::Verdict Verdict;  // its kadrs are those of `kadrs`, and all before them
+    std::string RecordedBy;     // the recorder's version
 };
 
 // What such a text says of a file of `kadrs` kadrs of `channels` channels. Nothing in it is taken on trust: throws

@@ -56,6 +56,15 @@ ScreenSize TerminalSize(std::FILE* stream) {
     return {size.ws_col, size.ws_row};
 }
 
+// The first of these that is set decides.
+bool UserReadsRussian() {
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char* locale = std::getenv(name);
+        if (locale != nullptr && *locale != '\0') return std::string_view(locale).starts_with("ru");
+    }
+    return false;
+}
+
 void WatchInterrupt() {
     struct sigaction action {};
     action.sa_handler = OnSignal;

@@ -91,6 +91,10 @@ ScreenSize TerminalSize(std::FILE* stream) {
     return {size(info.srWindow.Left, info.srWindow.Right), size(info.srWindow.Top, info.srWindow.Bottom)};
 }
 
+bool UserReadsRussian() {
+    return PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_RUSSIAN;
+}
+
 void WatchInterrupt() {
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
 }

@@ -81,7 +81,10 @@ TEST(RecorderOptions, CommandLines) {
                              "convert a.npy -o b --every 0",
                              "convert a.npy -o b --every 2 --means --minmax",
                              "convert a.npy -o b --from 2s --to 2s",
-                             "convert a.npy -o b --server 1.2.3.4"}) {
+                             "convert a.npy -o b --server 1.2.3.4",
+                             "report a.npy",
+                             "report a.npy -o b.npy",
+                             "report a.npy -o b --lang de"}) {
         std::istringstream words(line);
         const std::vector<std::string> arguments(std::istream_iterator<std::string>(words), {});
         EXPECT_THROW(ParseCommandLine(arguments), Failure) << line;

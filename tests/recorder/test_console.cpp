@@ -21,6 +21,9 @@ bool IsTerminal(std::FILE* stream) {
 ScreenSize TerminalSize(std::FILE*) {
     return {40, 6};
 }
+bool UserReadsRussian() {
+    return false;
+}
 void WatchInterrupt() {}
 bool InterruptRequested() {
     return Interrupt && Interrupt();

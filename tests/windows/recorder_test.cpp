@@ -42,7 +42,9 @@ TEST(Recorder, CommandLinesEndWithTheirCodesAndWords) {
         {L"-o no\\a.csv", 5, "can't be created"},
         {L"-o left.csv", 0, "now in left.csv.part.1"},
         {L"-o - -c 0", 0, "\r\n0.199,"},
-        {L"-o old.csv", 0, "old.csv: 200 kadrs of 14 channels"}};
+        {L"-o old.csv", 0, "old.csv: 200 kadrs of 14 channels"},
+        {L"report old.csv -o old.html", 0, "old.html: 200 kadrs of 14 channels from old.csv, every sample"},
+        {L"report old.csv -o .\\OLD.CSV", 1, "is the recording itself"}};
     SetEnvironmentVariableW(L"LTRSIM_SCENARIO", scenario.c_str());
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(folder);

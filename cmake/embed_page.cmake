@@ -1,0 +1,30 @@
+# Writes the page of ltr27rec's reports, with its style, its scripts and uPlot, as a text of C++. This happens when the
+# build is configured, and again when one of these files has changed: what only reads the sources finds the text, too.
+function(embed_page output folder uplot)
+  macro(put place)
+    set(text "")
+    foreach(file ${ARGN})
+      set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+      file(READ ${file} one)
+      string(APPEND text "${one}")
+    endforeach()
+    string(REPLACE "{{${place}}}" "${text}" page "${page}")
+  endmacro()
+  set(page "{{page}}")
+  put(page ${folder}/page.html)
+  put(licence ${uplot}/LICENSE)
+  put(style ${uplot}/uPlot.min.css ${folder}/page.css)
+  put(uplot ${uplot}/uPlot.iife.min.js)
+  put(script ${folder}/texts.js ${folder}/data.js ${folder}/charts.js ${folder}/page.js)
+  # Compilers needn't take literals of more than 64 KiB, and ours do.
+  set(source "#pragma once\n#include <string_view>\n\
+#pragma GCC diagnostic push\n#pragma GCC diagnostic ignored \"-Woverlength-strings\"\n\
+inline constexpr std::string_view PageTemplate = R\"page(${page})page\";\n#pragma GCC diagnostic pop\n")
+  set(before "")
+  if(EXISTS ${output})
+    file(READ ${output} before)
+  endif()
+  if(NOT source STREQUAL before)
+    file(WRITE ${output} "${source}")
+  endif()
+endfunction()
