@@ -79,7 +79,12 @@ void SetHelpFile(std::string& helpFile) {
     constexpr size_t ExtensionLength = 4;
     const std::string folder = platform::ComponentFolder();
     const std::string name = platform::FirstFile(folder, "LCard", ".chm");
-    if (name.size() > ExtensionLength) helpFile = folder + "\\" + name;
+    if (name.size() > ExtensionLength) {
+        helpFile = platform::PathIn(folder, name);
+        return;
+    }
+    const std::string page = platform::PathIn(platform::PathIn(folder, "guide"), StringResource(GuideFileText));
+    if (!platform::ReadFileStart(page, 1).empty()) helpFile = page;
 }
 
 }  // namespace corvane

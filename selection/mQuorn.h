@@ -21,7 +21,8 @@ int16_t EnumerateCrates(CrateSearch& search, uint32_t netAddr, const std::string
 // Dotted text of a server address.
 std::string AddressToText(uint32_t netAddr);
 
-// Full path of the vendor's help file beside the component; helpFile stays as it is when there is none.
+// Full path of the vendor's help file beside the component or, where there is none, of the guide's page in the user's
+// language, which the installer puts there. helpFile stays as it is when there is neither.
 void SetHelpFile(std::string& helpFile);
 
 }  // namespace corvane

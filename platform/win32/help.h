@@ -1,4 +1,4 @@
-// The platform's viewer of .chm files.
+// The platform's viewers of help: that of .chm files, and the user's browser for a page.
 #pragma once
 
 #include <windows.h>
@@ -8,7 +8,8 @@
 
 namespace corvane::platform {
 
-// Opens the topic with that context number; its window closes together with `window`. False when that fails.
+// Opens a page (.html), or the topic with that context number in a .chm file, whose window closes together with
+// `window`. False when that fails.
 bool ShowHelp(HWND window, const std::string& file, int32_t topic);
 
 }  // namespace corvane::platform

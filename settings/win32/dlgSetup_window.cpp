@@ -119,7 +119,7 @@ private:
         } else if (id == cmdCancel) {
             Close();
         } else if (id == cmdHelp) {
-            PostMessageW(Window(), WM_HELP, 0, 0);  // as the F1 key does
+            Help();  // as the F1 key does; the platform refuses to post the message that this key makes
         }
     }
 

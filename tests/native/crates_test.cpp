@@ -1,6 +1,11 @@
 // The border to the vendor libraries, and finding the crates that can serve the driver.
 #include "hardware/TLTRAPI.h"
+
+#include <filesystem>
+#include <fstream>
+
 #include "hardware/vendor_text.h"
+#include "platform/component.h"
 #include "selection/mQuorn.h"
 #include "selection/name_pattern.h"
 #include "tests/native/driver_fixture.h"
@@ -116,6 +121,24 @@ TEST(Enumeration, ListsCratesWithMatchingModulesOnly) {
     EXPECT_EQ(EnumerateCrates(search, 0x0A000001, ""), 0);
     EXPECT_EQ(EnumerateCrates(search, 0x0A000002, ""), -1);
     EXPECT_EQ(lastError, "");
+}
+
+TEST(HelpFile, IsTheVendorsBesideTheComponentOrElseTheGuide) {
+    const std::filesystem::path folder = platform::ComponentFolder(), guide = folder / "guide" / "guide.html";
+    const std::pair<std::filesystem::path, std::filesystem::path> appearing[] = {
+        {folder / "guide.html", "as it was"},
+        {folder / "guide" / "guide.html.old", "as it was"},
+        {guide, guide},
+        {folder / "LCardTest.chm", folder / "LCardTest.chm"}};
+    for (const auto& [file, expected] : appearing) {
+        create_directories(file.parent_path());
+        std::ofstream(file) << "help";
+        std::string found = "as it was";
+        SetHelpFile(found);
+        EXPECT_EQ(found, expected) << file;
+    }
+    for (const auto& [file, expected] : appearing) remove(file);
+    std::filesystem::remove(guide.parent_path());
 }
 
 }  // namespace

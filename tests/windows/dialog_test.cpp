@@ -340,24 +340,59 @@ TEST_F(Dialogs, OneThatCanNotBeMadeFailsTheTest) {
     EXPECT_TRUE(LastError(Driver.Get()).starts_with(std::wstring(L"Error: ") + AddressTitle + L": "));
 }
 
+// The guide where there is no vendor's help file.
 TEST_F(Dialogs, HelpThatCannotBeOpenedIsReported) {
-    const std::string folder = ListFile().substr(0, ListFile().rfind('\\') + 1), file = folder + "LCardTest.chm";
+    const std::string folder = ListFile().substr(0, ListFile().rfind('\\') + 1), guide = folder + "guide";
     const std::string hidden = folder + "LCardA.chm";  // is no ordinary file
-    for (const std::string& each : {hidden, file}) std::ofstream(each) << "no help";
-    EXPECT_TRUE(SetFileAttributesA(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN));
+    CreateDirectoryA(guide.c_str(), nullptr);
+    for (const std::string& file : {folder + "LCardTest.chm", guide + "\\guide.ru.html"}) {
+        for (const std::string& each : {hidden, file}) std::ofstream(each) << "no help";
+        EXPECT_TRUE(SetFileAttributesA(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN));
+        Driver.Reset();
+        Driver = CreateDriver();  // the first object looks for the file
+        for (const std::string& each : {hidden, file}) EXPECT_TRUE(DeleteFileA(each.c_str()));
+        SettingWith([&](DialogUser& user) {
+            EXPECT_TRUE(IsWindowEnabled(user.Child(WC_BUTTONW, 4))) << file;
+            user.Press(VK_F1);
+            const std::wstring name(file.begin() + static_cast<ptrdiff_t>(file.rfind('\\') + 1), file.end());
+            const auto names = [&](HWND message) {
+                return TextOf(GetDlgItem(message, MessageTextId)).find(name) != std::wstring::npos;
+            };
+            EXPECT_TRUE(WaitFor([&] { return names(GetForegroundWindow()); }, 5000)) << file;
+            user.Press(VK_RETURN);
+            user.Press(VK_ESCAPE);
+        });
+    }
+    RemoveDirectoryA(guide.c_str());
+}
+
+// The user's browser is a program here that writes a file beside the page.
+TEST_F(Dialogs, HelpOpensTheGuide) {
+    constexpr wchar_t Type[] = L"CorvaneTestPage";
+    const std::wstring folder = std::filesystem::path(ComponentPath()).parent_path() / L"guide";
+    const std::wstring page = folder + L"\\guide.ru.html", opened = page + L".opened";
+    const auto store = [](const std::wstring& key, const std::wstring& text) {
+        const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+        SHSetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, REG_SZ, text.c_str(), static_cast<DWORD>(bytes));
+    };
+    wchar_t usual[100] = {};
+    DWORD size = sizeof usual;
+    SHGetValueW(HKEY_CLASSES_ROOT, L".html", nullptr, nullptr, usual, &size);
+    store(L".html", Type);
+    store(std::wstring(Type) + L"\\shell\\open\\command",
+          std::wstring(L"regedit.exe /E \"%1.opened\" HKEY_CLASSES_ROOT\\") + Type);
+    CreateDirectoryW(folder.c_str(), nullptr);
+    std::ofstream(std::filesystem::path(page)) << "the guide";
     Driver.Reset();
-    Driver = CreateDriver();  // the first object looks for the file
-    for (const std::string& each : {hidden, file}) EXPECT_TRUE(DeleteFileA(each.c_str()));
-    SettingWith([](DialogUser& user) {
-        EXPECT_TRUE(IsWindowEnabled(user.Child(WC_BUTTONW, 4)));
-        user.Press(VK_F1);
-        const auto names = [](HWND message) {
-            return TextOf(GetDlgItem(message, MessageTextId)).find(L"LCardTest.chm") != std::wstring::npos;
-        };
-        EXPECT_TRUE(WaitFor([&] { return names(GetForegroundWindow()); }, 5000));
-        user.Press(VK_RETURN);
+    Driver = CreateDriver();
+    SettingWith([&](DialogUser& user) {
+        user.Click(user.Child(WC_BUTTONW, 4));
+        EXPECT_TRUE(WaitFor([&] { return std::filesystem::exists(opened); }, 10000));
         user.Press(VK_ESCAPE);
     });
+    store(L".html", usual);
+    SHDeleteKeyW(HKEY_CLASSES_ROOT, Type);
+    std::filesystem::remove_all(folder);
 }
 
 }  // namespace
