@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 
 namespace corvane::recorder {
@@ -100,10 +100,11 @@ size_t FixedPoint::LengthBetween(double one, double other) const {
 
 char* FixedPoint::WriteExactly(char* text, double value) const {
     if (std::abs(value) < 0.5 * std::pow(10.0, -Decimals_)) value = 0;
-    const auto [end, error] = std::to_chars(text, text + LengthMax, value, std::chars_format::fixed, Decimals_);
-    if (error != std::errc()) return text;
-    std::replace(text, end, '.', Point_);
-    return end;
+    // The recorder has the C locale. std::to_chars would make it a tenth larger for what hardly ever runs.
+    const int length = std::snprintf(text, LengthMax, "%.*f", Decimals_, value);
+    if (length < 0 || static_cast<size_t>(length) >= LengthMax) return text;
+    std::replace(text, text + length, '.', Point_);
+    return text + length;
 }
 
 }  // namespace corvane::recorder
