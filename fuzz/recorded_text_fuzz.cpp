@@ -37,10 +37,10 @@ void RequireReport(const std::string& path) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace corvane::recorder;
-    static const int File = memfd_create("recording", 0);
-    corvane::Require(ftruncate(File, 0) == 0 && pwrite(File, data, size, 0) == static_cast<ssize_t>(size), "a file");
+    static const int file = memfd_create("recording", 0);
+    corvane::Require(ftruncate(file, 0) == 0 && pwrite(file, data, size, 0) == static_cast<ssize_t>(size), "a file");
     try {
-        RequireReport(fmt::format("/proc/self/fd/{}", File));
+        RequireReport(fmt::format("/proc/self/fd/{}", file));
     } catch (const Failure& failure) {
         corvane::Require(failure.Code == ExitCode::Input && failure.what()[0] != '\0', "a reason");
     }

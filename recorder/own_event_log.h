@@ -14,7 +14,8 @@ public:
     OwnEventLog(const OwnEventLog&) = delete;
     OwnEventLog& operator=(const OwnEventLog&) = delete;
 
-    // What the driver said of servers, and of modules that can't be opened, in lines without their time; empty: the file can't be read.
+    // What the driver said of servers, and of modules that can't be opened, in lines without their time; empty: the
+    // file can't be read.
     std::string OfSearch() const;
 
 private:
