@@ -224,7 +224,8 @@ protected:
         const auto start = std::chrono::steady_clock::now();
         Now->When == Releasing ? Driver.reset() : Driver->StopRecord();
         const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-        EXPECT_LT(took.count(), Now->When == Releasing ? 3 : 0.8);  // two time-outs; two blocks of 64 ms
+        // Two time-outs; two blocks of 64 ms, on a machine that may halt for a moment, and never two time-outs.
+        EXPECT_LT(took.count(), Now->When == Releasing ? 3 : 1.1);
         if (Driver) TakeAndCheck(0);
         EXPECT_EQ(Check->Wrong, 0) << Check->Fault;
         if (!Now->Hangs()) return;
