@@ -27,6 +27,13 @@ const char* OrUnknown(const std::string& text) {
     return text.empty() ? "?" : text.c_str();
 }
 
+// Characters that have one and the same byte in nearly every code page of the European languages.
+bool Common(char32_t character) {
+    return character < 0x80 || character == 0xB0 || character == 0xB1 || character == 0xB5;
+}
+
+}  // namespace
+
 std::string LibraryText(const Library& library) {
     std::string text = library.Name;
     if (!library.Version.empty()) text += ' ' + library.Version;
@@ -34,13 +41,6 @@ std::string LibraryText(const Library& library) {
     if (!library.File.empty()) text += " (" + library.File + ')';
     return text;
 }
-
-// Characters that have one and the same byte in nearly every code page of the European languages.
-bool Common(char32_t character) {
-    return character < 0x80 || character == 0xB0 || character == 0xB1 || character == 0xB5;
-}
-
-}  // namespace
 
 bool DeviceSummary::Simulated() const {
     return std::ranges::any_of(Libraries, &Library::Simulated);

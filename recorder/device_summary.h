@@ -33,6 +33,9 @@ struct DeviceSummary {
     std::vector<std::string> Lines() const;  // server, crate, modules, START mark, driver and libraries, "What: ..."
 };
 
+// Its name, version and file, and whether it is a simulated one.
+std::string LibraryText(const Library& library);
+
 // Of an opened device.
 DeviceSummary SummaryOf(const HostDevice& device);
 

@@ -8,13 +8,13 @@
 #include <memory>
 #include <thread>
 
-#include "base/utf8.h"
 #include "driver/model/gap.h"
 #include "recorder/channel.h"
 #include "recorder/console.h"
 #include "recorder/device_summary.h"
 #include "recorder/finding.h"
 #include "recorder/host_device.h"
+#include "recorder/live_values.h"
 #include "recorder/open_device.h"
 #include "recorder/own_event_log.h"
 #include "recorder/recording_task.h"
@@ -28,8 +28,6 @@ using Clock = std::chrono::steady_clock;
 constexpr double TrialSeconds = 2;      // of a recording, at least one block of any rate
 constexpr double WaitSeconds = 5;       // for its first kadr, and for the rest
 constexpr double ClockTolerance = 0.1;  // of the rate; the short time and the last block allow no less
-constexpr int LowestCode = -32768;
-constexpr int HighestCode = 32767;
 
 // Further lines stand below the first one's words.
 std::string Indented(const std::string& lines) {
@@ -84,9 +82,7 @@ Finding ExamineDriver(const HostDevice& device) {
     Finding finding{"Driver", Health::Works, ""};
     std::vector<std::string> lines;
     for (const Library& library : device.Libraries()) {
-        lines.push_back(fmt::format("{}{}{}{}", library.Name, library.Version.empty() ? "" : ' ' + library.Version,
-                                    library.Simulated ? ", SIMULATED" : "",
-                                    library.File.empty() ? "" : ", " + library.File));
+        lines.push_back(LibraryText(library));
         if (library.Simulated) finding.Result = Health::Doubtful;
     }
     finding.Text = Joined(lines);
@@ -191,7 +187,7 @@ Finding ExamineReadings(const RecordingTask& task, const Trial& trial) {
     for (size_t i = 0; i < task.Channels.size(); i++) {
         const Channel& channel = task.Channels[i];
         const int sample = trial.Last[i];
-        const bool limit = sample == LowestCode || sample == HighestCode;
+        const bool limit = sample <= LiveChannel::Lowest || sample >= LiveChannel::Highest;
         if (limit) finding.Result = Health::Doubtful;
         lines.push_back(fmt::format("{:>2}  {}  {:.6g} {}, range {}{}", channel.Number, channel.Name,
                                     channel.Physical(sample), channel.Unit, channel.Range,

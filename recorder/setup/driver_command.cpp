@@ -79,17 +79,17 @@ ExitCode ShowLibraries(const fs::path& folder) {
         missing = true;
         elsewhere = elsewhere && std::ranges::any_of(found, IsWorthCopying);
     }
-    const std::string reason = MissingLibraries(folder);
-    if (reason.empty()) return ExitCode::Success;
-    Say(reason);
+    const MissingLibraries reasons = FindMissingLibraries(folder);
+    if (reasons.Reason.empty()) return ExitCode::Success;
+    Say(reasons.Text());
     return missing && elsewhere ? ExitCode::Incomplete : ExitCode::NoDriver;
 }
 
 void CopyLibraries(const fs::path& folder) {
     const std::vector<fs::path> copied = CopyVendorLibraries(folder);
     for (const fs::path& file : copied) Say(fmt::format("{} was copied here.", Utf8(file)));
-    const std::string missing = MissingLibraries(folder);
-    if (!missing.empty()) throw Failure(ExitCode::NoDriver, missing);
+    const MissingLibraries missing = FindMissingLibraries(folder);
+    if (!missing.Reason.empty()) throw Failure(ExitCode::NoDriver, missing.Text());
     if (copied.empty()) Say("The driver finds both libraries: nothing was copied.");
 }
 

@@ -54,10 +54,10 @@ Finding ExamineFile(const std::filesystem::path& file) {
 }
 
 Finding ExamineLibraries(const std::filesystem::path& folder) {
-    const std::string missing = MissingLibraries(folder);
-    if (missing.empty()) return {"Vendor libraries", Health::Works, "both are where the driver finds them, 32-bit"};
-    const size_t advice = missing.rfind('\n');
-    return {"Vendor libraries", Health::Fails, missing.substr(0, advice), missing.substr(advice + 1)};
+    MissingLibraries missing = FindMissingLibraries(folder);
+    if (missing.Reason.empty())
+        return {"Vendor libraries", Health::Works, "both are where the driver finds them, 32-bit"};
+    return {"Vendor libraries", Health::Fails, std::move(missing.Reason), std::move(missing.Remedy)};
 }
 
 }  // namespace

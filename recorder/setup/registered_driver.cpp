@@ -60,10 +60,10 @@ private:
     if (!fs::exists(component, unknown)) throw Failure(ExitCode::NoDriver, fmt::format("There is no {}.", file));
     SetLastError(error);
     const std::string words = SystemErrorText();
-    const std::string libraries = MissingLibraries(component.parent_path());
-    throw Failure(ExitCode::NoDriver, libraries.empty()
+    const MissingLibraries libraries = FindMissingLibraries(component.parent_path());
+    throw Failure(ExitCode::NoDriver, libraries.Reason.empty()
                                           ? fmt::format("{} can't be loaded: {} Install Corvane again.", file, words)
-                                          : fmt::format("{} can't be loaded.\n{}", file, libraries));
+                                          : fmt::format("{} can't be loaded.\n{}", file, libraries.Text()));
 }
 
 void CheckCall(HRESULT result, const char* what) {

@@ -124,33 +124,30 @@ bool IsWorthCopying(const VendorLibrary& library) {
     return library.Kind == Image::Windows32 && !library.Simulated;
 }
 
-std::string MissingLibraries(const fs::path& component) {
-    std::string reason;
+MissingLibraries FindMissingLibraries(const fs::path& component) {
+    MissingLibraries missing;
     for (const wchar_t* name : VendorLibraryNames) {
         const std::vector<VendorLibrary> found = FindVendorLibrary(name, component);
         const auto bound = std::ranges::find_if(found, &VendorLibrary::Bound);
         if (bound != found.end() && bound->Kind == Image::Windows32) continue;
-        if (!reason.empty()) reason += '\n';
-        const std::string text = platform::Utf8(name);
-        if (bound != found.end() && bound->Kind == Image::None) {
-            reason += fmt::format("{} is no library: it is damaged.", platform::Utf8(bound->File.native()));
-        } else if (bound != found.end()) {
-            reason += fmt::format("{} is not a 32-bit library.", platform::Utf8(bound->File.native()));
+        if (!missing.Reason.empty()) missing.Reason += '\n';
+        if (bound == found.end()) {
+            missing.Reason += platform::Utf8(name) + " is missing.";
         } else {
-            reason += fmt::format("{} is missing.", text);
+            missing.Reason +=
+                platform::Utf8(bound->File.native()) +
+                (bound->Kind == Image::None ? " is no library: it is damaged." : " is not a 32-bit library.");
         }
         const auto elsewhere = std::ranges::find_if(found, IsWorthCopying);
-        if (elsewhere != found.end())
-            reason += fmt::format(" A 32-bit one is {}.", platform::Utf8(elsewhere->File.native()));
+        if (elsewhere != found.end()) {
+            missing.Reason += fmt::format(" A 32-bit one is {}.", platform::Utf8(elsewhere->File.native()));
+        }
     }
-    if (!reason.empty()) {
-        reason += fmt::format(
-            "\nBoth libraries of the LTR server software, 32-bit, must lie beside Corvane.adc: in {}. Install that "
-            "software; "
-            "ltr27rec driver --copy-libraries copies them where it finds them.",
-            platform::Utf8(component.native()));
-    }
-    return reason;
+    missing.Remedy = fmt::format(
+        "Both libraries of the LTR server software, 32-bit, must lie beside Corvane.adc: in {}. Install that software; "
+        "ltr27rec driver --copy-libraries copies them where it finds them.",
+        platform::Utf8(component.native()));
+    return missing;
 }
 
 std::vector<fs::path> CopyVendorLibraries(const fs::path& component) {

@@ -30,8 +30,15 @@ std::vector<VendorLibrary> FindVendorLibrary(const std::wstring& name, const std
 // Whether it would serve the driver beside it: real, and 32-bit.
 bool IsWorthCopying(const VendorLibrary& library);
 
-// Why a driver in this file can't be loaded as far as its libraries tell, and what to do; empty: they are no reason.
-std::string MissingLibraries(const std::filesystem::path& component);
+struct MissingLibraries {
+    std::string Reason;  // a line for each of them; empty: none is missing
+    std::string Remedy;
+
+    std::string Text() const { return Reason + '\n' + Remedy; }
+};
+
+// Why a driver in this folder can't be loaded as far as its libraries tell.
+MissingLibraries FindMissingLibraries(const std::filesystem::path& component);
 
 // Copies what is missing beside the component from where else it was found, real 32-bit libraries only. Returns the
 // files that were copied. Throws Failure with ExitCode::Output.
