@@ -66,7 +66,7 @@ void WriteWithRecorder(FileFormat format, const std::string& path, const Recordi
     summary.Modules.resize(ModulesMax);
     summary.Libraries.push_back({"none", "", "", true});
     RecordedGaps gaps;
-    const DataCheck check(task);
+    const DataCheck check(task, summary);
     RecordingFiles files(options, task, summary, gaps, check);
     files.Begin();
     ForEachBlock(task.WantedKadrs, task.Channels.size(), [&](std::span<const int16_t> samples) {
