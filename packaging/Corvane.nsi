@@ -51,6 +51,7 @@ VIAddVersionKey /LANG=0 LegalCopyright "MIT licence"
 
 Var ThisUser    ; "--this-user", or nothing
 Var Registered  ; the driver's file that hosts load
+Var Earlier     ; the folder of the version that was installed before
 Var Code
 Var Text
 
@@ -64,6 +65,9 @@ Var Text
   System::Call 'kernel32::MultiByteToWideChar(i 65001, i 0, p r0, i -1, w .s, i ${NSIS_MAX_STRLEN})'
   Pop $Text
   System::Free $0
+  ${If} $Code == error
+    StrCpy $Text "$(NotRun)"
+  ${EndIf}
 !macroend
 
 ; What both halves begin with. Refuses while a program has the driver loaded, or the file can't be replaced for another
@@ -78,6 +82,9 @@ Function ${un}Begin
   ReadRegStr $Registered SHCTX "Software\Classes\CLSID\$0\InprocServer32" ""
   retry:
   !insertmacro Recorder "$PLUGINSDIR" 'driver --programs --folder "$INSTDIR"'
+  ${If} $Code == error
+    StrCpy $Text ""  ; which programs is not known, but the file is
+  ${EndIf}
   ${If} $Text == ""
   ${AndIf} ${FileExists} "$INSTDIR\Corvane.adc"
     ClearErrors
@@ -109,20 +116,31 @@ Function .onInit
   File "/oname=$PLUGINSDIR\ltr27rec.exe" "${STAGE}\ltr27rec.exe"
 FunctionEnd
 
-; Takes an earlier version away, with files that this one no longer has.
+; Takes an earlier version away, with files that this one no longer has. What the user has in its folder comes into the
+; new one.
 Function RemoveEarlier
-  ReadRegStr $0 SHCTX "${UninstallKey}" InstallLocation
-  ${If} $0 == ""
-    StrCpy $0 "$INSTDIR"
+  ReadRegStr $Earlier SHCTX "${UninstallKey}" InstallLocation
+  ${If} $Earlier == ""
+    StrCpy $Earlier "$INSTDIR"
   ${EndIf}
-  ${If} ${FileExists} "$0\uninstall.exe"
-    CopyFiles /SILENT "$0\uninstall.exe" "$PLUGINSDIR\earlier.exe"
-    ExecWait '"$PLUGINSDIR\earlier.exe" /S /$MultiUser.InstallMode /upgrade _?=$0' $1
-    ${If} $1 <> 0
+  ${If} ${FileExists} "$Earlier\uninstall.exe"
+    CopyFiles /SILENT "$Earlier\uninstall.exe" "$PLUGINSDIR\earlier.exe"
+    ExecWait '"$PLUGINSDIR\earlier.exe" /S /$MultiUser.InstallMode /upgrade _?=$Earlier' $1
+    ${If} $1 != 0
       SetErrorLevel 2
       Abort "$(EarlierStays)"
     ${EndIf}
-    Delete "$0\uninstall.exe"
+    Delete "$Earlier\uninstall.exe"
+  ${EndIf}
+  ${If} $Earlier != $INSTDIR
+    CreateDirectory "$INSTDIR\simulator"
+    Rename "$Earlier\iplist.txt" "$INSTDIR\iplist.txt"
+    Rename "$Earlier\simulator\iplist.txt" "$INSTDIR\simulator\iplist.txt"
+    Rename "$Earlier\ltrapi.dll" "$INSTDIR\ltrapi.dll"
+    Rename "$Earlier\ltr27api.dll" "$INSTDIR\ltr27api.dll"
+    RMDir "$INSTDIR\simulator"
+    RMDir "$Earlier\simulator"
+    RMDir "$Earlier"
   ${EndIf}
 FunctionEnd
 
@@ -136,14 +154,14 @@ Function RegisterDriver
     DetailPrint "$Text"
     stay:
   ${EndIf}
-  ${If} $Registered == "$INSTDIR\simulator\Corvane.adc"
-  ${AndIf} ${FileExists} "$Registered"
+  ${If} $Registered == "$Earlier\simulator\Corvane.adc"
+  ${AndIf} ${FileExists} "$INSTDIR\simulator\Corvane.adc"
     !insertmacro Recorder "$INSTDIR" "driver --simulator $ThisUser"  ; as it was chosen before
   ${Else}
     !insertmacro Recorder "$INSTDIR" "driver --real $ThisUser"
   ${EndIf}
   DetailPrint "$Text"
-  ${If} $Code <> 0
+  ${If} $Code != 0
     SetErrorLevel 3
     MessageBox MB_OK|MB_ICONINFORMATION "$Text$\r$\n$(RegisterLater)" /SD IDOK
   ${EndIf}
@@ -192,7 +210,7 @@ SectionEnd
 Function un.onInit
   !insertmacro MULTIUSER_UNINIT
   InitPluginsDir
-  CopyFiles /SILENT "$INSTDIR\ltr27rec.exe" "$PLUGINSDIR"
+  File "/oname=$PLUGINSDIR\ltr27rec.exe" "${STAGE}\ltr27rec.exe"  ; whatever has become of the installed one
 FunctionEnd
 
 Section Uninstall
@@ -202,7 +220,7 @@ Section Uninstall
   ${OrIf} $Registered == "$INSTDIR\simulator\Corvane.adc"
     !insertmacro Recorder "$PLUGINSDIR" 'driver --unregister $ThisUser --folder "$INSTDIR"'
     DetailPrint "$Text"
-    ${If} $Code <> 0
+    ${If} $Code != 0
       MessageBox MB_OK|MB_ICONEXCLAMATION "$Text" /SD IDOK
       SetErrorLevel 2
       Quit

@@ -18,6 +18,7 @@
 !insertmacro Text InUse "The driver is in use by:" "Драйвер используется программой:"
 !insertmacro Text CloseThem "Close it, then try again." "Закройте её и повторите."
 !insertmacro Text Unknown "a program of another user" "программа другого пользователя"
+!insertmacro Text NotRun "ltr27rec.exe can't be run." "Не удалось запустить ltr27rec.exe."
 !insertmacro Text EarlierStays "The earlier version could not be removed. Nothing was installed." "Прежнюю версию не удалось удалить. Ничего не установлено."
 !insertmacro Text CopyThem "Copy them there now?" "Скопировать их туда сейчас?"
 !insertmacro Text RegisterLater "The driver is installed, but not registered. When both libraries are there, choose Register the driver in the Start menu. To try it without a crate, choose Use the simulated crate." "Драйвер установлен, но не зарегистрирован. Когда обе библиотеки будут на месте, выберите в меню «Пуск» пункт «Зарегистрировать драйвер». Чтобы попробовать его без крейта, выберите «Использовать имитатор крейта»."
