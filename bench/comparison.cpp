@@ -13,7 +13,7 @@ void PrintHead() {
 bool PrintRow(const Comparison& row, const std::vector<Pair>& pairs) {
     std::vector<double> figures;
     for (const auto& [driver, alternative] : pairs) {
-        double figure = driver - alternative;
+        double figure = (driver - alternative) / row.Values;
         if (row.Kind == Goal::CostAtMost) figure = driver / alternative;
         if (row.Kind == Goal::FasterAtLeast) figure = alternative / driver;
         figures.push_back(figure);

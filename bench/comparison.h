@@ -13,7 +13,7 @@ namespace corvane::bench {
 enum class Goal {
     CostAtMost,         // driver's time / alternative's time
     FasterAtLeast,      // alternative's time / driver's time
-    NanosecondsAtMost,  // driver's time less the alternative's
+    NanosecondsAtMost,  // driver's time less the alternative's, for each value
 };
 
 struct Comparison {
@@ -24,6 +24,7 @@ struct Comparison {
     std::function<void()> Driver;
     std::function<void()> Alternative;
     std::function<void()> BeforeEach = {};  // not timed; makes every single run cold
+    double Values = 1;                      // of one run, for NanosecondsAtMost: what each of them takes
 };
 
 std::vector<Comparison> KernelComparisons();
@@ -31,7 +32,7 @@ std::vector<Comparison> CsvComparisons();
 std::vector<Comparison> RingComparisons();
 Comparison TwoCoreComparison();
 
-// The times of both sides, taken one right after the other: what else the machine does changes from moment to moment.
+// The times of both sides in ns, taken one right after the other: what else the machine does changes from moment to moment.
 struct Pair {
     double Driver;
     double Alternative;

@@ -66,16 +66,26 @@ public:
     Table() { std::printf("| what | measured | limit | met |\n|---|---|---|---|\n"); }
 
     void Add(const char* name, double measured, const char* unit, double limit) {
-        const bool met = measured <= limit;
-        std::printf("| %-52s | %8.3f %-2s | at most %g %s | %s |\n", name, measured, unit, limit, unit,
-                    met ? "yes" : "NO");
-        std::fflush(stdout);
-        AllMet_ = AllMet_ && met;
+        Add(name, measured, unit, measured, unit, limit);
+    }
+
+    void AddTime(const char* name, double ms, double limitMs) {
+        if (ms >= 1) return Add(name, ms, "ms", limitMs);
+        Add(name, 1000 * ms, "us", ms, "ms", limitMs);
     }
 
     bool AllMet() const { return AllMet_; }
 
 private:
+    // `shown` is `measured` in a unit that suits it.
+    void Add(const char* name, double shown, const char* shownUnit, double measured, const char* unit, double limit) {
+        const bool met = measured <= limit;
+        std::printf("| %-52s | %8.3g %-2s | at most %g %s | %s |\n", name, shown, shownUnit, limit, unit,
+                    met ? "yes" : "NO");
+        std::fflush(stdout);
+        AllMet_ = AllMet_ && met;
+    }
+
     bool AllMet_ = true;
 };
 
@@ -124,13 +134,13 @@ double MedianCreationMs() {
 
 void AddLatencies(Table& table) {
     LtrSim_Configure(Scenario(1, NoMark).c_str());
-    table.Add("creating and releasing the first object, warm, median", MedianCreationMs(), "ms", 5);
+    table.AddTime("creating and releasing the first object, warm, median", MedianCreationMs(), 5);
     LtrSim_Configure(Scenario(16, NoMark).c_str());
     {
         HostDevice host;
         const Clock::time_point start = Clock::now();
         if (!host.Test()) throw std::runtime_error(host.LastError());
-        table.Add("Test with 16 crates", MsSince(start), "ms", 50);
+        table.AddTime("Test with 16 crates", MsSince(start), 50);
     }
 
     const auto device = Open(Scenario(1, NoMark));
@@ -142,14 +152,14 @@ void AddLatencies(Table& table) {
                                                    device->StopRecord();
                                                    worstStop = std::max(worstStop, MsSince(stop));
                                                });
-    table.Add("StartRecord without a START mark, median", starts[Rounds / 2], "ms", 5);
-    table.Add("StopRecord while data flows, slowest", worstStop, "ms", BlockMs + 5);
+    table.AddTime("StartRecord without a START mark, median", starts[Rounds / 2], 5);
+    table.AddTime("StopRecord while data flows, slowest", worstStop, BlockMs + 5);
     LtrSim_AddFault("call = \"LTR27_Recv\"\nstall = true");
     device->StartRecord();
     SleepMs(100);
     const Clock::time_point stop = Clock::now();
     device->StopRecord();
-    table.Add("StopRecord while nothing comes", MsSince(stop), "ms", 2 * BlockMs + 5);
+    table.AddTime("StopRecord while nothing comes", MsSince(stop), 2 * BlockMs + 5);
 }
 
 // From the moment when the last words of a block have been taken from the modules until the host sees its kadrs. The
@@ -234,7 +244,7 @@ void AddCost(Table& table, const char* name, const std::string& crateKeys, int32
 int Run(int seconds) {
     Table table;
     AddLatencies(table);
-    table.Add("from a block's last words to the host's sight, median", MedianVisibilityMs(), "ms", 1);
+    table.AddTime("from a block's last words to the host's sight, median", MedianVisibilityMs(), 1);
     table.Add("InputData of 32 x 32768, against malloc and memcpy", InputDataRatio(), "x", 1.5);
     AddCost(table, "recording 32 channels at 1000 Hz, of a core", NoMark, 32768, true, seconds);
     AddCost(table, "the same with the ring full", NoMark, 1024, false, seconds);

@@ -1,4 +1,4 @@
-% Never run: no Octave or MATLAB was at hand. [values, time, about] = read_recording('NAME.npy')
+% [values, time, about] = read_recording('NAME.npy'), in Octave or MATLAB (never run in MATLAB: none was at hand).
 % Opens a recording that ltr27rec has made with -o NAME.npy: a column of values for each recorded channel, NaN where
 % nothing was measured; the times in s; and what NAME.json says. plot(time, values) shows it.
 function [values, time, about] = read_recording(path)

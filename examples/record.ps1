@@ -1,3 +1,4 @@
+# Never run: there is no PowerShell under Wine.
 # Records two seconds from four channels and prints physical values: powershell -File record.ps1
 # Members are called by name through IDispatch: PowerShell's own lookup sees the default interface only.
 $channels = 0, 1, 2, 3

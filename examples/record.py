@@ -1,4 +1,4 @@
-"""Records two seconds from four channels and prints physical values. Needs pywin32: python record.py"""
+"""Never run: there is no pywin32 under Wine. Records two seconds from four channels: python record.py, with pywin32"""
 import sys
 import time
 

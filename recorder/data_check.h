@@ -6,13 +6,14 @@
 #include <vector>
 
 #include "recorder/data_clock.h"
+#include "recorder/device_summary.h"
 #include "recorder/recording_task.h"
 
 namespace corvane::recorder {
 
 class DataCheck {
 public:
-    explicit DataCheck(const RecordingTask& task) : DataClock_(task.Rate) {}
+    DataCheck(const RecordingTask& task, const DeviceSummary& device) : DataClock_(task.Rate, !device.Simulated()) {}
 
     // `takenKadrs` have been taken so far, `unreadKadrs` more wait in the driver's ring of `ringKadrs`.
     void Observe(int64_t takenKadrs, int32_t unreadKadrs, int32_t ringKadrs, DataClock::Clock::time_point now);

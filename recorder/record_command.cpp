@@ -10,7 +10,7 @@ ExitCode Record(const Options& options, HostDevice& device) {
     const RecordingTask task = PrepareTask(options, device);
     const DeviceSummary summary = SummaryOf(device);
     RecordedGaps gaps;
-    DataCheck check(task);
+    DataCheck check(task, summary);
     RecordingFiles files(options, task, summary, gaps, check);
     Progress progress(task.WantedKadrs, options.Quiet);
     TellDifferences(options, task, progress);

@@ -65,7 +65,7 @@ void RecordingFiles::Begin() {
 
 void RecordingFiles::Add(TakenKadrs kadrs) {
     if (Options_.KeepFilled) kadrs.Missing = {};
-    Envelope_.Add(kadrs);
+    if (PlotFile_) Envelope_.Add(kadrs);
     const size_t channels = Recording_.Task.Channels.size();
     const size_t count = kadrs.Samples.size() / channels;
     for (size_t first = 0; first < count;) {

@@ -41,7 +41,7 @@ Collected::Collected(ColumnPlan plan, size_t bytesMax, int64_t samplesMax)
       SamplesMax_(samplesMax),
       Totals_(Plan_.Count),
       Sums_(Plan_.Count),
-      Extremes_(Plan_.Count, ExtremesMax / Plan_.Count),
+      Extremes_(Plan_.Count, ExtremesMax / Plan_.Count, Plan_.Kadrs),
       Last_(Plan_.Count) {
     for (size_t i = 0; i < Plan_.Count; i++) Samples_.emplace_back(Plan_.SampleBytes);
     for (size_t i = 0; i < Plan_.MaskCount; i++) Masks_.emplace_back(1);

@@ -33,6 +33,7 @@ struct ColumnPlan {
     std::vector<size_t> Masks;  // of each column: which mask tells what was not measured
     size_t MaskCount = 0;
     Columns Never = 0;  // columns in which nothing can be measured
+    int64_t Kadrs = 0;  // as many as will probably come; 0: unknown
 };
 
 class Collected {

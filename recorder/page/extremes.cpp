@@ -4,7 +4,9 @@
 
 namespace corvane::recorder {
 
-Extremes::Extremes(size_t columns, size_t binsMax) : Columns_(columns), BinsMax_(std::max<size_t>(binsMax, 2)) {
+Extremes::Extremes(size_t columns, size_t binsMax, int64_t kadrs)
+    : Columns_(columns), BinsMax_(std::max<size_t>(binsMax, 2)) {
+    while (kadrs / BinKadrs_ >= static_cast<int64_t>(BinsMax_)) BinKadrs_ *= 2;
     Pairs_.reserve((BinsMax_ + 1) * columns);
 }
 

@@ -21,7 +21,8 @@ public:
         bool Empty() const { return Min > Max; }
     };
 
-    Extremes(size_t columns, size_t binsMax);
+    // `kadrs` that will probably be added; of more, or where it is 0, neighbours are merged.
+    Extremes(size_t columns, size_t binsMax, int64_t kadrs);
 
     // The bin of the next kadr takes so many.
     int64_t Room() const { return Kadrs_ == End() ? BinKadrs_ : End() - Kadrs_; }

@@ -51,7 +51,7 @@ NpySource::NpySource(const std::string& path)
 
 ColumnPlan NpySource::Plan() const {
     const std::vector<Channel>& channels = Input_.Recording().Task.Channels;
-    ColumnPlan plan = {channels.size(), sizeof(int16_t), {}, ModulesMax, 0};
+    ColumnPlan plan = {channels.size(), sizeof(int16_t), {}, ModulesMax, 0, Kadrs()};
     for (size_t column = 0; column < channels.size(); column++) {
         plan.Masks.push_back(static_cast<size_t>(channels[column].Number / ModuleChannels));
         if (!channels[column].Fitted()) plan.Never |= Columns{1} << column;

@@ -405,19 +405,20 @@ TEST(RecorderPlot, EscapesTexts) {
 
 TEST(RecorderDataClock, DoubtsDataAtAnotherPace) {
     // The pace of the data, a silence from and until, in ms, after which the driver catches up at once, from when on
-    // the host does not look either until its end, and whether there is doubt.
-    const std::tuple<const char*, double, int, int, int, bool> cases[] = {
-        {"in step", 1, 0, 0, 0, false},
-        {"late start", 1, 0, 5000, 5000, false},
-        {"quartz", 1.0005, 0, 0, 0, false},
-        {"slow", 0.85, 0, 0, 0, true},
-        {"fast", 1.15, 0, 0, 0, true},
-        {"short silence", 1, 8000, 8800, 8800, false},
-        {"long silence", 1, 8000, 9500, 9500, true},
-        {"machine asleep", 1, 8000, 9500, 8000, false}};
-    for (const auto& [what, pace, silenceFrom, silenceUntil, looksUntil, doubtful] : cases) {
+    // the host does not look either until its end, and whether there is doubt: of data that a clock paces, and of
+    // data that none does.
+    const std::tuple<const char*, double, int, int, int, bool, bool> cases[] = {
+        {"in step", 1, 0, 0, 0, false, false},
+        {"late start", 1, 0, 5000, 5000, false, false},
+        {"quartz", 1.0005, 0, 0, 0, false, false},
+        {"slow", 0.85, 0, 0, 0, true, true},
+        {"fast", 1.15, 0, 0, 0, true, false},
+        {"short silence", 1, 8000, 8800, 8800, false, false},
+        {"long silence", 1, 8000, 9500, 9500, true, true},
+        {"machine asleep", 1, 8000, 9500, 8000, false, false}};
+    for (const auto& [what, pace, silenceFrom, silenceUntil, looksUntil, doubtful, doubtfulUntimed] : cases) {
         const auto start = DataClock::Clock::now();
-        DataClock clock(100);
+        DataClock clock(100, true), untimed(100, false);
         const int first = silenceFrom == 0 ? silenceUntil : 0;
         double arrived = 0;
         for (int time = 0; time < 20000; time += 40) {
@@ -428,9 +429,11 @@ TEST(RecorderDataClock, DoubtsDataAtAnotherPace) {
             else if (!silent)
                 arrived += 4;
             if (silent && time >= looksUntil) continue;
-            clock.Observe(static_cast<int64_t>(arrived), start + std::chrono::milliseconds(time));
+            for (DataClock* each : {&clock, &untimed})
+                each->Observe(static_cast<int64_t>(arrived), start + std::chrono::milliseconds(time));
         }
         EXPECT_EQ(clock.Doubtful(), doubtful) << what << ' ' << clock.WorstLead();
+        EXPECT_EQ(untimed.Doubtful(), doubtfulUntimed) << what << ' ' << untimed.WorstLead();
     }
 }
 
