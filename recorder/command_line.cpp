@@ -9,6 +9,7 @@
 #include "recorder/driver_command.h"
 #include "recorder/host_device.h"
 #include "recorder/list_command.h"
+#include "recorder/messages.h"
 #include "recorder/monitor_command.h"
 #include "recorder/open_device.h"
 #include "recorder/options.h"
@@ -42,13 +43,14 @@ ExitCode Run(const Options& options) {
 }  // namespace
 
 ExitCode RunCommandLine(const std::vector<std::string>& arguments) {
+    ChooseLanguage(UserReadsRussian() ? Language::Russian : Language::English);
     try {
         return Run(ParseCommandLine(arguments));
     } catch (const Failure& failure) {
         WriteText(stderr, fmt::format("ltr27rec: {}\n", failure.what()));
         return failure.Code;
     } catch (const std::exception& error) {
-        WriteText(stderr, fmt::format("ltr27rec: it can't go on: {}\n", error.what()));
+        WriteText(stderr, Say("ltr27rec: it can't go on: {}", error.what()) + '\n');
         return ExitCode::Incomplete;
     }
 }

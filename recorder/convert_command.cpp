@@ -35,8 +35,8 @@ Range WantedRange(const Options& options, const NpyRecording& input) {
                           options.To ? std::min(file.End, kadrAt(*options.To)) : file.End};
     if (wanted.First < wanted.End || (file.First == file.End && options.From == 0)) return wanted;
     const TimeColumn times(recording.Task.Rate);
-    throw Failure(ExitCode::Usage, fmt::format("{} has no kadrs of that time: it goes from {} to {} s.",
-                                               options.InputPath, times.Text(file.First), times.Text(file.End)));
+    throw Failure(ExitCode::Usage, Say("{} has no kadrs of that time: it goes from {} to {} s.", options.InputPath,
+                                       times.Text(file.First), times.Text(file.End)));
 }
 
 // What the rows are, where they are not all of the file's kadrs.
@@ -64,7 +64,7 @@ int64_t WriteRows(const Options& options, NpyRecording& input, Range range, CsvW
     Thinner thinner(channels, options.ThinBy, options.Every, range.First);
     std::vector<int16_t> samples(static_cast<size_t>(ChunkKadrs) * channels.size());
     for (int64_t kadr = range.First; kadr < range.End; kadr += ChunkKadrs) {
-        if (InterruptRequested()) throw Failure(ExitCode::Interrupted, "Interrupted.");
+        if (InterruptRequested()) throw Failure(ExitCode::Interrupted, Say("Interrupted."));
         const int64_t count = std::min(ChunkKadrs, range.End - kadr);
         const auto chunk = std::span(samples).first(static_cast<size_t>(count) * channels.size());
         input.Read(kadr - input.Recording().FirstKadr, chunk);
@@ -104,9 +104,10 @@ ExitCode Convert(const Options& options) {
 
     if (!options.Quiet) {
         WriteText(MessageStream(options),
-                  fmt::format("{}: {} of {} from {}; the recording: {}\n", output.Path(), Counted(rows, "row"),
-                              Counted(static_cast<int64_t>(task.Channels.size()), "channel"), options.InputPath,
-                              verdict.Outcome()));
+                  Say("{}: {} of {} from {}; the recording: {}", output.Path(), Counted(rows, RowNoun),
+                      Counted(static_cast<int64_t>(task.Channels.size()), ChannelNoun), options.InputPath,
+                      verdict.Outcome(UserLanguage())) +
+                      '\n');
     }
     return ExitCode::Success;
 }

@@ -1,7 +1,6 @@
 #include "recorder/data_check.h"
 
-#include <fmt/format.h>
-#include <cmath>
+#include "recorder/messages.h"
 
 namespace corvane::recorder {
 namespace {
@@ -19,13 +18,19 @@ std::vector<std::string> DataCheck::Doubts() const {
     std::vector<std::string> doubts;
     if (DataClock_.Doubtful()) {
         const double lead = DataClock_.WorstLead();
-        doubts.push_back(
-            fmt::format("doubtful: the kadrs were up to {:.1f} s {} this computer's clock, so times may be "
-                        "wrong by as much{}",
-                        std::abs(lead), lead < 0 ? "behind" : "ahead of", lead < 0 ? ", or kadrs be missing" : ""));
+        doubts.push_back(lead < 0 ? SayIn(Language::English,
+                                          "doubtful: the kadrs were up to {:.1f} s behind this computer's clock, so "
+                                          "times may be wrong by as much, or kadrs be missing",
+                                          -lead)
+                                  : SayIn(Language::English,
+                                          "doubtful: the kadrs were up to {:.1f} s ahead of this computer's clock, so "
+                                          "times may be wrong by as much",
+                                          lead));
     }
     if (RingFull_) {
-        doubts.push_back("doubtful: the driver's ring was full, this computer was too slow and kadrs may be missing");
+        doubts.push_back(
+            SayIn(Language::English,
+                  "doubtful: the driver's ring was full, this computer was too slow and kadrs may be missing"));
     }
     return doubts;
 }

@@ -18,7 +18,7 @@ public:
     // `takenKadrs` have been taken so far, `unreadKadrs` more wait in the driver's ring of `ringKadrs`.
     void Observe(int64_t takenKadrs, int32_t unreadKadrs, int32_t ringKadrs, DataClock::Clock::time_point now);
 
-    // A line for each reason to doubt.
+    // A line for each reason to doubt, in English as files have it.
     std::vector<std::string> Doubts() const;
 
 private:

@@ -1,8 +1,8 @@
 #include "recorder/device_summary.h"
 
-#include <fmt/format.h>
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "base/utf8.h"
 #include "settings/dlgSetup.h"
@@ -34,10 +34,10 @@ bool Common(char32_t character) {
 
 }  // namespace
 
-std::string LibraryText(const Library& library) {
+std::string LibraryText(Language language, const Library& library) {
     std::string text = library.Name;
     if (!library.Version.empty()) text += ' ' + library.Version;
-    if (library.Simulated) text += " SIMULATED";
+    if (library.Simulated) text += ' ' + SayIn(language, "SIMULATED");
     if (!library.File.empty()) text += " (" + library.File + ')';
     return text;
 }
@@ -46,20 +46,28 @@ bool DeviceSummary::Simulated() const {
     return std::ranges::any_of(Libraries, &Library::Simulated);
 }
 
-std::string DeviceSummary::Device() const {
-    return Name + (Simulated() ? " (SIMULATED)" : "");
+std::string DeviceSummary::Device(Language language) const {
+    return Name + (Simulated() ? " (" + SayIn(language, "SIMULATED") + ')' : "");
 }
 
-std::vector<std::string> DeviceSummary::Lines() const {
-    std::vector<std::string> lines = {
-        fmt::format("Server: {}", OrUnknown(Server)),
-        fmt::format("Crate: {}, serial {}, {}", OrUnknown(CrateName), OrUnknown(CrateSerial), OrUnknown(CratePort))};
+std::vector<std::string> DeviceSummary::ModuleLines(Language language) const {
+    std::vector<std::string> lines;
     for (const ModuleSummary& module : Modules) {
-        lines.push_back(fmt::format("Module: {}, slot {}, serial {}, firmware {}", OrUnknown(module.Name),
-                                    OrUnknown(module.Slot), OrUnknown(module.Serial), OrUnknown(module.Firmware)));
+        lines.push_back(SayIn(language, "Module: {}, slot {}, serial {}, firmware {}", OrUnknown(module.Name),
+                              OrUnknown(module.Slot), OrUnknown(module.Serial), OrUnknown(module.Firmware)));
     }
-    if (!StartMark.empty()) lines.push_back("START mark: " + StartMark);
-    for (const Library& library : Libraries) lines.push_back("Library: " + LibraryText(library));
+    return lines;
+}
+
+std::vector<std::string> DeviceSummary::Lines(Language language) const {
+    std::vector<std::string> lines = {SayIn(language, "Server: {}", OrUnknown(Server)),
+                                      SayIn(language, "Crate: {}, serial {}, {}", OrUnknown(CrateName),
+                                            OrUnknown(CrateSerial), OrUnknown(CratePort))};
+    for (std::string& line : ModuleLines(language)) lines.push_back(std::move(line));
+    if (!StartMark.empty()) lines.push_back(SayIn(language, "START mark: {}", StartMark));
+    for (const Library& library : Libraries) {
+        lines.push_back(SayIn(language, "Library: {}", LibraryText(language, library)));
+    }
     return lines;
 }
 
@@ -82,12 +90,13 @@ DeviceSummary SummaryOf(const HostDevice& device) {
     return summary;
 }
 
-std::string UnitsAdvice(std::span<const Channel> channels) {
+std::string UnitsAdvice(Language language, std::span<const Channel> channels) {
     if (HostDevice::ReadsModuleTexts()) return "";
     for (const Channel& channel : channels) {
         for (std::string_view unit = channel.Unit; !unit.empty();) {
             if (Common(TakeCharacter(unit))) continue;
-            return fmt::format(
+            return SayIn(
+                language,
                 "Units such as \"{}\" are Russian texts of the modules, and this system takes them for another "
                 "language's. The values are right. To have the units right: Control Panel, Region, Administrative, "
                 "Language for non-Unicode programs: Russian (under Wine: LC_ALL=ru_RU.UTF-8), then start again.",

@@ -7,6 +7,7 @@
 
 #include "recorder/channel.h"
 #include "recorder/host_device.h"
+#include "recorder/messages.h"
 
 namespace corvane::recorder {
 
@@ -29,17 +30,20 @@ struct DeviceSummary {
     std::vector<Library> Libraries;  // the driver, then the vendor's
 
     bool Simulated() const;
-    std::string Device() const;              // its name, with SIMULATED where the vendor libraries are no real ones
-    std::vector<std::string> Lines() const;  // server, crate, modules, START mark, driver and libraries, "What: ..."
+    // Its name, with SIMULATED where the vendor libraries are no real ones.
+    std::string Device(Language language) const;
+    // Server, crate, modules, START mark, driver and libraries, "What: ...".
+    std::vector<std::string> Lines(Language language) const;
+    std::vector<std::string> ModuleLines(Language language) const;
 };
 
 // Its name, version and file, and whether it is a simulated one.
-std::string LibraryText(const Library& library);
+std::string LibraryText(Language language, const Library& library);
 
 // Of an opened device.
 DeviceSummary SummaryOf(const HostDevice& device);
 
 // What is wrong with the units of these channels, and how to mend it; empty: nothing.
-std::string UnitsAdvice(std::span<const Channel> channels);
+std::string UnitsAdvice(Language language, std::span<const Channel> channels);
 
 }  // namespace corvane::recorder

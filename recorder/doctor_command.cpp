@@ -1,7 +1,5 @@
 #include "recorder/doctor_command.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -15,9 +13,11 @@
 #include "recorder/finding.h"
 #include "recorder/host_device.h"
 #include "recorder/live_values.h"
+#include "recorder/messages.h"
 #include "recorder/open_device.h"
 #include "recorder/own_event_log.h"
 #include "recorder/recording_task.h"
+#include "recorder/text_columns.h"
 #include "recorder/words.h"
 
 namespace corvane::recorder {
@@ -30,11 +30,11 @@ constexpr double WaitSeconds = 5;       // for its first kadr, and for the rest
 constexpr double ClockTolerance = 0.1;  // of the rate; the short time and the last block allow no less
 
 // Further lines stand below the first one's words.
-std::string Indented(const std::string& lines) {
+std::string Indented(const std::string& lines, size_t columns) {
     std::string text;
     for (const char character : lines) {
         text += character;
-        if (character == '\n') text += "        ";
+        if (character == '\n') text.append(columns, ' ');
     }
     return text;
 }
@@ -55,16 +55,21 @@ public:
         if (Json_) {
             WriteText(stdout, JsonOf(Findings_, works) + '\n');
         } else {
-            WriteText(stdout, works ? "\nA recording works.\n" : "\nA recording would not work: see above.\n");
+            const Text end = works ? Text("A recording works.") : Text("A recording would not work: see above.");
+            WriteText(stdout, '\n' + Say(end) + '\n');
         }
     }
 
 private:
     static std::string TextOf(const Finding& finding) {
-        static constexpr const char* Marks[] = {"ok   ", "note ", "FAILS"};
-        std::string text =
-            fmt::format("{} {}: {}", Marks[static_cast<int>(finding.Result)], finding.Step, Indented(finding.Text));
-        if (!finding.Remedy.empty()) text += "\n      > " + Indented(finding.Remedy);
+        static constexpr Text Marks[] = {"ok", "note", "FAILS"};
+        size_t columns = 0;
+        for (const Text mark : Marks) columns = std::max(columns, ColumnsOf(Say(mark)) + 1);
+        std::string text = Fitted(Say(Marks[static_cast<int>(finding.Result)]), columns) + Say(finding.Step) + ": ";
+        text += Indented(finding.Words, columns + 2);
+        if (!finding.Remedy.empty()) {
+            text += '\n' + std::string(columns, ' ') + "> " + Indented(finding.Remedy, columns + 2);
+        }
         return text + '\n';
     }
 
@@ -78,24 +83,37 @@ std::string Joined(const std::vector<std::string>& lines) {
     return text;
 }
 
+// The driver's log as the user reads.
+std::string SearchText(const std::vector<std::string>& lines) {
+    constexpr std::string_view Slots = ", slots ";
+    const std::string slots = Say(", slots ");
+    std::string text;
+    for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + Translated(line);
+    for (size_t place = 0; (place = text.find(Slots, place)) != std::string::npos; place += slots.size()) {
+        text.replace(place, Slots.size(), slots);
+    }
+    return text;
+}
+
 Finding ExamineDriver(const HostDevice& device) {
     Finding finding{"Driver", Health::Works, ""};
     std::vector<std::string> lines;
     for (const Library& library : device.Libraries()) {
-        lines.push_back(LibraryText(library));
+        lines.push_back(LibraryText(UserLanguage(), library));
         if (library.Simulated) finding.Result = Health::Doubtful;
     }
-    finding.Text = Joined(lines);
+    finding.Words = Joined(lines);
     if (finding.Result == Health::Doubtful && HostDevice::HasDialogs()) {
-        finding.Remedy = "The crate is a simulated one. For a real one: ltr27rec driver --real";
+        finding.Remedy = Say("The crate is a simulated one. For a real one: ltr27rec driver --real");
     }
     return finding;
 }
 
 Finding ExamineUnits() {
-    if (HostDevice::ReadsModuleTexts()) return {"Code page", Health::Works, "units of the modules can be read"};
-    return {"Code page", Health::Doubtful, "Russian units of the modules come out as other letters; values are right",
-            "Control Panel, Region, Administrative, Language for non-Unicode programs: Russian"};
+    if (HostDevice::ReadsModuleTexts()) return {"Code page", Health::Works, Say("units of the modules can be read")};
+    return {"Code page", Health::Doubtful,
+            Say("Russian units of the modules come out as other letters; values are right"),
+            Say("Control Panel, Region, Administrative, Language for non-Unicode programs: Russian")};
 }
 
 Finding ExamineCrate(const Options& options, HostDevice& device, const OwnEventLog& log) {
@@ -105,29 +123,29 @@ Finding ExamineCrate(const Options& options, HostDevice& device, const OwnEventL
         if (failure.Code == ExitCode::Usage) throw;
         const std::string words = failure.what();
         const size_t line = words.find('\n');
-        std::string searched = log.OfSearch();
+        std::string searched = SearchText(log.OfSearch());
         if (!searched.empty()) searched += '\n';
         return {"Crate", Health::Fails, searched + words.substr(0, line),
                 line == std::string::npos ? "" : words.substr(line + 1)};
     }
-    const std::string searched = log.OfSearch();
-    if (searched.find("\nslot ") == std::string::npos) return {"Crate", Health::Works, searched};
-    return {"Crate", Health::Doubtful, searched,
-            "Close every other program that uses the module, or have it looked at."};
+    const std::vector<std::string> searched = log.OfSearch();
+    const auto ofSlot = [](const std::string& line) { return line.starts_with("slot "); };
+    if (std::ranges::none_of(searched, ofSlot)) return {"Crate", Health::Works, SearchText(searched)};
+    return {"Crate", Health::Doubtful, SearchText(searched),
+            Say("Close every other program that uses the module, or have it looked at.")};
 }
 
 Finding ExamineModules(const HostDevice& device) {
-    std::vector<std::string> lines = SummaryOf(device).Lines();
-    std::erase_if(lines, [](const std::string& line) { return !line.starts_with("Module: "); });
+    const std::vector<std::string> lines = SummaryOf(device).ModuleLines(UserLanguage());
     std::string fitted;
     for (const Channel& channel : ReadChannels(device)) {
         if (channel.Fitted()) fitted += (fitted.empty() ? "" : ", ") + channel.Name;
     }
     if (fitted.empty()) {
-        return {"Modules", Health::Fails, Joined(lines) + "\nno mezzanine in any position",
-                "Switch the crate off, fit mezzanines, and switch it on again."};
+        return {"Modules", Health::Fails, Joined(lines) + '\n' + Say("no mezzanine in any position"),
+                Say("Switch the crate off, fit mezzanines, and switch it on again.")};
     }
-    return {"Modules", Health::Works, Joined(lines) + "\nChannels: " + fitted};
+    return {"Modules", Health::Works, Joined(lines) + '\n' + Say("Channels: {}", fitted)};
 }
 
 // A short recording, and what came of it.
@@ -170,14 +188,14 @@ Trial Record(HostDevice& device, const RecordingTask& task) {
 
 Finding ExamineStart(const DeviceSummary& summary, int markMode, const Trial& trial) {
     constexpr int FirstWaiting = 3;  // of the modes in the setup dialog's list
-    const std::string mode = fmt::format("START mark: {}", summary.StartMark);
-    if (trial.Kadrs > 0) return {"Start", Health::Works, mode};
+    const std::string& mode = summary.StartMark;
+    if (trial.Kadrs > 0) return {"Start", Health::Works, Say("START mark: {}", mode)};
     if (markMode >= FirstWaiting) {
-        return {"Start", Health::Fails, mode + fmt::format(". It did not come within {:.0f} s", WaitSeconds),
-                "Connect what gives the mark, or choose Make Internal in the setup dialog: ltr27rec settings"};
+        return {"Start", Health::Fails, Say("START mark: {}. It did not come within {:.0f} s", mode, WaitSeconds),
+                Say("Connect what gives the mark, or choose Make Internal in the setup dialog: ltr27rec settings")};
     }
-    return {"Start", Health::Fails, mode + fmt::format(". The modules sent nothing within {:.0f} s", WaitSeconds),
-            "Switch the crate off and on again, and see that no other program has it open."};
+    return {"Start", Health::Fails, Say("START mark: {}. The modules sent nothing within {:.0f} s", mode, WaitSeconds),
+            Say("Switch the crate off and on again, and see that no other program has it open.")};
 }
 
 // One reading of each channel.
@@ -189,36 +207,39 @@ Finding ExamineReadings(const RecordingTask& task, const Trial& trial) {
         const int sample = trial.Last[i];
         const bool limit = sample <= LiveChannel::Lowest || sample >= LiveChannel::Highest;
         if (limit) finding.Result = Health::Doubtful;
-        lines.push_back(fmt::format("{:>2}  {}  {:.6g} {}, range {}{}", channel.Number, channel.Name,
-                                    channel.Physical(sample), channel.Unit, channel.Range,
-                                    limit ? ", AT ITS LIMIT" : ""));
+        lines.push_back(Say("{:>2}  {}  {:.6g} {}, range {}", channel.Number, channel.Name, channel.Physical(sample),
+                            channel.Unit, channel.Range) +
+                        Say(limit ? Text(", AT ITS LIMIT") : Text()));
     }
-    finding.Text = Joined(lines);
-    if (finding.Result != Health::Works)
-        finding.Remedy = "A channel at its limit is overloaded, or nothing is connected.";
+    finding.Words = Joined(lines);
+    if (finding.Result != Health::Works) {
+        finding.Remedy = Say("A channel at its limit is overloaded, or nothing is connected.");
+    }
     return finding;
 }
 
 Finding ExamineTrial(const RecordingTask& task, const Trial& trial, bool simulated) {
     const double rate = trial.Seconds > 0 ? static_cast<double>(trial.Kadrs - trial.KadrsAtFirst) / trial.Seconds : 0;
     const std::string text =
-        fmt::format("{} at {:.6g} Hz; by the clock {:.4g} Hz", Counted(trial.Kadrs, "kadr"), task.Rate, rate);
+        Say("{} at {:.6g} Hz; by the clock {:.4g} Hz", Counted(trial.Kadrs, KadrNoun), task.Rate, rate);
     if (!trial.Gaps.empty()) {
         const Gap& first = trial.Gaps.front();
         return {"Recording", Health::Fails,
-                fmt::format("{}; {} not measured, the first: slot {}, {}", text,
-                            Counted(static_cast<int64_t>(trial.Gaps.size()), "gap"), task.SlotOf(first.Module),
-                            ReasonText(first.Reason)),
-                "See that the module sits firmly in its slot and that the crate's cable or network is free of faults."};
+                Say("{}; {} not measured, the first: slot {}, {}", text,
+                    Counted(static_cast<int64_t>(trial.Gaps.size()), GapNoun), task.SlotOf(first.Module),
+                    Translated(ReasonText(first.Reason))),
+                Say("See that the module sits firmly in its slot and that the crate's cable or network is free of "
+                    "faults.")};
     }
     if (trial.Kadrs < task.WantedKadrs) {
-        return {"Recording", Health::Fails, text + "; then nothing more came", "Switch the crate off and on again."};
+        return {"Recording", Health::Fails, Say("{}; then nothing more came", text),
+                Say("Switch the crate off and on again.")};
     }
     if (std::abs(rate - task.Rate) > ClockTolerance * task.Rate && !simulated) {
         return {"Recording", Health::Doubtful, text,
-                "Times of samples may be wrong: try again, and with another crate."};
+                Say("Times of samples may be wrong: try again, and with another crate.")};
     }
-    return {"Recording", Health::Works, text + "; no gaps"};
+    return {"Recording", Health::Works, Say("{}; no gaps", text)};
 }
 
 ExitCode Walk(Options& options, Report& report) {
@@ -243,7 +264,7 @@ ExitCode Walk(Options& options, Report& report) {
     const RecordingTask task = PrepareTask(options, *device);
     if (!device->StartRecord()) {
         report.Add({"Start", Health::Fails, device->LastError(),
-                    "Close every other program that uses the crate, then switch it off and on again."});
+                    Say("Close every other program that uses the crate, then switch it off and on again.")});
         return ExitCode::StartFailed;
     }
     const DeviceSummary summary = SummaryOf(*device);

@@ -8,9 +8,9 @@ std::string JsonOf(const std::vector<Finding>& findings, bool works) {
     static constexpr const char* Results[] = {"works", "doubtful", "fails"};
     nlohmann::ordered_json steps = nlohmann::ordered_json::array();
     for (const Finding& each : findings) {
-        steps.push_back({{"step", each.Step},
+        steps.push_back({{"step", each.Step.In(Language::English)},
                          {"result", Results[static_cast<int>(each.Result)]},
-                         {"text", each.Text},
+                         {"text", each.Words},
                          {"remedy", each.Remedy}});
     }
     const nlohmann::ordered_json report = {{"works", works}, {"steps", steps}};

@@ -4,14 +4,16 @@
 #include <string>
 #include <vector>
 
+#include "recorder/messages.h"
+
 namespace corvane::recorder {
 
 enum class Health { Works, Doubtful, Fails };
 
 struct Finding {
-    std::string Step;
+    Text Step;
     Health Result = Health::Works;
-    std::string Text;      // lines
+    std::string Words;     // lines, in the user's language
     std::string Remedy{};  // what to do; empty: nothing
 };
 
@@ -19,7 +21,7 @@ struct Finding {
 // libraries. setup/ or native/ is linked in.
 std::vector<Finding> ExamineInstallation();
 
-// All of them as one object of JSON.
+// All of them as one object of JSON: the steps and results in English, what is for people in their language.
 std::string JsonOf(const std::vector<Finding>& findings, bool works);
 
 }  // namespace corvane::recorder

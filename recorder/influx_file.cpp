@@ -38,7 +38,8 @@ void InfluxFile::Begin(const Recording& recording) {
     Recording_ = &recording;
     Kadr_ = recording.FirstKadr;
     // The database sorts tags by their names, and is quicker where they come so.
-    DeviceTags_ = Tag("crate", recording.Device.CrateSerial) + Tag("device", recording.Device.Device());
+    DeviceTags_ =
+        Tag("crate", recording.Device.CrateSerial) + Tag("device", recording.Device.Device(Language::English));
     const RecordingTask& task = recording.Task;
     const std::vector<uint8_t> missingBits = MissingBits(task.Channels);
     for (size_t i = 0; i < task.Channels.size(); i++) {

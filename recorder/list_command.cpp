@@ -17,7 +17,7 @@ using Row = std::array<std::string, Columns>;
 
 Row ChannelRow(const Channel& channel) {
     const std::string number = fmt::format("{}", channel.Number);
-    if (!channel.Fitted()) return {number, "(empty)", "-", "-", "-", "-"};
+    if (!channel.Fitted()) return {number, Say("(empty)"), "-", "-", "-", "-"};
     return {number,
             channel.Name,
             channel.Range,
@@ -42,7 +42,7 @@ void AppendRow(std::string& text, const Row& row, const std::array<size_t, Colum
 
 std::string ListDevice(HostDevice& device) {
     const std::vector<Channel> channels = ReadChannels(device);
-    std::vector<Row> rows = {{"No", "Name", "Range", "Unit", "Samples/unit", "Offset"}};
+    std::vector<Row> rows = {{Say("No"), Say("Name"), Say("Range"), Say("Unit"), Say("Samples/unit"), Say("Offset")}};
     for (const Channel& channel : channels) rows.push_back(ChannelRow(channel));
 
     std::array<size_t, Columns> widths{};
@@ -52,13 +52,14 @@ std::string ListDevice(HostDevice& device) {
         }
     }
     const DeviceSummary summary = SummaryOf(device);
-    std::string text = fmt::format("{}: {}, {} bits, up to {:.6g} Hz, now set to {:.6g} Hz\n", summary.Device(),
-                                   Counted(static_cast<int64_t>(channels.size()), "channel"), device.Resolution(),
-                                   device.RateMax(), device.Rate());
-    for (const std::string& line : summary.Lines()) text += line + '\n';
+    std::string text = Say("{}: {}, {} bits, up to {:.6g} Hz, now set to {:.6g} Hz", summary.Device(UserLanguage()),
+                           Counted(static_cast<int64_t>(channels.size()), ChannelNoun), device.Resolution(),
+                           device.RateMax(), device.Rate()) +
+                       '\n';
+    for (const std::string& line : summary.Lines(UserLanguage())) text += line + '\n';
     text += '\n';
     for (const Row& row : rows) AppendRow(text, row, widths);
-    if (const std::string advice = UnitsAdvice(channels); !advice.empty()) text += '\n' + advice + '\n';
+    if (const std::string advice = UnitsAdvice(UserLanguage(), channels); !advice.empty()) text += '\n' + advice + '\n';
     return text;
 }
 

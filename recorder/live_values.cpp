@@ -44,7 +44,7 @@ std::vector<LiveChannel> LiveValues::Look(const RecordedGaps& gaps, bool silent)
     return Channels_;
 }
 
-const char* LiveValues::MarkOf(size_t channel, const RecordedGaps& gaps, bool silent) const {
+Text LiveValues::MarkOf(size_t channel, const RecordedGaps& gaps, bool silent) const {
     if (!Channels_[channel].Channel.Fitted()) return "empty";
     const int32_t module = Channels_[channel].Channel.Number / ModuleChannels;
     const std::optional<GapReason> reason = gaps.NewestReason(module);
@@ -53,7 +53,7 @@ const char* LiveValues::MarkOf(size_t channel, const RecordedGaps& gaps, bool si
     if (seen.Min <= LiveChannel::Lowest) return "low";
     if (seen.Max >= LiveChannel::Highest) return "high";
     const int64_t last = LastMissing_[module];
-    return last > 0 && static_cast<double>(Kadrs_ - last) < GapShown * Task_.Rate ? "gap" : "";
+    return last > 0 && static_cast<double>(Kadrs_ - last) < GapShown * Task_.Rate ? Text("gap") : Text();
 }
 
 }  // namespace corvane::recorder

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "recorder/envelope.h"
+#include "recorder/messages.h"
 #include "recorder/recorded_gaps.h"
 #include "recorder/recording_task.h"
 #include "recorder/taken_kadrs.h"
@@ -20,7 +21,7 @@ struct LiveChannel {
     Extent Total;                   // since the start
     // "silent": its module sends nothing; "empty": no mezzanine; "low", "high": at the end of its range since the last
     // look; "gap": some kadrs of the last two seconds were not measured; empty: all is well.
-    const char* Mark = "";
+    Text Mark{};
 
     static constexpr int16_t Lowest = -16384;  // samples of the ends of every range
     static constexpr int16_t Highest = 16383;
@@ -39,7 +40,7 @@ public:
     int64_t Missing() const { return Missing_; }
 
 private:
-    const char* MarkOf(size_t channel, const RecordedGaps& gaps, bool silent) const;
+    Text MarkOf(size_t channel, const RecordedGaps& gaps, bool silent) const;
 
     const RecordingTask& Task_;
     std::vector<uint8_t> MissingBits_;  // of each channel

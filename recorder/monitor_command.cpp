@@ -33,7 +33,7 @@ public:
           Values_(Task_),
           Samples_(TakeKadrs * Task_.Channels.size()) {
         const DeviceSummary summary = SummaryOf(device);
-        State_.Device = summary.Device();
+        State_.Device = summary.Device(options.Json ? Language::English : UserLanguage());
         State_.Crate = summary.CrateSerial;
         State_.Rate = Task_.Rate;
     }
@@ -46,7 +46,7 @@ public:
         while (!InterruptRequested()) {
             const bool busy = Device_.Busy();  // asked before looking for data
             const bool taken = Take();
-            if (!taken && !busy) throw Failure(ExitCode::Incomplete, "The driver ended. " + Device_.LastError());
+            if (!taken && !busy) throw Failure(ExitCode::Incomplete, Say("The driver ended. {}", Device_.LastError()));
             const Clock::time_point now = Clock::now();
             if (now >= nextLook && Due(now)) {
                 Show(now);
@@ -80,9 +80,9 @@ private:
         State_.Kadrs = Values_.Kadrs();
         State_.Gaps = Gaps_.Gaps().size();
         State_.Missing = Values_.Missing();
-        State_.Trouble = !silent             ? ""
-                         : State_.Kadrs == 0 ? "No data: no START mark, or the module sends nothing."
-                                             : "No data: the driver hangs.";
+        State_.Trouble = Say(!silent             ? Text()
+                             : State_.Kadrs == 0 ? Text("No data: no START mark, or the module sends nothing.")
+                                                 : Text("No data: the driver hangs."));
         State_.Channels = Values_.Look(Gaps_, silent);
         const ScreenSize size = IsTerminal(stdout) ? TerminalSize(stdout) : Unlimited;
         if (Screen_) {
@@ -97,7 +97,7 @@ private:
     }
 
     static void Written(bool whole) {
-        if (!whole) OutputFile::ThrowNotWritten("Standard output");
+        if (!whole) OutputFile::ThrowNotWritten(Say("Standard output"));
     }
 
     // Whether every channel has been measured all the time.
@@ -124,8 +124,8 @@ ExitCode Monitor(const Options& options, HostDevice& device) {
     if (!options.Once && !options.Json && !IsTerminal(stdout)) {
         throw Failure(
             ExitCode::Usage,
-            "monitor draws on a terminal, and standard output is none. Use --once for one table, or --json for "
-            "a line of JSON five times a second.");
+            Say("monitor draws on a terminal, and standard output is none. Use --once for one table, or --json for a "
+                "line of JSON five times a second."));
     }
     Watch watch(options, device);
     const ExitCode code = watch.Run();

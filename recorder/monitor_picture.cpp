@@ -1,6 +1,5 @@
 #include "recorder/monitor_picture.h"
 
-#include <fmt/format.h>
 #include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
@@ -20,17 +19,21 @@ constexpr size_t NameMin = 8;
 struct Layout {
     size_t Number = 2;
     size_t Name = 0;
-    size_t Value = 5;
+    size_t Value = 0;
     size_t Unit = 0;
     size_t Bar = 0;
     size_t Extremes = 0;  // each
-    size_t Mark = 6;
+    size_t Mark = 0;
 };
 
 std::string ValueText(const Channel& channel, int16_t sample) {
     char text[FixedPoint::LengthMax];
     const FixedPoint number(FixedPoint::DecimalsFor(channel.Scale), '.');
     return {text, number.Write(text, channel.Physical(sample))};
+}
+
+std::string NameText(const Channel& channel) {
+    return channel.Fitted() ? channel.Name : Say("(empty)");
 }
 
 // Takes so many cells and the space after them, or as many as there are; none when that is less than `least`.
@@ -44,15 +47,19 @@ size_t TakeColumns(size_t& room, size_t wanted, size_t least) {
 // The number and the value come first, then what is wrong, then unit, name, bar, and extremes.
 Layout LayOut(const std::vector<LiveChannel>& channels, size_t columns) {
     Layout layout;
-    size_t name = 0, unit = 4;
+    size_t name = 0, unit = ColumnsOf(Say("Unit"));
+    for (const Text mark : {Text("silent"), Text("gap"), Text("empty")}) {
+        layout.Mark = std::max(layout.Mark, ColumnsOf(Say(mark)));
+    }
     for (const LiveChannel& each : channels) {
         layout.Number = std::max(layout.Number, std::to_string(each.Channel.Number).size());
         for (const int16_t sample : {LiveChannel::Lowest, LiveChannel::Highest}) {
             layout.Value = std::max(layout.Value, ValueText(each.Channel, sample).size());
         }
-        name = std::max(name, ColumnsOf(each.Channel.Name));
+        name = std::max(name, ColumnsOf(NameText(each.Channel)));
         unit = std::max(unit, ColumnsOf(each.Channel.Unit));
     }
+    layout.Value = std::max(layout.Value, ColumnsOf(Say("Value")));
     size_t room = columns;
     layout.Number = TakeColumns(room, layout.Number, layout.Number);
     layout.Value = TakeColumns(room, layout.Value, layout.Value);
@@ -111,13 +118,13 @@ private:
 
 std::string Titles(const Layout& layout) {
     Line line;
-    line.Add("No", layout.Number, true);
-    line.Add("Name", layout.Name);
-    line.Add("Value", layout.Value, true);
-    line.Add("Unit", layout.Unit);
-    line.Add("Range", layout.Bar);
-    line.Add("Min", layout.Extremes, true);
-    line.Add("Max", layout.Extremes, true);
+    line.Add(Say("No"), layout.Number, true);
+    line.Add(Say("Name"), layout.Name);
+    line.Add(Say("Value"), layout.Value, true);
+    line.Add(Say("Unit"), layout.Unit);
+    line.Add(Say("Range"), layout.Bar);
+    line.Add(Say("Min"), layout.Extremes, true);
+    line.Add(Say("Max"), layout.Extremes, true);
     return line.Take();
 }
 
@@ -128,22 +135,22 @@ std::string ChannelLine(const LiveChannel& channel, const Layout& layout) {
     };
     Line line;
     line.Add(std::to_string(channel.Channel.Number), layout.Number, true);
-    line.Add(channel.Channel.Fitted() ? channel.Channel.Name : "(empty)", layout.Name);
+    line.Add(NameText(channel.Channel), layout.Name);
     line.Add(channel.Newest ? ValueText(channel.Channel, *channel.Newest) : "-", layout.Value, true);
     line.Add(channel.Channel.Unit, layout.Unit);
     if (layout.Bar > 0) line.Add(Bar(channel, layout.Bar), layout.Bar);
     line.Add(text(low), layout.Extremes, true);
     line.Add(text(high), layout.Extremes, true);
-    line.Add(channel.Mark, layout.Mark);
+    line.Add(Say(channel.Mark), layout.Mark);
     return line.Take();
 }
 
 std::string GapsText(const MonitorState& state) {
     if (!state.Trouble.empty()) return state.Trouble;
-    if (state.Kadrs == 0) return "Waiting for data.";
-    if (state.Gaps == 0) return "Everything measured.";
-    return fmt::format("{:.6g} s not measured, in {}.", static_cast<double>(state.Missing) / state.Rate,
-                       Counted(static_cast<int64_t>(state.Gaps), "gap"));
+    if (state.Kadrs == 0) return Say("Waiting for data.");
+    if (state.Gaps == 0) return Say("Everything measured.");
+    return Say("{:.6g} s not measured, in {}.", static_cast<double>(state.Missing) / state.Rate,
+               Counted(static_cast<int64_t>(state.Gaps), GapNoun));
 }
 
 }  // namespace
@@ -156,8 +163,8 @@ std::vector<std::string> MonitorPicture(const MonitorState& state, size_t column
         line.erase(line.find_last_not_of(' ') + 1);
         lines.push_back(std::move(line));
     };
-    add(fmt::format("{} {}, {:.6g} Hz, {:.1f} s", state.Device, state.Crate, state.Rate,
-                    static_cast<double>(state.Kadrs) / state.Rate));
+    add(Say("{} {}, {:.6g} Hz, {:.1f} s", state.Device, state.Crate, state.Rate,
+            static_cast<double>(state.Kadrs) / state.Rate));
     add(GapsText(state));
     add(Titles(layout));
     const size_t room = rows - std::min(rows, lines.size());
@@ -165,7 +172,7 @@ std::vector<std::string> MonitorPicture(const MonitorState& state, size_t column
     for (size_t i = 0; i < shown; i++) add(ChannelLine(state.Channels[i], layout));
     if (shown < state.Channels.size()) {
         const auto left = static_cast<int64_t>(state.Channels.size() - shown);
-        add(fmt::format("and {} below", Counted(left, "more channel")));
+        add(Say("and {} below", Counted(left, MoreChannelsNoun)));
     }
     if (lines.size() > rows) lines.resize(rows);
     return lines;
@@ -185,7 +192,7 @@ std::string MonitorJson(const MonitorState& state) {
                             {"value", value(each.Newest.has_value(), each.Newest.value_or(0))},
                             {"min", value(!each.Total.Empty(), low)},
                             {"max", value(!each.Total.Empty(), high)},
-                            {"mark", *each.Mark == '\0' ? Json() : Json(each.Mark)}});
+                            {"mark", each.Mark.Empty() ? Json() : Json(each.Mark.In(Language::English))}});
     }
     const Json json = {{"time", state.Time},
                        {"device", state.Device},

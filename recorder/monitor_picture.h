@@ -17,7 +17,7 @@ struct MonitorState {
     int64_t Kadrs = 0;
     size_t Gaps = 0;
     int64_t Missing = 0;  // kadrs in these gaps
-    std::string Trouble;  // what keeps data from coming; empty: nothing
+    std::string Trouble;  // what keeps data from coming, in the user's language; empty: nothing
     std::vector<LiveChannel> Channels;
 };
 

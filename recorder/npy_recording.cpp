@@ -1,11 +1,11 @@
 #include "recorder/npy_recording.h"
 
-#include <fmt/format.h>
 #include <stdexcept>
 
 #include "recorder/failure.h"
 #include "recorder/file_names.h"
 #include "recorder/file_system.h"
+#include "recorder/messages.h"
 #include "recorder/taken_kadrs.h"
 
 namespace corvane::recorder {
@@ -31,9 +31,9 @@ bool NpyRecording::IsOne(const std::string& path) {
 
 NpyRecording::File NpyRecording::Open(const std::string& path, const std::string& advice) {
     const FileKind kind = KindOf(path);
-    if (kind == FileKind::Folder || kind == FileKind::Device) Throw(path + " is no file.");
+    if (kind == FileKind::Folder || kind == FileKind::Device) Throw(Say("{} is no file.", path));
     File file(OpenForReading(path));
-    if (!file) Throw(fmt::format("{} can't be opened ({}).{}", path, SystemErrorText(), advice));
+    if (!file) Throw(Say("{} can't be opened ({}).", path, SystemErrorText()) + advice);
     return file;
 }
 
@@ -41,30 +41,31 @@ void NpyRecording::ReadHead(CutOff cutOff) {
     std::string start(HeadSizeMax, '\0');
     start.resize(std::fread(start.data(), 1, start.size(), File_.get()));
     const std::optional<NpyShape> shape = ParseNpyHead(start);
-    if (!shape) Throw(Path_ + " is no NumPy array of recorded samples: two dimensions of <i2 are wanted.");
+    if (!shape) Throw(Say("{} is no NumPy array of recorded samples: two dimensions of <i2 are wanted.", Path_));
     Shape_ = *shape;
     if (Shape_.Channels < 1 || Shape_.Channels > ChannelsMax) {
-        Throw(fmt::format("{} has {} columns: a recording has 1 to {} channels.", Path_, Shape_.Channels, ChannelsMax));
+        Throw(Say("{} has {} columns: a recording has 1 to {} channels.", Path_, Shape_.Channels, ChannelsMax));
     }
     const int64_t bytes = LengthOf(File_.get()) - static_cast<int64_t>(Shape_.HeadSize);
     const int64_t whole = std::max<int64_t>(bytes, 0) / (static_cast<int64_t>(sizeof(int16_t)) * Shape_.Channels);
     Kadrs_ = std::min(Shape_.Kadrs, whole);
     if (Shape_.Kadrs > whole && cutOff == CutOff::Refused) {
-        Throw(fmt::format("{} is cut off: its head counts {} kadrs, and {} are there.", Path_, Shape_.Kadrs, whole));
+        Throw(Say("{} is cut off: its head counts {} kadrs, and {} are there.", Path_, Shape_.Kadrs, whole));
     }
 }
 
 void NpyRecording::ReadDescription() {
     const std::string path = DescriptionPath(Path_);
-    const File file = Open(path, " It belongs to the array, and says what its samples are.");
+    const File file = Open(path, ' ' + Say("It belongs to the array, and says what its samples are."));
     const int64_t length = LengthOf(file.get());
-    if (length < 0 || length > DescriptionSizeMax) Throw(path + " is too large for the description of a recording.");
+    if (length < 0 || length > DescriptionSizeMax)
+        Throw(Say("{} is too large for the description of a recording.", path));
     std::string text(static_cast<size_t>(length), '\0');
     text.resize(std::fread(text.data(), 1, text.size(), file.get()));
     try {
         Description_ = ParseDescription(text, Shape_.Kadrs, Shape_.Channels);
     } catch (const std::runtime_error& error) {
-        Throw(fmt::format("{} does not describe {}: {}.", path, Path_, error.what()));
+        Throw(Say("{} does not describe {}: {}.", path, Path_, error.what()));
     }
 }
 
@@ -75,7 +76,7 @@ void NpyRecording::Read(int64_t first, std::span<int16_t> samples) {
         std::fread(samples.data(), sizeof(int16_t), samples.size(), File_.get()) == samples.size()) {
         return;
     }
-    Throw(Path_ + " can't be read on.");
+    Throw(Say("{} can't be read on.", Path_));
 }
 
 void NpyRecording::Throw(const std::string& what) {

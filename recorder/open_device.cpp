@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "recorder/failure.h"
+#include "recorder/messages.h"
 
 namespace corvane::recorder {
 namespace {
@@ -10,13 +11,12 @@ namespace {
 void Choose(const Options& options, HostDevice& device) {
     const bool asks = options.Dialogs || options.Action == Command::Settings;
     if (asks && !HostDevice::HasDialogs()) {
-        throw Failure(ExitCode::Usage, "This build has no windows: use ltr27rec.exe on Windows.");
+        throw Failure(ExitCode::Usage, Say("This build has no windows: use ltr27rec.exe on Windows."));
     }
     device.SetInteractive(asks);
     if (!device.SetServer(options.Server)) {
-        throw Failure(
-            ExitCode::Usage,
-            fmt::format("--server {}: give an address of four numbers, for example 192.168.1.20.", options.Server));
+        throw Failure(ExitCode::Usage,
+                      Say("--server {}: give an address of four numbers, for example 192.168.1.20.", options.Server));
     }
     device.SetCrateSerial(options.Crate);
 }
@@ -35,20 +35,20 @@ std::string CrateOptions(std::string_view reason) {
 
 std::string WhyNone(const Options& options, const std::string& reason) {
     if (reason.starts_with("Several crates")) {
-        return "Several crates were found. Name one of them:" + CrateOptions(reason);
+        return Say("Several crates were found. Name one of them:{}", CrateOptions(reason));
     }
     const size_t found = reason.find("Found: ");
     if (reason.starts_with("There is no crate") && found != std::string::npos) {
-        return fmt::format("There is no crate with the serial number {}. Found:{}", options.Crate,
-                           CrateOptions(std::string_view(reason).substr(found)));
+        return Say("There is no crate with the serial number {}. Found:{}", options.Crate,
+                   CrateOptions(std::string_view(reason).substr(found)));
     }
     const std::string where =
-        options.Server.empty() ? "on this machine; --server names another one" : "at " + options.Server;
-    return fmt::format(
+        options.Server.empty() ? Say("on this machine; --server names another one") : Say("at {}", options.Server);
+    return Say(
         "No LTR27 module could be opened{}{}\nCheck that the LTR server is running ({}), that the crate is connected "
         "to "
         "it and switched on, and that an LTR27 module is in it.",
-        reason.empty() ? "." : ". ", reason, where);
+        reason.empty() ? "." : ". ", Translated(reason), where);
 }
 
 }  // namespace

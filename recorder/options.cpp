@@ -1,7 +1,5 @@
 #include "recorder/options.h"
 
-#include <corvane_version.h>
-#include <fmt/format.h>
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
@@ -11,49 +9,24 @@
 #include <set>
 #include <sstream>
 #include <string_view>
-#include <tuple>
 
 #include "recorder/failure.h"
 #include "recorder/file_names.h"
+#include "recorder/help.h"
+#include "recorder/messages.h"
 #include "recorder/output_file.h"
 
 namespace corvane::recorder {
 namespace {
 
-constexpr const char* Version = "ltr27rec " CORVANE_VERSION;
 constexpr double DurationMax = 10000 * 3600.0;  // s; over a year of recording is a typing mistake
 
 constexpr int64_t KadrsMax = 36000000000;  // as many as come in that time
 constexpr int64_t EveryMax = 1000000000;   // kadrs
 constexpr int64_t SplitBytesMin = 1000;
 
-constexpr const char* Footer = R"(Examples:
-  ltr27rec list
-  ltr27rec monitor --rate 50
-  ltr27rec record -o run.csv
-  ltr27rec record -d 8h --split 1h -o run.npy
-  ltr27rec convert run-003.npy --from 10m --to 11m --every 100 --minmax -o minute.csv
-  ltr27rec report run-003.npy -o run-003.html
-  ltr27rec record --channels 0-15,17 --rate 500 --duration 2m -o run.csv --plot run.svg
-  ltr27rec record --crate 3T123456 -c all -d 1h30m -o - | gzip > run.csv.gz
-  ltr27rec record --format influx -o - | your-program
-  ltr27rec settings
-
-Exit codes:
-  0    done
-  1    the command line is wrong, or asks for a window where the driver has none
-  2    the driver can't be loaded: not registered, or a library of the LTR software is missing
-  3    no crate or no module was found, or several crates and --crate names none of them
-  4    the recording could not be started
-  5    a file could not be written
-  6    not every kadr was measured, in order, and written: the end of the CSV file lists
-       what was not measured, and every other reason for doubt
-  7    a recording to convert or report can't be read, or its files contradict each other
-  130  ended by Ctrl+C; what was recorded until then is kept)";
-
-template <class... Arguments>
-[[noreturn]] void ThrowUsage(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
-    throw Failure(ExitCode::Usage, fmt::format(format, std::forward<Arguments>(arguments)...));
+[[noreturn]] void ThrowUsage(const std::string& what) {
+    throw Failure(ExitCode::Usage, what);
 }
 
 // The number that starts `text`, which is shortened by it. None when there is none.
@@ -87,7 +60,7 @@ double ParseRate(const std::string& text) {
     std::string_view rest = text;
     const auto rate = TakeNumber<double>(rest);
     if (!rate || !(rest.empty() || IsHz(rest)) || !std::isfinite(*rate) || *rate <= 0) {
-        ThrowUsage("--rate {}: give a number of Hz above 0, for example 500.", text);
+        ThrowUsage(Say("--rate {}: give a number of Hz above 0, for example 500.", text));
     }
     return *rate;
 }
@@ -103,6 +76,7 @@ struct RawOptions {
     std::string Format;
     std::string From;
     std::string To;
+    std::string Every = "1";
     bool Means = false;
     bool MinMax = false;
     std::string StallTimeout = "60s";
@@ -110,78 +84,96 @@ struct RawOptions {
 };
 
 void AddDeviceChoice(CLI::App* command, Options& options) {
-    command->add_option("--server", options.Server, "Address of the LTR server (default: this machine's)");
-    command->add_option("--crate", options.Crate, "Serial number of the crate, where the server has several");
-    command->add_flag("--dialogs", options.Dialogs, "Let the driver ask in windows of its own (Windows only)");
+    command->add_option("--server", options.Server, Say("Address of the LTR server (default: this machine's)"));
+    command->add_option("--crate", options.Crate, Say("Serial number of the crate, where the server has several"));
+    command->add_flag("--dialogs", options.Dialogs, Say("Let the driver ask in windows of its own (Windows only)"));
+}
+
+constexpr Text LanguageHelp = "Language of all that is said: en or ru (default: the user's)";
+constexpr Text ReportLanguageHelp =
+    "Language of all that is said, and in which the page opens: en or ru (default: the user's)";
+
+// TakeLanguage has understood it before: help tells of it here.
+void AddLanguage(CLI::App* app, RawOptions& raw, Text what) {
+    app->add_option("--lang", raw.Language, Say(what));
 }
 
 void AddText(CLI::App* command, RawOptions& raw, Options& options) {
     command->add_option("--csv", raw.Csv,
-                        "plain; excel: as Excel reads it with decimal points; excel-ru: with decimal commas");
+                        Say("plain; excel: as Excel reads it with decimal points; excel-ru: with decimal commas"));
     command->add_flag("--keep-filled", options.KeepFilled,
-                      "Where nothing was measured, write what the driver filled in, in place of empty cells");
-    command->add_flag("-q,--quiet", options.Quiet, "No progress, no summary; warnings and errors only");
+                      Say("Where nothing was measured, write what the driver filled in, in place of empty cells"));
+    command->add_flag("-q,--quiet", options.Quiet, Say("No progress, no summary; warnings and errors only"));
 }
 
 void AddTask(CLI::App* command, RawOptions& raw) {
     command
         ->add_option("-c,--channels", raw.Channels,
-                     "Channels: 0-15,17 or fitted or all; given again, it adds to them (default: fitted)")
+                     Say("Channels: 0-15,17 or fitted or all; given again, it adds to them (default: fitted)"))
         ->multi_option_policy(CLI::MultiOptionPolicy::Join);
-    command->add_option("-r,--rate", raw.Rate, "Kadrs per second, in Hz (default: what the driver is set to)");
+    command->add_option("-r,--rate", raw.Rate, Say("Kadrs per second, in Hz (default: what the driver is set to)"));
 }
 
 CLI::App* AddMonitor(CLI::App& app, RawOptions& raw, Options& options) {
-    CLI::App* monitor = app.add_subcommand("monitor", "Show the values of all channels while they come");
+    CLI::App* monitor = app.add_subcommand("monitor", Say("Show the values of all channels while they come"));
     AddTask(monitor, raw);
-    monitor->add_flag("--once", options.Once, "Print one table and end");
-    monitor->add_flag("--json", options.Json, "A line of JSON five times a second, or once, in place of a table");
+    monitor->add_flag("--once", options.Once, Say("Print one table and end"));
+    monitor->add_flag("--json", options.Json, Say("A line of JSON five times a second, or once, in place of a table"));
     return monitor;
 }
 
 CLI::App* AddRecord(CLI::App& app, RawOptions& raw, Options& options) {
-    CLI::App* record = app.add_subcommand("record", "Record channels to a file");
+    CLI::App* record = app.add_subcommand("record", Say("Record channels to a file"));
     AddTask(record, raw);
     CLI::Option* duration = record->add_option("-d,--duration", raw.Duration,
-                                               "500ms, 10s, 2m, 1h30m or plain seconds (default: until Ctrl+C)");
-    record->add_option("-n,--samples", raw.Samples, "In place of a duration: samples of each channel, that is, kadrs")
+                                               Say("500ms, 10s, 2m, 1h30m or plain seconds (default: until Ctrl+C)"));
+    record
+        ->add_option("-n,--samples", raw.Samples,
+                     Say("In place of a duration: samples of each channel, that is, kadrs"))
         ->excludes(duration);
     record
-        ->add_option("-o,--output", options.OutputPath,
-                     "File to write; it replaces an existing one when it is complete. NAME.npy: a NumPy array, with "
-                     "NAME.json beside it; any other name: text; -: text to standard output")
+        ->add_option(
+            "-o,--output", options.OutputPath,
+            Say("File to write; it replaces an existing one when it is complete. NAME.npy: a NumPy array, with "
+                "NAME.json beside it; any other name: text; -: text to standard output"))
         ->required();
     record->add_option("--format", raw.Format,
-                       "csv, npy or influx, InfluxDB's line protocol (default: npy for NAME.npy, else csv)");
+                       Say("csv, npy or influx, InfluxDB's line protocol (default: npy for NAME.npy, else csv)"));
     record->add_option("--split", raw.Split,
-                       "Begin a new file, NAME-002 and so on, after a time (1h) or before a size (1GB)");
-    record->add_option("-p,--plot", options.PlotPath, "SVG picture of the recording to write");
-    record->add_option("--stall-timeout", raw.StallTimeout,
-                       "End the recording when nothing is measured for so long; 0: wait till Ctrl+C (default: 60s)");
+                       Say("Begin a new file, NAME-002 and so on, after a time (1h) or before a size (1GB)"));
+    record->add_option("-p,--plot", options.PlotPath, Say("SVG picture of the recording to write"));
+    record->add_option(
+        "--stall-timeout", raw.StallTimeout,
+        Say("End the recording when nothing is measured for so long; 0: wait till Ctrl+C (default: 60s)"));
     AddText(record, raw, options);
     return record;
 }
 
 CLI::App* AddConvert(CLI::App& app, RawOptions& raw, Options& options) {
-    CLI::App* convert = app.add_subcommand("convert", "Turn a recording in a NumPy array into CSV");
-    convert->add_option("input", options.InputPath, "NAME.npy; NAME.json must lie beside it")->required();
+    CLI::App* convert = app.add_subcommand("convert", Say("Turn a recording in a NumPy array into CSV"));
+    convert->add_option(Say("input"), options.InputPath, Say("NAME.npy; NAME.json must lie beside it"))->required();
     convert
         ->add_option("-o,--output", options.OutputPath,
-                     "CSV file to write; it replaces an existing one when it is complete. -: standard output")
+                     Say("CSV file to write; it replaces an existing one when it is complete. -: standard output"))
         ->required();
-    convert->add_option("--from", raw.From, "Leave out what was recorded before this time: 90s, 1h30m");
-    convert->add_option("--to", raw.To, "Leave out what was recorded from this time on");
-    convert->add_option("--every", options.Every, "One row for so many kadrs, with the values of the first of them")
-        ->check(CLI::Range(int64_t{1}, EveryMax));
-    CLI::Option* means = convert->add_flag("--means", raw.Means, "With --every: the means of what was measured");
-    convert->add_flag("--minmax", raw.MinMax, "With --every: the lowest and the highest value of what was measured")
+    convert->add_option("--from", raw.From, Say("Leave out what was recorded before this time: 90s, 1h30m"));
+    convert->add_option("--to", raw.To, Say("Leave out what was recorded from this time on"));
+    convert->add_option("--every", raw.Every, Say("One row for so many kadrs, with the values of the first of them"));
+    CLI::Option* means = convert->add_flag("--means", raw.Means, Say("With --every: the means of what was measured"));
+    convert
+        ->add_flag("--minmax", raw.MinMax, Say("With --every: the lowest and the highest value of what was measured"))
         ->excludes(means);
     AddText(convert, raw, options);
     return convert;
 }
 
 CLI::App* AddDriver(CLI::App& app, Options& options) {
-    static constexpr std::tuple<const char*, const char*, DriverAction> Actions[] = {
+    struct Action {
+        const char* Flag;
+        Text Help;
+        DriverAction What;
+    };
+    static constexpr Action Actions[] = {
         {"--real", "Register the driver beside this program", DriverAction::Real},
         {"--simulator", "Register the one with simulated vendor libraries, to try it without a crate",
          DriverAction::Simulator},
@@ -191,28 +183,29 @@ CLI::App* AddDriver(CLI::App& app, Options& options) {
         {"--copy-libraries", "Copy the vendor's libraries beside the driver from where they are found",
          DriverAction::CopyLibraries},
         {"--programs", "List the programs that have the driver loaded", DriverAction::Programs}};
-    CLI::App* driver = app.add_subcommand("driver", "Show which driver hosts load, or choose it (Windows only)");
+    CLI::App* driver = app.add_subcommand("driver", Say("Show which driver hosts load, or choose it (Windows only)"));
     auto* actions = driver->add_option_group("actions");
-    for (const auto& [flag, text, action] : Actions) {
+    actions->option_defaults()->group(Say("One of these"));
+    for (const auto& [flag, help, action] : Actions) {
         actions->add_flag_callback(
-            flag, [&options, action = action] { options.Driver = action; }, text);
+            flag, [&options, action = action] { options.Driver = action; }, Say(help));
     }
     actions->require_option(0, 1);
-    driver->add_option("--folder", options.DriverFolder, "The driver's folder (default: that of this program)");
-    driver->add_flag("--this-user", options.ThisUser, "Register, or unregister, for this user only");
+    driver->add_option("--folder", options.DriverFolder, Say("The driver's folder (default: that of this program)"));
+    driver->add_flag("--this-user", options.ThisUser, Say("Register, or unregister, for this user only"));
     return driver;
 }
 
-CLI::App* AddReport(CLI::App& app, RawOptions& raw, Options& options) {
-    CLI::App* report = app.add_subcommand("report", "Turn a recording into an HTML page to look into");
-    report->add_option("input", options.InputPath, "NAME.npy, with NAME.json beside it, or a recorded CSV file")
+CLI::App* AddReport(CLI::App& app, Options& options) {
+    CLI::App* report = app.add_subcommand("report", Say("Turn a recording into an HTML page to look into"));
+    report
+        ->add_option(Say("input"), options.InputPath, Say("NAME.npy, with NAME.json beside it, or a recorded CSV file"))
         ->required();
     report
         ->add_option("-o,--output", options.OutputPath,
-                     "Page to write; it replaces an existing file when it is complete. -: standard output")
+                     Say("Page to write; it replaces an existing file when it is complete. -: standard output"))
         ->required();
-    report->add_option("--lang", raw.Language, "Language in which the page opens: en or ru (default: the user's)");
-    report->add_flag("-q,--quiet", options.Quiet, "No progress, no summary; warnings and errors only");
+    report->add_flag("-q,--quiet", options.Quiet, Say("No progress, no summary; warnings and errors only"));
     return report;
 }
 
@@ -220,14 +213,14 @@ CsvStyle ParseCsvStyle(const std::string& text) {
     if (text == "plain") return PlainCsv;
     if (text == "excel") return ExcelCsv;
     if (text == "excel-ru") return RussianExcelCsv;
-    ThrowUsage("--csv {}: give plain, excel or excel-ru.", text);
+    ThrowUsage(Say("--csv {}: give plain, excel or excel-ru.", text));
 }
 
-int64_t ParseSamples(const std::string& text) {
+int64_t ParseCount(const char* option, const std::string& text, int64_t max) {
     std::string_view rest = text;
     const auto count = TakeNumber<int64_t>(rest);
-    if (!count || !rest.empty() || *count < 1 || *count > KadrsMax) {
-        ThrowUsage("--samples {}: give a whole number above 0.", text);
+    if (!count || !rest.empty() || *count < 1 || *count > max) {
+        ThrowUsage(Say("{} {}: give a whole number from 1 to {}.", option, text, max));
     }
     return *count;
 }
@@ -242,12 +235,13 @@ FileFormat ParseFormat(const RawOptions& raw, const std::string& path) {
     const bool npy = IsNpy(path);
     if (raw.Format.empty()) return npy ? FileFormat::Npy : FileFormat::Csv;
     if (npy != (raw.Format == "npy")) {
-        ThrowUsage("--format {}: {} is a name for {}.", raw.Format, path, npy ? "an array" : "text; call it NAME.npy");
+        ThrowUsage(npy ? Say("--format {}: {} is a name for an array.", raw.Format, path)
+                       : Say("--format {}: {} is a name for text; call it NAME.npy.", raw.Format, path));
     }
     if (raw.Format == "npy") return FileFormat::Npy;
     if (raw.Format == "csv") return FileFormat::Csv;
     if (raw.Format == "influx") return FileFormat::Influx;
-    ThrowUsage("--format {}: give csv, npy or influx.", raw.Format);
+    ThrowUsage(Say("--format {}: give csv, npy or influx.", raw.Format));
 }
 
 void UnderstandTask(RawOptions& raw, Options& options) {
@@ -266,21 +260,24 @@ void UnderstandMonitor(RawOptions& raw, Options& options) {
 void UnderstandRecord(RawOptions& raw, Options& options) {
     options.Action = Command::Record;
     UnderstandTask(raw, options);
-    options.Kadrs = raw.Samples.empty() ? UntilInterrupted : ParseSamples(raw.Samples);
+    options.Kadrs = raw.Samples.empty() ? UntilInterrupted : ParseCount("--samples", raw.Samples, KadrsMax);
     if (!raw.Duration.empty()) options.Duration = ParseDuration(raw.Duration);
-    if (options.Duration && *options.Duration <= 0) ThrowUsage("--duration {}: must be above 0.", raw.Duration);
+    if (options.Duration && *options.Duration <= 0) ThrowUsage(Say("--duration {}: must be above 0.", raw.Duration));
     options.Csv = ParseCsvStyle(raw.Csv);
     options.Format = ParseFormat(raw, options.OutputPath);
     const bool npy = options.Format == FileFormat::Npy;
     if (options.Format != FileFormat::Csv && raw.Csv != "plain") {
-        ThrowUsage("--csv is for CSV: {} becomes {}.", options.OutputPath, npy ? "an array" : "line protocol");
+        ThrowUsage(npy ? Say("--csv is for CSV: {} becomes an array.", options.OutputPath)
+                       : Say("--csv is for CSV: {} becomes line protocol.", options.OutputPath));
     }
     if (!raw.Split.empty()) options.Split = ParseSplit(raw.Split);
-    if (options.Split && options.OutputPath == StandardOutput) ThrowUsage("--split needs files: give a name with -o.");
-    if (options.PlotPath == StandardOutput) ThrowUsage("--plot needs a file: only the data can go to standard output.");
+    if (options.Split && options.OutputPath == StandardOutput)
+        ThrowUsage(Say("--split needs files: give a name with -o."));
+    if (options.PlotPath == StandardOutput)
+        ThrowUsage(Say("--plot needs a file: only the data can go to standard output."));
     if (npy && EndsWithJson(options.PlotPath)) {
-        ThrowUsage("--plot {}: a .json file beside the array says what is in it. Name the picture .svg.",
-                   options.PlotPath);
+        ThrowUsage(Say("--plot {}: a .json file beside the array says what is in it. Name the picture .svg.",
+                       options.PlotPath));
     }
 }
 
@@ -289,18 +286,16 @@ void UnderstandConvert(const RawOptions& raw, Options& options) {
     options.Csv = ParseCsvStyle(raw.Csv);
     if (!raw.From.empty()) options.From = ParseDuration(raw.From);
     if (!raw.To.empty()) options.To = ParseDuration(raw.To);
-    if (options.To && *options.To <= options.From) ThrowUsage("--to {}: must be later than --from.", raw.To);
-    if (IsNpy(options.OutputPath)) ThrowUsage("{}: convert writes CSV.", options.OutputPath);
-    if ((raw.Means || raw.MinMax) && options.Every == 1) ThrowUsage("--means and --minmax need --every N.");
+    if (options.To && *options.To <= options.From) ThrowUsage(Say("--to {}: must be later than --from.", raw.To));
+    if (IsNpy(options.OutputPath)) ThrowUsage(Say("{}: convert writes CSV.", options.OutputPath));
+    options.Every = ParseCount("--every", raw.Every, EveryMax);
+    if ((raw.Means || raw.MinMax) && options.Every == 1) ThrowUsage(Say("--means and --minmax need --every N."));
     options.ThinBy = raw.Means ? Thinning::Means : raw.MinMax ? Thinning::MinMax : Thinning::First;
 }
 
-void UnderstandReport(const RawOptions& raw, Options& options) {
+void UnderstandReport(Options& options) {
     options.Action = Command::Report;
-    if (IsNpy(options.OutputPath)) ThrowUsage("{}: report writes HTML.", options.OutputPath);
-    if (raw.Language.empty()) return;
-    if (raw.Language != "en" && raw.Language != "ru") ThrowUsage("--lang {}: give en or ru.", raw.Language);
-    options.Russian = raw.Language == "ru";
+    if (IsNpy(options.OutputPath)) ThrowUsage(Say("{}: report writes HTML.", options.OutputPath));
 }
 
 }  // namespace
@@ -314,11 +309,11 @@ SplitChoice ParseSplit(const std::string& text) {
         if (!number || rest != unit) continue;
         const double size = *number * bytes;
         if (size >= SplitBytesMin && size <= 1e18) return {0, static_cast<int64_t>(size)};
-        ThrowUsage("--split {}: give a size of 1 kB or more.", text);
+        ThrowUsage(Say("--split {}: give a size of 1 kB or more.", text));
     }
-    if (rest.ends_with('B')) ThrowUsage("--split {}: sizes are in kB, MB, GB or TB.", text);
+    if (rest.ends_with('B')) ThrowUsage(Say("--split {}: sizes are in kB, MB, GB or TB.", text));
     const SplitChoice choice = {ParseDuration(text), 0};
-    if (choice.Seconds <= 0) ThrowUsage("--split {}: must be above 0.", text);
+    if (choice.Seconds <= 0) ThrowUsage(Say("--split {}: must be above 0.", text));
     return choice;
 }
 
@@ -333,9 +328,9 @@ ChannelChoice ParseChannelList(const std::string& text) {
             choice.Fitted = true;
         } else if (!AddChannels(item, choice.Numbers)) {
             ThrowUsage(
-                "--channels {}: \"{}\" is no channel number or ascending range. Write it like 0-15,17 or fitted or "
-                "all.",
-                text, item);
+                Say("--channels {}: \"{}\" is no channel number or ascending range. Write it like 0-15,17 or fitted or "
+                    "all.",
+                    text, item));
         }
         if (comma == std::string_view::npos) return choice;
         rest.remove_prefix(comma + 1);
@@ -354,39 +349,46 @@ double ParseDuration(const std::string& text) {
         const auto* unit = std::ranges::find_if(Units, [&](const auto& each) { return rest.starts_with(each.first); });
         const bool seconds = first && rest.empty();
         if (!number || !(*number >= 0) || (unit == std::end(Units) && !seconds)) {
-            ThrowUsage("{}: not understood as a time. Write it like 500ms, 10s, 2m, 1.5h or 1h30m.", text);
+            ThrowUsage(Say("{}: not understood as a time. Write it like 500ms, 10s, 2m, 1.5h or 1h30m.", text));
         }
         duration += *number * (seconds ? 1 : unit->second);
         if (!seconds) rest.remove_prefix(unit->first.size());
     } while (!rest.empty());
     if (duration <= DurationMax) return duration;
-    ThrowUsage("{}: a time is between 0 and 10000h.", text);
+    ThrowUsage(Say("{}: a time is between 0 and 10000h.", text));
 }
 
-Options ParseCommandLine(const std::vector<std::string>& arguments) {
+Options ParseCommandLine(std::vector<std::string> arguments) {
     Options options;
     RawOptions raw;
-    CLI::App app("Records LTR27 channels through the Corvane driver.", "ltr27rec");
-    app.footer(Footer);
-    app.set_version_flag("--version", Version);
+    TakeLanguage(arguments);
+    CLI::App app(Say("Records LTR27 channels through the Corvane driver."), "ltr27rec");
+    SpeakUserLanguage(app);
     app.require_subcommand(1);
-    CLI::App* list = app.add_subcommand("list", "Show the device and its channels");
-    CLI::App* settings = app.add_subcommand("settings", "Open the driver's setup dialog (Windows only)");
+    AddLanguage(&app, raw, LanguageHelp);
+    CLI::App* list = app.add_subcommand("list", Say("Show the device and its channels"));
+    CLI::App* settings = app.add_subcommand("settings", Say("Open the driver's setup dialog (Windows only)"));
     CLI::App* record = AddRecord(app, raw, options);
     CLI::App* monitor = AddMonitor(app, raw, options);
     for (CLI::App* command : {list, settings, record, monitor}) AddDeviceChoice(command, options);
     CLI::App* convert = AddConvert(app, raw, options);
-    CLI::App* report = AddReport(app, raw, options);
+    CLI::App* report = AddReport(app, options);
     CLI::App* driver = AddDriver(app, options);
-    CLI::App* doctor = app.add_subcommand("doctor", "Find out whether a recording would work, and what to do if not");
+    CLI::App* doctor =
+        app.add_subcommand("doctor", Say("Find out whether a recording would work, and what to do if not"));
     AddDeviceChoice(doctor, options);
-    doctor->add_flag("--json", options.Json, "What was found, as JSON");
+    doctor->add_flag("--json", options.Json, Say("What was found, as JSON"));
     const std::array commands = {list, monitor, record, convert, report, settings, driver, doctor};
     std::string names;
-    for (const CLI::App* each : commands) names += (names.empty() ? "" : ", ") + each->get_name();
+    for (CLI::App* each : commands) {
+        names += (names.empty() ? "" : ", ") + each->get_name();
+        each->group(Say("Commands"));
+        each->get_help_ptr()->group(Say("Options"));  // it was there before the defaults
+        AddLanguage(each, raw, each == report ? ReportLanguageHelp : LanguageHelp);
+    }
     if (!arguments.empty() && !arguments.front().starts_with('-') &&
         std::ranges::none_of(commands, [&](const CLI::App* each) { return each->get_name() == arguments.front(); })) {
-        ThrowUsage("There is no command \"{}\", only {}. Run ltr27rec --help for help.", arguments.front(), names);
+        ThrowUsage(Say("There is no command \"{}\", only {}. Run ltr27rec --help for help.", arguments.front(), names));
     }
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // it takes them from the back
@@ -397,14 +399,14 @@ Options ParseCommandLine(const std::vector<std::string>& arguments) {
         return options;
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty()) {
-            ThrowUsage("Give a command: {}. Run ltr27rec --help for help.", names);
+            ThrowUsage(Say("Give a command: {}. Run ltr27rec --help for help.", names));
         }
-        ThrowUsage("{}\nRun ltr27rec --help for help.", error.what());
+        ThrowUsage(Say("{}\nRun ltr27rec --help for help.", Translated(error.what())));
     }
     if (monitor->parsed()) UnderstandMonitor(raw, options);
     if (record->parsed()) UnderstandRecord(raw, options);
     if (convert->parsed()) UnderstandConvert(raw, options);
-    if (report->parsed()) UnderstandReport(raw, options);
+    if (report->parsed()) UnderstandReport(options);
     if (settings->parsed()) options.Action = Command::Settings;
     if (driver->parsed()) options.Action = Command::Driver;
     if (doctor->parsed()) options.Action = Command::Doctor;

@@ -74,9 +74,6 @@ struct Options {
     // Convert and Report
     std::string InputPath;
 
-    // Report
-    std::optional<bool> Russian;  // else English; none: as the user reads
-
     // Convert
     double From = 0;           // s, of the first kadr
     std::optional<double> To;  // s, behind the last kadr; none: all
@@ -89,8 +86,9 @@ struct Options {
     std::string DriverFolder;  // where the driver lies; empty: beside this program
 };
 
-// `arguments` without the program's name. What can't be understood throws Failure with ExitCode::Usage.
-Options ParseCommandLine(const std::vector<std::string>& arguments);
+// `arguments` without the program's name. Chooses the language of all that is said, where they name one. What can't be
+// understood throws Failure with ExitCode::Usage.
+Options ParseCommandLine(std::vector<std::string> arguments);
 
 // "0-15,17", "fitted", "all" and any of them together. Throws as above.
 ChannelChoice ParseChannelList(const std::string& text);

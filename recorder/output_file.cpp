@@ -6,6 +6,7 @@
 #include "recorder/console.h"
 #include "recorder/failure.h"
 #include "recorder/file_system.h"
+#include "recorder/messages.h"
 
 namespace corvane::recorder {
 namespace {
@@ -20,7 +21,7 @@ bool Empty(std::FILE* file) {
 }  // namespace
 
 OutputFile::OutputFile(const std::string& path, const std::string& beside, const OutputFile* whileOpen)
-    : Path_(path == StandardOutput ? "Standard output" : path), Target_(FollowLinks(path)), Beside_(beside) {
+    : Path_(path == StandardOutput ? Say("Standard output") : path), Target_(FollowLinks(path)), Beside_(beside) {
     Buffer_.reserve(2 * LargeBuffer);
     if (path == StandardOutput) return;
     if (whileOpen != nullptr) RefuseSameFile(*whileOpen);
@@ -31,7 +32,7 @@ OutputFile::OutputFile(const std::string& path, const std::string& beside, const
         return;
     }
     File_.reset(OpenForWriting(Target_));
-    if (!File_) ThrowFailure(Path_ + " can't be opened for writing");
+    if (!File_) ThrowFailure(Say("{} can't be opened for writing", Path_));
 }
 
 OutputFile::~OutputFile() {
@@ -41,29 +42,29 @@ OutputFile::~OutputFile() {
         Remove(Part_);
         return;
     }
-    WriteText(stderr, fmt::format("What was written until then is in {}.\n", Part_));
+    WriteText(stderr, Say("What was written until then is in {}.", Part_) + '\n');
 }
 
 void OutputFile::RefuseDevice() const {
     if (!Part_.empty()) return;
-    throw Failure(ExitCode::Output, fmt::format("{} is a device or a pipe: this recording needs a file.", Path_));
+    throw Failure(ExitCode::Output, Say("{} is a device or a pipe: this recording needs a file.", Path_));
 }
 
 void OutputFile::RefuseSameFile(const OutputFile& other) const {
     const std::string part = Target_ + ".part";
     if (!SameFile(Target_, other.Target_) && (other.Part_.empty() || !SameFile(part, other.Part_))) return;
     throw Failure(ExitCode::Usage,
-                  fmt::format("--output {} and --plot {} are one file: give them different ones.", other.Path_, Path_));
+                  Say("--output {} and --plot {} are one file: give them different ones.", other.Path_, Path_));
 }
 
 void OutputFile::RefuseIrreplaceable(const std::string& target) const {
     const FileKind kind = KindOf(target);
     const std::string& name = target == Target_ ? Path_ : target;
     if (kind == FileKind::Folder) {
-        throw Failure(ExitCode::Output, fmt::format("{} is a folder. Give the name of a file in it.", name));
+        throw Failure(ExitCode::Output, Say("{} is a folder. Give the name of a file in it.", name));
     }
     if (kind == FileKind::File && !MayReplace(target)) {
-        ThrowFailure(fmt::format("{} can't be replaced: it is write-protected or open in another program", name));
+        ThrowFailure(Say("{} can't be replaced: it is write-protected or open in another program", name));
     }
 }
 
@@ -74,15 +75,15 @@ void OutputFile::OpenPart() {
         bool taken = false;
         File_.reset(OpenAlone(part, taken));
         if (taken) {
-            throw Failure(ExitCode::Output,
-                          fmt::format("Another recorder is writing {}. Give this one another file.", Path_));
+            throw Failure(ExitCode::Output, Say("Another recorder is writing {}. Give this one another file.", Path_));
         }
-        if (!File_) ThrowFailure(Path_ + " can't be created. Choose a folder that exists and that you may write to");
+        if (!File_)
+            ThrowFailure(Say("{} can't be created. Choose a folder that exists and that you may write to", Path_));
         Part_ = part;
         if (Empty(File_.get())) return;
         PutAside();
     }
-    ThrowFailure(part + " can't be used: another program keeps it");
+    ThrowFailure(Say("{} can't be used: another program keeps it", part));
 }
 
 // The lock on the file is kept meanwhile: another recorder that starts now can't mistake a new file for the old one.
@@ -93,11 +94,12 @@ void OutputFile::PutAside() const {
         if (KindOf(name) != FileKind::None || (!Beside_.empty() && KindOf(beside) != FileKind::None)) continue;
         if (!Move(Part_, name)) break;
         if (!Beside_.empty() && KindOf(BesidePart()) != FileKind::None && !Move(BesidePart(), beside)) break;
-        WriteText(stderr, fmt::format("A recording of {} was ended by force; what there is of it is now in {}.\n",
-                                      Path_, name));
+        WriteText(stderr,
+                  Say("A recording of {} was ended by force; what there is of it is now in {}.", Path_, name) + '\n');
         return;
     }
-    ThrowFailure(Part_ + " holds a recording that was ended by force, and can't be put aside: rename or delete it");
+    ThrowFailure(
+        Say("{} holds a recording that was ended by force, and can't be put aside: rename or delete it", Part_));
 }
 
 void OutputFile::WriteWhenLarge() {
@@ -127,19 +129,19 @@ void OutputFile::Overwrite(const std::string& start) {
 void OutputFile::Complete() {
     Write();
     if (!File_) return;
-    if (!Flush(File_.get())) ThrowFailure(Path_ + " can't be completed. Free some disk space");
+    if (!Flush(File_.get())) ThrowFailure(Say("{} can't be completed. Free some disk space", Path_));
     const std::string part = std::exchange(Part_, "");
     if (!part.empty() && !MoveOver(part, Target_)) {
-        ThrowFailure(fmt::format("{} can't be replaced. Everything is in {}: rename it", Path_, part));
+        ThrowFailure(Say("{} can't be replaced. Everything is in {}: rename it", Path_, part));
     }
     if (!Beside_.empty() && !MoveOver(BesidePart(), Beside_)) {
-        ThrowFailure(fmt::format("{} can't be replaced. Everything is in {}: rename it", Beside_, BesidePart()));
+        ThrowFailure(Say("{} can't be replaced. Everything is in {}: rename it", Beside_, BesidePart()));
     }
-    if (std::fclose(File_.release()) != 0) ThrowFailure(Path_ + " can't be completed. Free some disk space");
+    if (std::fclose(File_.release()) != 0) ThrowFailure(Say("{} can't be completed. Free some disk space", Path_));
 }
 
 void OutputFile::ThrowNotWritten(const std::string& path) {
-    ThrowFailure(path + " can't be written on. See that there is room, and that nobody closes it");
+    ThrowFailure(Say("{} can't be written on. See that there is room, and that nobody closes it", path));
 }
 
 void OutputFile::ThrowFailure(const std::string& what) {

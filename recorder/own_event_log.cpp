@@ -27,8 +27,8 @@ OwnEventLog::~OwnEventLog() {
     std::filesystem::remove(File_, none);
 }
 
-std::string OwnEventLog::OfSearch() const {
-    std::string text;
+std::vector<std::string> OwnEventLog::OfSearch() const {
+    std::vector<std::string> lines;
     std::ifstream file(File_);
     for (std::string line; std::getline(file, line);) {
         if (line.ends_with('\r')) line.pop_back();
@@ -36,11 +36,9 @@ std::string OwnEventLog::OfSearch() const {
         const size_t words = process == std::string::npos ? process : line.find(' ', process + 1);
         if (words == std::string::npos) continue;
         const std::string said = line.substr(words + 1);
-        for (const char* subject : {"server ", "slot "}) {
-            if (said.starts_with(subject)) text += (text.empty() ? "" : "\n") + said;
-        }
+        if (said.starts_with("server ") || said.starts_with("slot ")) lines.push_back(said);
     }
-    return text;
+    return lines;
 }
 
 }  // namespace corvane::recorder

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace corvane::recorder {
 
@@ -14,9 +15,9 @@ public:
     OwnEventLog(const OwnEventLog&) = delete;
     OwnEventLog& operator=(const OwnEventLog&) = delete;
 
-    // What the driver said of servers, and of modules that can't be opened, in lines without their time; empty: the
-    // file can't be read.
-    std::string OfSearch() const;
+    // What the driver said of servers, "server ...", and of modules that can't be opened, "slot ...": lines without
+    // their time. None: the file can't be read.
+    std::vector<std::string> OfSearch() const;
 
 private:
     std::filesystem::path File_;

@@ -4,7 +4,9 @@
 #include <algorithm>
 
 #include "recorder/console.h"
+#include "recorder/messages.h"
 #include "recorder/options.h"
+#include "recorder/text_columns.h"
 
 namespace corvane::recorder {
 
@@ -13,8 +15,8 @@ namespace {
 // From an hour on tenths are of no use, and many seconds are hard to read.
 std::string Elapsed(double seconds) {
     const auto whole = static_cast<int64_t>(seconds);
-    if (whole < 3600) return fmt::format("{:.1f} s", seconds);
-    return fmt::format("{}:{:02}:{:02} h", whole / 3600, whole / 60 % 60, whole % 60);
+    if (whole < 3600) return Say("{:.1f} s", seconds);
+    return Say("{}:{:02}:{:02} h", whole / 3600, whole / 60 % 60, whole % 60);
 }
 
 }  // namespace
@@ -23,17 +25,18 @@ std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, std
                          size_t columns) {
     constexpr size_t BarMin = 5, BarMax = 20, BarEnds = 3;
     const bool endless = wantedKadrs == UntilInterrupted;
-    std::string line = endless ? fmt::format("{} kadrs", kadrs)
-                               : fmt::format("{:3} %  {} of {} kadrs", kadrs * 100 / wantedKadrs, kadrs, wantedKadrs);
+    std::string line =
+        endless ? Say("{} kadrs", kadrs) : Say("{:3} %  {} of {} kadrs", kadrs * 100 / wantedKadrs, kadrs, wantedKadrs);
     line += "  " + Elapsed(seconds);
-    if (unreadKadrs) line += fmt::format("  {} unread", *unreadKadrs);
+    if (unreadKadrs) line += "  " + Say("{} unread", *unreadKadrs);
     if (columns == 0) return line;
-    if (!endless && line.size() + BarEnds + BarMin <= columns) {
-        const size_t bar = std::min(BarMax, columns - line.size() - BarEnds);
+    const size_t length = ColumnsOf(line);
+    if (!endless && length + BarEnds + BarMin <= columns) {
+        const size_t bar = std::min(BarMax, columns - length - BarEnds);
         const auto done = static_cast<size_t>(kadrs * static_cast<int64_t>(bar) / wantedKadrs);
         line.insert(0, fmt::format("[{:<{}}] ", std::string(done, '#'), bar));
     }
-    return line.substr(0, columns);
+    return ColumnsOf(line) > columns ? Fitted(line, columns) : line;
 }
 
 Progress::Progress(int64_t wantedKadrs, bool quiet)
@@ -48,7 +51,7 @@ void Progress::Show(int64_t kadrs, std::optional<int32_t> unreadKadrs) {
     const size_t columns = Terminal_ ? std::min<size_t>(TerminalSize(stderr).Columns, 80) - 1 : 0;
     const std::string line = ProgressLine(kadrs, WantedKadrs_, seconds, unreadKadrs, columns);
     // Spaces cover what a longer line left.
-    WriteText(stderr, Terminal_ ? fmt::format("\r{:<{}}", line, columns) : line + '\n');
+    WriteText(stderr, Terminal_ ? '\r' + Fitted(line, columns) : line + '\n');
     LineOpen_ = Terminal_;
 }
 

@@ -14,7 +14,7 @@ ExitCode Record(const Options& options, HostDevice& device) {
     RecordingFiles files(options, task, summary, gaps, check);
     Progress progress(task.WantedKadrs, options.Quiet);
     TellDifferences(options, task, progress);
-    if (const std::string advice = UnitsAdvice(task.Channels); !advice.empty()) progress.Warn(advice);
+    if (const std::string advice = UnitsAdvice(UserLanguage(), task.Channels); !advice.empty()) progress.Warn(advice);
     StartRecording(device);
     files.Begin();
     const Verdict verdict = RecordingLoop(options.StallTimeout, device, task, files, gaps, check, progress).Run();

@@ -5,8 +5,8 @@
 namespace corvane::recorder {
 
 std::vector<std::string> Recording::Lines() const {
-    std::vector<std::string> lines = {"Device: " + Device.Device()};
-    const std::vector<std::string> device = Device.Lines();
+    std::vector<std::string> lines = {"Device: " + Device.Device(Language::English)};
+    const std::vector<std::string> device = Device.Lines(Language::English);
     lines.insert(lines.end(), device.begin(), device.end());
     lines.push_back("Start: " + Start);
     lines.push_back(fmt::format("Rate: {:.6g} Hz", Task.Rate));

@@ -1,6 +1,5 @@
 #include "recorder/recording_files.h"
 
-#include <fmt/format.h>
 #include <algorithm>
 #include <cmath>
 
@@ -38,7 +37,7 @@ RecordingFiles::RecordingFiles(const Options& options, const RecordingTask& task
     : Options_(options),
       Gaps_(gaps),
       Check_(check),
-      Recording_{summary, task, "", {}, UnitsAdvice(task.Channels), options.Split ? 1 : 0, 0},
+      Recording_{summary, task, "", {}, UnitsAdvice(Language::English, task.Channels), options.Split ? 1 : 0, 0},
       File_(Open(Recording_.Part)),
       Envelope_(MissingBits(task.Channels)) {
     if (!options.PlotPath.empty()) PlotFile_.emplace(options.PlotPath, "", &File_->Output());
@@ -116,7 +115,7 @@ void RecordingFiles::Finish(const Verdict& verdict) {
 
 std::string RecordingFiles::Names() const {
     if (Recording_.Part <= 1) return File_->Output().Path();
-    return PartName(Options_.OutputPath, 1) + " to " + File_->Output().Path();
+    return Say("{} to {}", PartName(Options_.OutputPath, 1), File_->Output().Path());
 }
 
 Verdict RecordingFiles::VerdictSoFar(End end) const {
@@ -131,11 +130,11 @@ Verdict RecordingFiles::OfThisFile(Verdict verdict) const {
 
 void RecordingFiles::WritePlot(std::span<const Gap> gaps) {
     const std::string details =
-        fmt::format("{}, {:.6g} Hz, {}", Recording_.Start, Recording_.Task.Rate, Counted(Envelope_.Kadrs(), "kadr"));
+        Say("{}, {:.6g} Hz, {}", Recording_.Start, Recording_.Task.Rate, Counted(Envelope_.Kadrs(), KadrNoun));
     DeviceSummary device = Recording_.Device;
     for (Library& library : device.Libraries) library.File.clear();  // a long path, which only its own machine minds
-    const std::vector<std::string> notes = Paragraph(device.Lines());
-    PlotFile_->Buffer() = RenderPlot({.Title = Recording_.Device.Device(),
+    const std::vector<std::string> notes = Paragraph(device.Lines(UserLanguage()));
+    PlotFile_->Buffer() = RenderPlot({.Title = Recording_.Device.Device(UserLanguage()),
                                       .Details = details,
                                       .Rate = Recording_.Task.Rate,
                                       .Channels = Recording_.Task.Channels,

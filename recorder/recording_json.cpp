@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "recorder/messages.h"
 #include "recorder/recorded_gaps.h"
 #include "recorder/taken_kadrs.h"
 
@@ -100,8 +101,12 @@ std::string TextIn(const Json& object, const char* key) {
     return text;
 }
 
-void Require(bool condition, const char* what) {
-    if (!condition) throw std::runtime_error(what);
+void Require(bool condition, const std::string& key) {
+    if (!condition) throw std::runtime_error(key);
+}
+
+void Require(bool condition, Text what) {
+    if (!condition) throw std::runtime_error(Say(what));
 }
 
 int64_t CountIn(const Json& object, const char* key, int64_t max) {
@@ -124,7 +129,7 @@ Channel ChannelIn(const Json& json) {
     channel.Unit = TextIn(json, "unit");
     channel.Scale = NumberIn(json, "scale");
     channel.Offset = NumberIn(json, "offset");
-    Require(std::isnormal(channel.Scale) && std::isfinite(channel.Offset), "scale or offset");
+    Require(std::isnormal(channel.Scale) && std::isfinite(channel.Offset), Text("scale or offset"));
     return channel;
 }
 
@@ -140,7 +145,7 @@ DeviceSummary DeviceIn(const Json& json) {
         device.Modules.push_back({TextIn(module, "name"), known ? std::to_string(CountIn(module, "slot", SlotMax)) : "",
                                   TextIn(module, "serial"), TextIn(module, "firmware")});
     }
-    Require(device.Modules.size() <= ModulesMax, "modules: too many");
+    Require(device.Modules.size() <= ModulesMax, Text("modules: too many"));
     device.StartMark = TextIn(json, "start_mark");
     for (const Json& library : json.at("libraries")) {
         device.Libraries.push_back({TextIn(library, "name"), TextIn(library, "version"), TextIn(library, "file"),
@@ -152,9 +157,10 @@ DeviceSummary DeviceIn(const Json& json) {
 RecordingTask TaskIn(const Json& json, int64_t channels) {
     RecordingTask task;
     task.Rate = NumberIn(json, "rate_hz");
-    Require(task.Rate >= RateMin && task.Rate <= RateMax, "rate_hz");
+    Require(task.Rate >= RateMin && task.Rate <= RateMax, std::string("rate_hz"));
     for (const Json& channel : json.at("channels")) task.Channels.push_back(ChannelIn(channel));
-    Require(static_cast<int64_t>(task.Channels.size()) == channels, "channels: not as many as the array has columns");
+    Require(static_cast<int64_t>(task.Channels.size()) == channels,
+            Text("channels: not as many as the array has columns"));
     const Json& wanted = json.at("kadrs_wanted");
     task.WantedKadrs = wanted.is_null() ? UntilInterrupted : CountIn(json, "kadrs_wanted", UntilInterrupted);
     for (const Channel& channel : task.Channels) {
@@ -179,13 +185,14 @@ Verdict VerdictIn(const Json& json, const Recording& recording, int64_t kadrs) {
     for (const auto& [end, text] : Endings) {
         if (ended == text) verdict.HowItEnded = end;
     }
-    Require(ended.empty() || verdict.HowItEnded != End::Unknown, "ended");
-    Require(ended.empty() || CountIn(json, "kadrs", KadrsMax) == kadrs, "kadrs: not as many as the array has rows");
+    Require(ended.empty() || verdict.HowItEnded != End::Unknown, std::string("ended"));
+    Require(ended.empty() || CountIn(json, "kadrs", KadrsMax) == kadrs,
+            Text("kadrs: not as many as the array has rows"));
     verdict.Reason = TextIn(json, "reason");
     verdict.Kadrs = recording.FirstKadr + kadrs;
     verdict.WantedKadrs = recording.Task.WantedKadrs;
     for (const Json& doubt : json.at("doubts")) verdict.Doubts.push_back(TextIn({{"doubt", doubt}}, "doubt"));
-    Require(json.at("gaps").size() <= RecordedGaps::KeptMax + ModulesMax, "gaps: too many");
+    Require(json.at("gaps").size() <= RecordedGaps::KeptMax + ModulesMax, Text("gaps: too many"));
     for (const Json& gap : json.at("gaps")) {
         const Gap one = {static_cast<int32_t>(CountIn(gap, "module", ModulesMax - 1)),
                          CountIn(gap, "first_kadr", KadrsMax), CountIn(gap, "kadrs", KadrsMax), ReasonIn(gap)};
@@ -232,11 +239,11 @@ std::string DescriptionText(const Recording& recording, const Verdict& verdict, 
 
 Description ParseDescription(std::string_view text, int64_t kadrs, int64_t channels) try {
     const auto shallow = [](int depth, Json::parse_event_t, Json&) {
-        Require(depth <= DepthMax, "nested too deeply");
+        Require(depth <= DepthMax, Text("nested too deeply"));
         return true;
     };
     const Json json = Json::parse(text, shallow);
-    Require(CountIn(json, "format", INT64_MAX) == FormatVersion, "format: made by another version");
+    Require(CountIn(json, "format", INT64_MAX) == FormatVersion, Text("format: made by another version"));
     Description description;
     Recording& recording = description.Recording;
     recording.Device = DeviceIn(json);
@@ -245,7 +252,8 @@ Description ParseDescription(std::string_view text, int64_t kadrs, int64_t chann
     recording.Note = TextIn(json, "note");
     recording.Part = static_cast<int>(CountIn(json, "part", INT32_MAX));
     recording.FirstKadr = CountIn(json, "first_kadr", KadrsMax);
-    Require(static_cast<double>(recording.FirstKadr + kadrs) <= SecondsMax * recording.Task.Rate, "first_kadr");
+    Require(static_cast<double>(recording.FirstKadr + kadrs) <= SecondsMax * recording.Task.Rate,
+            std::string("first_kadr"));
     description.Verdict = VerdictIn(json, recording, kadrs);
     description.RecordedBy = TextIn(json, "recorder");
     return description;

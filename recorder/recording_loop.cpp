@@ -1,11 +1,11 @@
 #include "recorder/recording_loop.h"
 
-#include <fmt/format.h>
 #include <algorithm>
 #include <span>
 #include <thread>
 
 #include "recorder/console.h"
+#include "recorder/messages.h"
 #include "recorder/taken_kadrs.h"
 
 namespace corvane::recorder {
@@ -98,14 +98,15 @@ bool RecordingLoop::Stalled() {
     if (StallTimeout_ > 0 && silence >= StallTimeout_) return true;
     if (silence < StallWarning || StallWarned_) return false;
     StallWarned_ = true;
-    const char* what = Kadrs_ == 0 ? "No data" : "Nothing measured";
-    const char* advice = Kadrs_ == 0 ? "If the START mark is to come from outside (DIGIN1 or DIGIN2), it has not come "
-                                       "yet; otherwise the module sends nothing: check the crate and the LTR server."
-                                     : "Check the crate, its cable and the LTR server.";
-    const std::string then = StallTimeout_ > 0
-                                 ? fmt::format("Giving up after {:.6g} s; Ctrl+C ends now.", StallTimeout_)
-                                 : "Waiting on; Ctrl+C ends the recording.";
-    Progress_.Warn(fmt::format("{} for {:.0f} s. {} {}", what, StallWarning, advice, then));
+    const std::string what =
+        Kadrs_ == 0
+            ? Say("No data for {:.0f} s. If the START mark is to come from outside (DIGIN1 or DIGIN2), it has "
+                  "not come yet; otherwise the module sends nothing: check the crate and the LTR server.",
+                  StallWarning)
+            : Say("Nothing measured for {:.0f} s. Check the crate, its cable and the LTR server.", StallWarning);
+    const std::string then = StallTimeout_ > 0 ? Say("Giving up after {:.6g} s; Ctrl+C ends now.", StallTimeout_)
+                                               : Say("Waiting on; Ctrl+C ends the recording.");
+    Progress_.Warn(what + ' ' + then);
     return false;
 }
 
@@ -113,15 +114,17 @@ void RecordingLoop::WarnOnDoubt() {
     if (DoubtWarned_) return;
     for (const std::string& doubt : Check_.Doubts()) {
         DoubtWarned_ = true;
-        Progress_.Warn("Warning, so far: " + doubt);
+        Progress_.Warn(Say("Warning, so far: {}", Translated(doubt)));
     }
 }
 
+// In English, as files have it.
 std::string RecordingLoop::ReasonOf(End end) const {
     if (end == End::Stalled) {
-        return fmt::format("{} for {:.6g} s", Kadrs_ == 0 ? "no data came" : "nothing was measured", StallTimeout_);
+        return Kadrs_ == 0 ? SayIn(Language::English, "no data came for {:.6g} s", StallTimeout_)
+                           : SayIn(Language::English, "nothing was measured for {:.6g} s", StallTimeout_);
     }
-    if (end == End::Stopped) return "the driver ended the recording. " + Device_.LastError();
+    if (end == End::Stopped) return SayIn(Language::English, "the driver ended the recording. {}", Device_.LastError());
     return "";
 }
 

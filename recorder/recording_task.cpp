@@ -1,6 +1,5 @@
 #include "recorder/recording_task.h"
 
-#include <fmt/format.h>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -8,6 +7,7 @@
 
 #include "recorder/console.h"
 #include "recorder/failure.h"
+#include "recorder/messages.h"
 #include "recorder/taken_kadrs.h"
 
 namespace corvane::recorder {
@@ -25,12 +25,12 @@ std::vector<Channel> SelectChannels(const Options& options, HostDevice& device) 
     const std::vector<Channel> all = ReadChannels(device);
     const std::vector<int16_t> numbers = WantedNumbers(options.Channels, all);
     if (numbers.empty()) {
-        throw Failure(ExitCode::NoDevice, "The module has no mezzanine fitted: there is nothing to record.");
+        throw Failure(ExitCode::NoDevice, Say("The module has no mezzanine fitted: there is nothing to record."));
     }
     if (numbers.back() >= static_cast<int>(all.size())) {
-        throw Failure(ExitCode::Usage, fmt::format("Channel {} does not exist: the device has channels 0 to {}. "
-                                                   "ltr27rec list shows them.",
-                                                   numbers.back(), all.size() - 1));
+        throw Failure(ExitCode::Usage,
+                      Say("Channel {} does not exist: the device has channels 0 to {}. ltr27rec list shows them.",
+                          numbers.back(), all.size() - 1));
     }
     device.SetInputChannels(numbers);
     std::vector<Channel> selected;
@@ -85,19 +85,19 @@ void StartRecording(HostDevice& device) {
     WatchInterrupt();
     if (device.StartRecord()) return;
     throw Failure(ExitCode::StartFailed,
-                  fmt::format("The recording could not be started. {}\nSee that no other program records from the "
-                              "same module, then try again.",
-                              device.LastError()));
+                  Say("The recording could not be started. {}\nSee that no other program records from the same module, "
+                      "then try again.",
+                      device.LastError()));
 }
 
 void TellDifferences(const Options& options, const RecordingTask& task, Progress& progress) {
     if (options.Rate && std::abs(*options.Rate - task.Rate) > 1e-4 * task.Rate) {
-        progress.Note(fmt::format("The rate is {:.6g} Hz, the nearest that the device has to {:.6g} Hz.", task.Rate,
-                                  *options.Rate));
+        progress.Note(
+            Say("The rate is {:.6g} Hz, the nearest that the device has to {:.6g} Hz.", task.Rate, *options.Rate));
     }
     for (const Channel& channel : task.Channels) {
         if (channel.Fitted()) continue;
-        progress.Warn(fmt::format("Channel {} has no mezzanine: nothing can be measured there.", channel.Number));
+        progress.Warn(Say("Channel {} has no mezzanine: nothing can be measured there.", channel.Number));
     }
 }
 

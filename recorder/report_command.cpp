@@ -1,7 +1,5 @@
 #include "recorder/report_command.h"
 
-#include <fmt/format.h>
-
 #include "recorder/console.h"
 #include "recorder/file_names.h"
 #include "recorder/file_system.h"
@@ -21,8 +19,8 @@ constexpr int64_t PackedSamplesMax = 40'000'000;  // a browser has memory for so
 void RefuseInputAsOutput(const Options& options) {
     for (const std::string& input : {options.InputPath, DescriptionPath(options.InputPath)}) {
         if (!SameFile(options.OutputPath, input)) continue;
-        throw Failure(ExitCode::Usage, fmt::format("--output {} is the recording itself: give the page another name.",
-                                                   options.OutputPath));
+        throw Failure(ExitCode::Usage,
+                      Say("--output {} is the recording itself: give the page another name.", options.OutputPath));
     }
 }
 
@@ -31,7 +29,7 @@ void RefuseInputAsOutput(const Options& options) {
 template <class Source>
 void ReadAll(Source& source, Collected& collected, Progress& progress) {
     for (KadrBlock<typename Source::Sample> block; source.Read(block); progress.Show(collected.Kadrs())) {
-        if (InterruptRequested()) throw Failure(ExitCode::Interrupted, "Interrupted.");
+        if (InterruptRequested()) throw Failure(ExitCode::Interrupted, Say("Interrupted."));
         collected.Add(block);
     }
 }
@@ -46,18 +44,18 @@ ExitCode MakePage(const Options& options, Source&& source, int64_t wantedKadrs, 
         ReadAll(source, collected, progress);
     }
     const PageSubject subject = source.Subject();
-    const int64_t binKadrs = WritePage(output, subject, collected, options.Russian.value_or(UserReadsRussian()));
+    const int64_t binKadrs = WritePage(output, subject, collected, UserLanguage());
     output.Complete();
     if (options.Quiet) return ExitCode::Success;
-    const char* row = subject.Step == 1 ? "kadr" : "row";
-    const std::string resolution =
-        binKadrs == 1 && subject.Step > 1 ? "every row"
-        : binKadrs == 1                   ? "every sample"
-                        : fmt::format("the lowest and highest of each {} kadrs", binKadrs * subject.Step);
-    WriteText(MessageStream(options), fmt::format("{}: {} of {} from {}, {}; the recording: {}\n", output.Path(),
-                                                  Counted(collected.Kadrs(), row),
-                                                  Counted(static_cast<int64_t>(subject.Channels.size()), "channel"),
-                                                  options.InputPath, resolution, subject.Ending.Outcome()));
+    const std::string resolution = binKadrs == 1 && subject.Step > 1 ? Say("every row")
+                                   : binKadrs == 1
+                                       ? Say("every sample")
+                                       : Say("the lowest and highest of each {} kadrs", binKadrs * subject.Step);
+    WriteText(MessageStream(options), Say("{}: {} of {} from {}, {}; the recording: {}", output.Path(),
+                                          Counted(collected.Kadrs(), subject.Step == 1 ? KadrNoun : RowNoun),
+                                          Counted(static_cast<int64_t>(subject.Channels.size()), ChannelNoun),
+                                          options.InputPath, resolution, subject.Ending.Outcome(UserLanguage())) +
+                                          '\n');
     return ExitCode::Success;
 }
 

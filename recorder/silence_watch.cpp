@@ -1,7 +1,8 @@
 #include "recorder/silence_watch.h"
 
-#include <fmt/format.h>
 #include <algorithm>
+
+#include "recorder/messages.h"
 
 namespace corvane::recorder {
 namespace {
@@ -29,13 +30,11 @@ bool SilenceWatch::MayTell(Clock::time_point now) {
 
 std::string SilenceWatch::TellSilence(GapReason reason) {
     Told_ = reason;
-    std::string text = reason == GapReason::NotProcessed
-                           ? fmt::format("What the module in slot {} sends can't be processed by its library.", Slot_)
-                           : fmt::format(
-                                 "The module in slot {} sends nothing: check the crate, its cable and the LTR "
-                                 "server.",
-                                 Slot_);
-    if (Untold_ > 0) text += fmt::format(" (Silences not told meanwhile: {}.)", Untold_);
+    std::string text =
+        reason == GapReason::NotProcessed
+            ? Say("What the module in slot {} sends can't be processed by its library.", Slot_)
+            : Say("The module in slot {} sends nothing: check the crate, its cable and the LTR server.", Slot_);
+    if (Untold_ > 0) text += ' ' + Say("(Silences not told meanwhile: {}.)", Untold_);
     Untold_ = 0;
     return text;
 }
@@ -46,7 +45,7 @@ std::string SilenceWatch::TellReturn(Clock::time_point now) {
     if (!told) Untold_++;
     Since_.reset();
     Told_.reset();
-    return told ? fmt::format("The module in slot {} sends again after {:.1f} s.", Slot_, seconds) : "";
+    return told ? Say("The module in slot {} sends again after {:.1f} s.", Slot_, seconds) : "";
 }
 
 }  // namespace corvane::recorder

@@ -10,7 +10,9 @@
 
 #include "base/utf8.h"
 #include "recorder/axis.h"
+#include "recorder/messages.h"
 #include "recorder/taken_kadrs.h"
+#include "recorder/words.h"
 
 namespace corvane::recorder {
 namespace {
@@ -61,7 +63,7 @@ struct Panel {
 };
 
 struct TimeUnit {
-    const char* Name;
+    Text Name;
     double Seconds;
 };
 
@@ -167,13 +169,13 @@ void AppendAxes(std::string& svg, const Panel& panel, const Axis& values, const 
     Append(svg, "<text class='unit' x='{:.1f}' y='{:.1f}'>{}</text>\n", Left, panel.Top - 8, EscapeXml(panel.Unit));
 }
 
-void AppendTimeLabels(std::string& svg, const Panel& lowest, const Axis& time, const char* unit) {
+void AppendTimeLabels(std::string& svg, const Panel& lowest, const Axis& time, Text unit) {
     for (const double tick : time.Ticks()) {
         Append(svg, "<text class='middle' x='{:.1f}' y='{:.1f}'>{}</text>\n", time.Pixel(tick), lowest.Bottom() + 19,
                time.Label(tick));
     }
-    Append(svg, "<text class='middle' x='{:.1f}' y='{:.1f}'>time, {}</text>\n", (Left + PlotRight) / 2,
-           lowest.Bottom() + 41, unit);
+    Append(svg, "<text class='middle' x='{:.1f}' y='{:.1f}'>{}</text>\n", (Left + PlotRight) / 2, lowest.Bottom() + 41,
+           Say("time, {}", Say(unit)));
 }
 
 // Every gap is at least a pixel wide; those that would touch are drawn as one, so there are never many.
@@ -257,7 +259,7 @@ double WholeCodes(const Channel& channel, double value) {
 }
 
 std::string LimitsText(const Plot& plot, size_t position) {
-    if (plot.Data.Total(position).Empty()) return "nothing measured";
+    if (plot.Data.Total(position).Empty()) return Say("nothing measured");
     const Channel& channel = plot.Channels[position];
     const auto [low, high] = Limits(plot, position);
     return fmt::format("{:.4g} \u2026 {:.4g} {}", WholeCodes(channel, low), WholeCodes(channel, high),
@@ -272,7 +274,7 @@ std::string GapsText(const Plot& plot, int32_t module) {
         gaps++;
         kadrs += gap.Kadrs;
     }
-    return fmt::format("{:.4g} s in {} gap{}", static_cast<double>(kadrs) / plot.Rate, gaps, gaps == 1 ? "" : "s");
+    return Say("{:.4g} s in {}", static_cast<double>(kadrs) / plot.Rate, Counted(gaps, GapNoun));
 }
 
 void AppendLegend(std::string& svg, const Plot& plot, const Panel& panel) {
@@ -288,8 +290,8 @@ void AppendLegend(std::string& svg, const Plot& plot, const Panel& panel) {
     for (const size_t shade : panel.Shades) {
         Append(svg, "<rect x='{:.1f}' y='{:.1f}' width='14' height='14' fill='url(#gap{})'/>\n", x, y - 11,
                shade % HatchCount);
-        Append(svg, "<text class='name' x='{:.1f}' y='{:.1f}'>not measured, slot {}</text>\n", x + 22, y,
-               plot.Modules[shade].Slot);
+        Append(svg, "<text class='name' x='{:.1f}' y='{:.1f}'>{}</text>\n", x + 22, y,
+               Say("not measured, slot {}", plot.Modules[shade].Slot));
         Append(svg, "<text class='small' x='{:.1f}' y='{:.1f}'>{}</text>\n", x + 22, y + 13,
                GapsText(plot, plot.Modules[shade].Index));
         y += LegendRow;
@@ -338,7 +340,7 @@ std::string RenderPlot(const Plot& plot) {
            "<text class='title' x='{3:.0f}' y='32'>{4}</text>\n<text x='{3:.0f}' y='51'>{5}</text>\n",
            Width, height, Style, Left, EscapeXml(plot.Title), EscapeXml(plot.Details));
     if (!plot.Gaps.empty()) svg += Hatches;
-    if (empty) Append(svg, "<text x='{:.0f}' y='{:.0f}'>Nothing was recorded.</text>\n", Left, Top + 12);
+    if (empty) Append(svg, "<text x='{:.0f}' y='{:.0f}'>{}</text>\n", Left, Top + 12, Say("Nothing was recorded."));
 
     const double seconds = static_cast<double>(plot.Data.Kadrs()) / plot.Rate;
     const TimeUnit unit = TimeUnitFor(seconds);

@@ -6,8 +6,11 @@
 
 namespace corvane::recorder {
 
-std::string Counted(int64_t count, const std::string& what) {
-    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+std::string Counted(int64_t count, const Noun& what, Language language) {
+    if (language == Language::English) return fmt::format("{} {}", count, what.English[count == 1 ? 0 : 1]);
+    const int64_t last = count % 10;
+    const bool teens = count / 10 % 10 == 1;  // 11 to 14 are like 5
+    return fmt::format("{} {}", count, what.Russian[teens || last == 0 || last > 4 ? 2 : last == 1 ? 0 : 1]);
 }
 
 std::string Iso8601(std::chrono::system_clock::time_point time) {

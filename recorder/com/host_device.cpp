@@ -12,6 +12,7 @@
 
 #include "platform/win32/wide_text.h"
 #include "recorder/failure.h"
+#include "recorder/messages.h"
 
 namespace corvane::recorder {
 namespace {
@@ -26,16 +27,16 @@ uint32_t Code(HRESULT result) {
 
 void Check(HRESULT result, const char* member) {
     if (FAILED(result)) {
-        throw Failure(ExitCode::NoDriver, fmt::format("The driver's {} failed with 0x{:08X}.", member, Code(result)));
+        throw Failure(ExitCode::NoDriver, Say("The driver's {} failed with 0x{:08X}.", member, Code(result)));
     }
 }
 
 [[noreturn]] void ThrowNotCreated(HRESULT result) {
-    const char* what = "Its file may be damaged: install Corvane again, then register it with: regsvr32 Corvane.adc";
+    Text what = "Its file may be damaged: install Corvane again, then register it with: regsvr32 Corvane.adc";
     switch (Code(result)) {
         case 0x800401F3:  // CO_E_CLASSSTRING: no such name in the registry
         case 0x80040154:  // REGDB_E_CLASSNOTREG
-            throw Failure(ExitCode::NoDriver, "Corvane is not registered. Register it with: regsvr32 Corvane.adc");
+            throw Failure(ExitCode::NoDriver, Say("Corvane is not registered. Register it with: regsvr32 Corvane.adc"));
         case 0x8007007E:  // a library was not found: on Windows
         case 0x80070005:  // the same under Wine
             what = "ltrapi.dll and ltr27api.dll must lie beside Corvane.adc; install the LTR server software.";
@@ -46,7 +47,7 @@ void Check(HRESULT result, const char* member) {
         default:
             break;
     }
-    throw Failure(ExitCode::NoDriver, fmt::format("Corvane can't be loaded (0x{:08X}). {}", Code(result), what));
+    throw Failure(ExitCode::NoDriver, Say("Corvane can't be loaded (0x{:08X}). {}", Code(result), Say(what)));
 }
 
 // The values of an array of any dimensions, in their order in memory, taken over from the driver and freed here.
@@ -111,7 +112,7 @@ struct FreeText {
 };
 using TextOwner = std::unique_ptr<OLECHAR, FreeText>;
 
-TextOwner Text(const std::string& utf8) {
+TextOwner BasicString(const std::string& utf8) {
     const std::wstring wide = platform::Wide(utf8);
     TextOwner text(SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size())));
     if (!text) throw std::bad_alloc();
@@ -143,19 +144,18 @@ HostDevice::Driver::Driver() {
     if (FAILED(result)) {
         CoUninitialize();
         throw Failure(ExitCode::NoDriver,
-                      fmt::format("The component Tessmark.Corvane does not offer IADC3 (0x{:08X}). Another program may "
-                                  "have taken its name: register Corvane again with: regsvr32 Corvane.adc",
-                                  Code(result)));
+                      Say("The component Tessmark.Corvane does not offer IADC3 (0x{:08X}). Another program may "
+                          "have taken its name: register Corvane again with: regsvr32 Corvane.adc",
+                          Code(result)));
     }
     result = Device->QueryInterface(IID_PPV_ARGS(&Status));
     if (FAILED(result)) {
         Device->Release();
         CoUninitialize();
-        throw Failure(
-            ExitCode::NoDriver,
-            fmt::format("The registered Corvane can't tell which samples were measured (0x{:08X}): it is older "
-                        "than this program. Register the Corvane.adc that came with it.",
-                        Code(result)));
+        throw Failure(ExitCode::NoDriver,
+                      Say("The registered Corvane can't tell which samples were measured (0x{:08X}): it is older "
+                          "than this program. Register the Corvane.adc that came with it.",
+                          Code(result)));
     }
 }
 
@@ -270,14 +270,14 @@ void HostDevice::SetInteractive(bool interactive) {
 }
 
 bool HostDevice::SetServer(const std::string& address) {
-    const HRESULT result = Driver_->Status->put_Server(Text(address).get());
+    const HRESULT result = Driver_->Status->put_Server(BasicString(address).get());
     if (result == E_INVALIDARG) return false;
     Check(result, "Server");
     return true;
 }
 
 void HostDevice::SetCrateSerial(const std::string& serial) {
-    Check(Driver_->Status->put_CrateSerial(Text(serial).get()), "CrateSerial");
+    Check(Driver_->Status->put_CrateSerial(BasicString(serial).get()), "CrateSerial");
 }
 std::string HostDevice::CrateInfo() const {
     return TakeText(Driver_->Get(&ICorvaneStatus::get_CrateInfo, "CrateInfo"));

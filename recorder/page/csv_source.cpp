@@ -1,11 +1,11 @@
 #include "recorder/page/csv_source.h"
 
-#include <fmt/format.h>
 #include <algorithm>
 #include <cmath>
 
 #include "recorder/failure.h"
 #include "recorder/file_system.h"
+#include "recorder/messages.h"
 #include "recorder/page/csv_head.h"
 #include "recorder/taken_kadrs.h"
 
@@ -36,9 +36,9 @@ int TakeDigits(const char*& place, const char* end, int64_t& number) {
 
 CsvSource::CsvSource(const std::string& path) : Path_(path) {
     const FileKind kind = KindOf(path);
-    if (kind == FileKind::Folder || kind == FileKind::Device) Throw(path + " is no file.");
+    if (kind == FileKind::Folder || kind == FileKind::Device) Throw(Say("{} is no file.", path));
     File_.reset(OpenForReading(path));
-    if (!File_) Throw(fmt::format("{} can't be opened ({}).", path, SystemErrorText()));
+    if (!File_) Throw(Say("{} can't be opened ({}).", path, SystemErrorText()));
     Subject_.File = path;
     Subject_.FromText = true;
     Subject_.Ending.HowItEnded = End::Complete;
@@ -59,7 +59,7 @@ bool CsvSource::Refill() {
 }
 
 void CsvSource::ReadHead() {
-    const std::string noRecording = Path_ + " is no recording of this recorder, neither an array nor CSV text.";
+    const std::string noRecording = Say("{} is no recording of this recorder, neither an array nor CSV text.", Path_);
     while (Text_.size() < HeadMax && Refill()) {
     }
     if (Text_.starts_with("\xEF\xBB\xBF")) Place_ = 3;
@@ -77,8 +77,7 @@ void CsvSource::ReadHead() {
     Place_ += *names;
     Period_ = std::llround(1e6 / Subject_.Rate);
     const size_t count = Subject_.Channels.size();
-    if (count > ColumnsMax)
-        Throw(fmt::format("{} has {} columns: a recording has at most {}.", Path_, count, ColumnsMax));
+    if (count > ColumnsMax) Throw(Say("{} has {} columns: a recording has at most {}.", Path_, count, ColumnsMax));
     for (size_t column = 0; column < count; column++) {
         if (!Subject_.Channels[column].Fitted()) Never_ |= Columns{1} << column;
     }
@@ -96,7 +95,7 @@ bool CsvSource::Read(KadrBlock<int32_t>& block) {
     while (block.Samples.size() < BlockSamples) {
         const size_t end = Text_.find('\n', Place_);
         if (end == std::string::npos) {
-            if (Text_.size() - Place_ > LineMax && !Tail_) ThrowRow("the line is too long");
+            if (Text_.size() - Place_ > LineMax && !Tail_) ThrowRow(Say("the line is too long"));
             // A last line without an end is one that was being written.
             if (!Refill()) break;
             continue;
@@ -107,10 +106,10 @@ bool CsvSource::Read(KadrBlock<int32_t>& block) {
         if (line.starts_with("# ")) {
             Tail_ = true;
             TailSize_ += line.size();
-            if (TailSize_ > TailMax) Throw(Path_ + " has too much text behind its rows.");
+            if (TailSize_ > TailMax) Throw(Say("{} has too much text behind its rows.", Path_));
             UnderstandTailLine(line.substr(2), Subject_);
         } else {
-            if (Tail_) ThrowRow("rows follow the remarks at the end");
+            if (Tail_) ThrowRow(Say("rows follow the remarks at the end"));
             ReadRow(line, block);
         }
     }
@@ -123,7 +122,7 @@ bool CsvSource::ReadRow(std::string_view row, KadrBlock<int32_t>& block) {
     ReadTime(place, end);
     Columns missing = 0;
     for (size_t i = 0; i < Columns_.size(); i++) {
-        if (place == end || *place != Separator_) ThrowRow(fmt::format("a row has {} values", Columns_.size()));
+        if (place == end || *place != Separator_) ThrowRow(Say("a row has {} values", Columns_.size()));
         place++;
         if (place == end || *place == Separator_) {
             missing |= Columns{1} << i;
@@ -132,7 +131,7 @@ bool CsvSource::ReadRow(std::string_view row, KadrBlock<int32_t>& block) {
             block.Samples.push_back(ReadNumber(place, end, Columns_[i]));
         }
     }
-    if (place != end) ThrowRow("a value is no number, or one too many");
+    if (place != end) ThrowRow(Say("a value is no number, or one too many"));
     NoteMissing(missing & ~Never_, block);
     Rows_++;
     return true;
@@ -146,10 +145,11 @@ void CsvSource::ReadTime(const char*& place, const char* end) {
     const bool pointed = place < end && *place == Point_;
     if (pointed) place++;
     const int decimals = TakeDigits(place, end, parts);
-    if (digits == 0 || digits > 10 || !pointed || (decimals != 3 && decimals != 6)) ThrowRow("there is no time");
+    if (digits == 0 || digits > 10 || !pointed || (decimals != 3 && decimals != 6)) ThrowRow(Say("there is no time"));
     const int64_t time = seconds * 1'000'000 + (decimals == 3 ? parts * 1000 : parts);
     if (Rows_ == 0) Subject_.FirstKadr = time / Period_;
-    if (time != (Subject_.FirstKadr + Rows_ * Subject_.Step) * Period_) ThrowRow("the time does not follow the rate");
+    if (time != (Subject_.FirstKadr + Rows_ * Subject_.Step) * Period_)
+        ThrowRow(Say("the time does not follow the rate"));
 }
 
 // Numbers are kept as distances from the column's first one, in units of the last decimal: exact, and short enough.
@@ -164,12 +164,12 @@ int32_t CsvSource::ReadNumber(const char*& place, const char* end, Column& colum
         decimals = TakeDigits(place, end, number);
         if (decimals == 0) digits = 0;
     }
-    if (digits == 0) ThrowRow("a value is no number");
+    if (digits == 0) ThrowRow(Say("a value is no number"));
     if (minus) number = -number;
     if (column.Decimals < 0) column = {decimals, number};
-    if (column.Decimals != decimals) ThrowRow("a column's values have different numbers of decimals");
+    if (column.Decimals != decimals) ThrowRow(Say("a column's values have different numbers of decimals"));
     const int64_t distance = number - column.First;
-    if (distance < INT32_MIN || distance > INT32_MAX) ThrowRow("a value is far from the ones before");
+    if (distance < INT32_MIN || distance > INT32_MAX) ThrowRow(Say("a value is far from the ones before"));
     return static_cast<int32_t>(distance);
 }
 
@@ -252,7 +252,7 @@ void CsvSource::Throw(const std::string& what) const {
 }
 
 void CsvSource::ThrowRow(const std::string& what) const {
-    Throw(fmt::format("{}, row {}: {}. Give it as the recorder has written it.", Path_, Rows_ + 1, what));
+    Throw(Say("{}, row {}: {}. Give it as the recorder has written it.", Path_, Rows_ + 1, what));
 }
 
 }  // namespace corvane::recorder

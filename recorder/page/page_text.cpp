@@ -139,7 +139,7 @@ std::string JsonForHtml(const std::string& json) {
     return text;
 }
 
-int64_t WritePage(OutputFile& file, const PageSubject& subject, Collected& collected, bool russian) {
+int64_t WritePage(OutputFile& file, const PageSubject& subject, Collected& collected, Language language) {
     // What is said of the data is hardly shorter without the data.
     PageData nothing;
     nothing.Masks.resize(collected.Plan().MaskCount);
@@ -154,7 +154,7 @@ int64_t WritePage(OutputFile& file, const PageSubject& subject, Collected& colle
         const size_t found = rest.find(place);
         file.Buffer() += rest.substr(0, found);
         rest.remove_prefix(found + place.size());
-        if (place == Places[0]) file.Buffer() += russian ? "ru" : "en";
+        if (place == Places[0]) file.Buffer() += language == Language::Russian ? "ru" : "en";
         if (place == Places[1]) file.Buffer() += title;
         if (place == Places[2]) file.Buffer() += AboutText(subject, collected, data);
         if (place == Places[3]) {

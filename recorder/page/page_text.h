@@ -17,7 +17,7 @@ size_t DataRoom();
 
 // Appends the page to the file's buffer, and writes it. It has at most PageMax bytes.
 // Returns the kadrs of each bin of its data; 1: it has the samples.
-int64_t WritePage(OutputFile& file, const PageSubject& subject, Collected& collected, bool russian);
+int64_t WritePage(OutputFile& file, const PageSubject& subject, Collected& collected, Language language);
 
 // JSON as it may stand in HTML: no tag can begin in it.
 std::string JsonForHtml(const std::string& json);

@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 
 namespace corvane::recorder {
 namespace {
@@ -60,7 +61,9 @@ ScreenSize TerminalSize(std::FILE* stream) {
 bool UserReadsRussian() {
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
         const char* locale = std::getenv(name);
-        if (locale != nullptr && *locale != '\0') return std::string_view(locale).starts_with("ru");
+        if (locale == nullptr || *locale == '\0') continue;
+        const std::string_view language(locale, std::strcspn(locale, "_.@"));
+        return language == "ru" || language == "russian";
     }
     return false;
 }

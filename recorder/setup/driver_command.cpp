@@ -2,13 +2,12 @@
 
 #include <windows.h>
 // windows.h first: the others build on it.
-#include <fmt/format.h>
-
 #include <algorithm>
 
 #include "platform/win32/wide_text.h"
 #include "recorder/console.h"
 #include "recorder/failure.h"
+#include "recorder/messages.h"
 #include "recorder/setup/file_version.h"
 #include "recorder/setup/registered_driver.h"
 #include "recorder/setup/vendor_libraries.h"
@@ -36,32 +35,42 @@ bool HasSimulator(const fs::path& component) {
     return VersionOf((component.parent_path() / VendorLibraryNames[0]).native()).Simulated;
 }
 
-void Say(const std::string& line) {
+// ", SIMULATED" behind what is that.
+std::string SimulatedMark(bool simulated) {
+    return simulated ? ", " + Say("SIMULATED") : "";
+}
+
+void Print(const std::string& line) {
     WriteText(stdout, line + '\n');
 }
 
-const char* ImageText(Image kind) {
-    static constexpr const char* Texts[] = {"no library", "32-bit", "64-bit", "for another kind of machine"};
-    return Texts[static_cast<int>(kind)];
+std::string ImageText(Image kind) {
+    static constexpr Text Texts[] = {"no library", "32-bit", "64-bit", "for another kind of machine"};
+    return Say(Texts[static_cast<int>(kind)]);
 }
 
 void ShowDrivers() {
     const std::vector<RegisteredDriver> drivers = RegisteredDrivers();
-    if (drivers.empty()) Say("No driver is registered: ltr27rec driver --real registers the one beside this program.");
+    if (drivers.empty()) {
+        Print(Say("No driver is registered: ltr27rec driver --real registers the one beside this program."));
+    }
     for (const RegisteredDriver& each : drivers) {
         std::error_code unknown;
-        Say(fmt::format("{}{}, registered for {}{}{}", Utf8(each.File), HasSimulator(each.File) ? ", SIMULATED" : "",
-                        each.OneUser ? "this user only" : "all users", each.Hosts64 ? ", among 64-bit entries" : "",
-                        fs::exists(each.File, unknown) ? "" : "; THE FILE IS GONE"));
+        const Text users = each.OneUser ? Text(", registered for this user only") : Text(", registered for all users");
+        const Text place = each.Hosts64 ? Text(", among 64-bit entries") : Text();
+        const Text gone = fs::exists(each.File, unknown) ? Text() : Text("; THE FILE IS GONE");
+        Print(Utf8(each.File) + SimulatedMark(HasSimulator(each.File)) + Say(users) + Say(place) + Say(gone));
     }
 }
 
 void Register(const fs::path& component, bool thisUser) {
     const bool allUsers = RegisterDriver(component, thisUser);
-    Say(fmt::format("{} is registered for {}.{}", Utf8(component), allUsers ? "all users" : "this user only",
-                    allUsers || thisUser ? "" : " For all users run this as administrator."));
+    const std::string done = allUsers ? Say("{} is registered for all users.", Utf8(component))
+                                      : Say("{} is registered for this user only.", Utf8(component));
+    Print(allUsers || thisUser ? done : done + ' ' + Say("For all users run this as administrator."));
     if (HasSimulator(component)) {
-        Say("SIMULATED: hosts see a crate that doesn't exist. ltr27rec driver --real goes back to the real one.");
+        Print(
+            Say("SIMULATED: hosts see a crate that doesn't exist. ltr27rec driver --real goes back to the real one."));
     }
 }
 
@@ -72,8 +81,8 @@ ExitCode ShowLibraries(const fs::path& folder) {
     for (const wchar_t* name : VendorLibraryNames) {
         const std::vector<VendorLibrary> found = FindVendorLibrary(name, folder);
         for (const VendorLibrary& each : found) {
-            Say(fmt::format("{}: {}{}{}", Utf8(each.File), ImageText(each.Kind), each.Simulated ? ", SIMULATED" : "",
-                            each.Bound ? "" : "; not where the driver looks"));
+            Print(Utf8(each.File) + ": " + ImageText(each.Kind) + SimulatedMark(each.Simulated) +
+                  Say(each.Bound ? Text() : Text("; not where the driver looks")));
         }
         if (!found.empty() && found.front().Bound) continue;
         missing = true;
@@ -81,22 +90,22 @@ ExitCode ShowLibraries(const fs::path& folder) {
     }
     const MissingLibraries reasons = FindMissingLibraries(folder);
     if (reasons.Reason.empty()) return ExitCode::Success;
-    Say(reasons.Text());
+    Print(reasons.Text());
     return missing && elsewhere ? ExitCode::Incomplete : ExitCode::NoDriver;
 }
 
 void CopyLibraries(const fs::path& folder) {
     const std::vector<fs::path> copied = CopyVendorLibraries(folder);
-    for (const fs::path& file : copied) Say(fmt::format("{} was copied here.", Utf8(file)));
+    for (const fs::path& file : copied) Print(Say("{} was copied here.", Utf8(file)));
     const MissingLibraries missing = FindMissingLibraries(folder);
     if (!missing.Reason.empty()) throw Failure(ExitCode::NoDriver, missing.Text());
-    if (copied.empty()) Say("The driver finds both libraries: nothing was copied.");
+    if (copied.empty()) Print(Say("The driver finds both libraries: nothing was copied."));
 }
 
 void ShowPrograms(const fs::path& folder) {
     for (const fs::path& each : {folder, folder / SimulatorFolder}) {
         for (const LoadedBy& program : ProgramsUsing(each)) {
-            Say(fmt::format("{} (process {})", program.Program, program.Process));
+            Print(Say("{} (process {})", program.Program, program.Process));
         }
     }
 }
@@ -117,7 +126,7 @@ ExitCode ManageDriver(const Options& options) {
             break;
         case DriverAction::Unregister:
             UnregisterDriver(folder / Component, options.ThisUser);
-            Say("The driver is not registered any more.");
+            Print(Say("The driver is not registered any more."));
             break;
         case DriverAction::Libraries:
             return ShowLibraries(folder);

@@ -1,8 +1,6 @@
 // What the doctor looks at before the driver can be loaded.
 #include <windows.h>
 // windows.h first: the others build on it.
-#include <fmt/format.h>
-
 #include <algorithm>
 
 #include "platform/win32/wide_text.h"
@@ -17,26 +15,26 @@ std::string Utf8(const std::filesystem::path& path) {
     return platform::Utf8(path.native());
 }
 
-constexpr const char* RegisterIt = "Register the driver: ltr27rec driver --real (as administrator: for all users)";
+constexpr Text RegisterIt = "Register the driver: ltr27rec driver --real (as administrator: for all users)";
 
 Finding ExamineRegistration(const std::vector<RegisteredDriver>& drivers) {
     Finding finding{"Registration", Health::Works, ""};
     for (const RegisteredDriver& each : drivers) {
-        if (!finding.Text.empty()) finding.Text += '\n';
-        finding.Text += fmt::format("{}, for {}{}", Utf8(each.File), each.OneUser ? "this user only" : "all users",
-                                    each.Hosts64 ? ", among the entries for 64-bit hosts" : "");
+        if (!finding.Words.empty()) finding.Words += '\n';
+        finding.Words += Utf8(each.File) + Say(each.OneUser ? Text(", for this user only") : Text(", for all users")) +
+                         Say(each.Hosts64 ? Text(", among the entries for 64-bit hosts") : Text());
     }
     const auto serves = [](const RegisteredDriver& each) { return !each.Hosts64; };
     if (std::ranges::none_of(drivers, serves)) {
         finding.Result = Health::Fails;
-        finding.Text += drivers.empty() ? "the driver is not registered" : "\nnothing for 32-bit hosts";
-        finding.Remedy = RegisterIt;
+        finding.Words += drivers.empty() ? Say("the driver is not registered") : '\n' + Say("nothing for 32-bit hosts");
+        finding.Remedy = Say(RegisterIt);
     } else if (std::ranges::none_of(drivers,
                                     [&](const RegisteredDriver& each) { return serves(each) && !each.OneUser; })) {
         finding.Result = Health::Doubtful;
         finding.Remedy =
-            "A host that runs with administrator's rights does not see it. For all users, as administrator: "
-            "ltr27rec driver --real";
+            Say("A host that runs with administrator's rights does not see it. For all users, as administrator: "
+                "ltr27rec driver --real");
     }
     return finding;
 }
@@ -44,11 +42,12 @@ Finding ExamineRegistration(const std::vector<RegisteredDriver>& drivers) {
 Finding ExamineFile(const std::filesystem::path& file) {
     std::error_code error;
     if (!std::filesystem::exists(file, error)) {
-        return {"File", Health::Fails, Utf8(file) + " is gone",
-                std::string("Install Corvane again, or register another copy. ") + RegisterIt};
+        return {"File", Health::Fails, Say("{} is gone", Utf8(file)),
+                Say("Install Corvane again, or register another copy. {}", Say(RegisterIt))};
     }
     if (ImageOfFile(file) != Image::Windows32) {
-        return {"File", Health::Fails, Utf8(file) + " is damaged: no 32-bit program", "Install Corvane again."};
+        return {"File", Health::Fails, Say("{} is damaged: no 32-bit program", Utf8(file)),
+                Say("Install Corvane again.")};
     }
     return {"File", Health::Works, Utf8(file)};
 }
@@ -56,7 +55,7 @@ Finding ExamineFile(const std::filesystem::path& file) {
 Finding ExamineLibraries(const std::filesystem::path& folder) {
     MissingLibraries missing = FindMissingLibraries(folder);
     if (missing.Reason.empty())
-        return {"Vendor libraries", Health::Works, "both are where the driver finds them, 32-bit"};
+        return {"Vendor libraries", Health::Works, Say("both are where the driver finds them, 32-bit")};
     return {"Vendor libraries", Health::Fails, std::move(missing.Reason), std::move(missing.Remedy)};
 }
 

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 // windows.h first: the others build on it.
-#include <fmt/format.h>
 #include <shlwapi.h>
 #include <tlhelp32.h>
 
@@ -14,6 +13,7 @@
 #include "platform/win32/wide_text.h"
 #include "recorder/failure.h"
 #include "recorder/file_system.h"
+#include "recorder/messages.h"
 #include "recorder/setup/vendor_libraries.h"
 
 namespace corvane::recorder {
@@ -57,20 +57,20 @@ private:
 [[noreturn]] void ThrowNotLoaded(const fs::path& component, DWORD error) {
     const std::string file = platform::Utf8(component.native());
     std::error_code unknown;
-    if (!fs::exists(component, unknown)) throw Failure(ExitCode::NoDriver, fmt::format("There is no {}.", file));
+    if (!fs::exists(component, unknown)) throw Failure(ExitCode::NoDriver, Say("There is no {}.", file));
     SetLastError(error);
     const std::string words = SystemErrorText();
     const MissingLibraries libraries = FindMissingLibraries(component.parent_path());
     throw Failure(ExitCode::NoDriver, libraries.Reason.empty()
-                                          ? fmt::format("{} can't be loaded: {} Install Corvane again.", file, words)
-                                          : fmt::format("{} can't be loaded.\n{}", file, libraries.Text()));
+                                          ? Say("{} can't be loaded: {} Install Corvane again.", file, words)
+                                          : Say("{} can't be loaded.\n{}", file, libraries.Text()));
 }
 
-void CheckCall(HRESULT result, const char* what) {
+void CheckCall(HRESULT result, Text what) {
     if (SUCCEEDED(result)) return;
-    throw Failure(ExitCode::NoDriver, result == E_ACCESSDENIED ? fmt::format("{} needs administrator's rights.", what)
-                                                               : fmt::format("{} failed with 0x{:08X}.", what,
-                                                                             static_cast<uint32_t>(result)));
+    throw Failure(ExitCode::NoDriver, result == E_ACCESSDENIED
+                                          ? Say("{} needs administrator's rights.", Say(what))
+                                          : Say("{} failed with 0x{:08X}.", Say(what), static_cast<uint32_t>(result)));
 }
 
 struct CloseSnapshot {
@@ -129,7 +129,7 @@ bool RegisterDriver(const fs::path& component, bool thisUser) {
     const auto install = driver.Get<HRESULT(WINAPI*)(BOOL, LPCWSTR)>("DllInstall");
     const auto registering = driver.Get<HRESULT(WINAPI*)()>("DllRegisterServer");
     if (install == nullptr || registering == nullptr) {
-        throw Failure(ExitCode::NoDriver, fmt::format("{} is not this driver.", platform::Utf8(component.native())));
+        throw Failure(ExitCode::NoDriver, Say("{} is not this driver.", platform::Utf8(component.native())));
     }
     CheckCall(thisUser ? install(TRUE, L"user") : registering(), "Registering the driver");
     const std::vector<RegisteredDriver> drivers = RegisteredDrivers();

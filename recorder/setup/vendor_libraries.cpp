@@ -2,7 +2,6 @@
 
 #include <windows.h>
 // windows.h first: the others build on it.
-#include <fmt/format.h>
 #include <shlobj.h>
 #include <shlwapi.h>
 
@@ -11,6 +10,7 @@
 #include "platform/win32/wide_text.h"
 #include "recorder/failure.h"
 #include "recorder/file_system.h"
+#include "recorder/messages.h"
 #include "recorder/setup/file_version.h"
 
 namespace corvane::recorder {
@@ -132,18 +132,18 @@ MissingLibraries FindMissingLibraries(const fs::path& component) {
         if (bound != found.end() && bound->Kind == Image::Windows32) continue;
         if (!missing.Reason.empty()) missing.Reason += '\n';
         if (bound == found.end()) {
-            missing.Reason += platform::Utf8(name) + " is missing.";
+            missing.Reason += Say("{} is missing.", platform::Utf8(name));
         } else {
-            missing.Reason +=
-                platform::Utf8(bound->File.native()) +
-                (bound->Kind == Image::None ? " is no library: it is damaged." : " is not a 32-bit library.");
+            const std::string file = platform::Utf8(bound->File.native());
+            missing.Reason += bound->Kind == Image::None ? Say("{} is no library: it is damaged.", file)
+                                                         : Say("{} is not a 32-bit library.", file);
         }
         const auto elsewhere = std::ranges::find_if(found, IsWorthCopying);
         if (elsewhere != found.end()) {
-            missing.Reason += fmt::format(" A 32-bit one is {}.", platform::Utf8(elsewhere->File.native()));
+            missing.Reason += ' ' + Say("A 32-bit one is {}.", platform::Utf8(elsewhere->File.native()));
         }
     }
-    missing.Remedy = fmt::format(
+    missing.Remedy = Say(
         "Both libraries of the LTR server software, 32-bit, must lie beside Corvane.adc: in {}. Install that software; "
         "ltr27rec driver --copy-libraries copies them where it finds them.",
         platform::Utf8(component.native()));
@@ -160,9 +160,8 @@ std::vector<fs::path> CopyVendorLibraries(const fs::path& component) {
         const auto from = std::ranges::find_if(found, IsWorthCopying);
         if (from == found.end()) continue;
         if (!fs::copy_file(from->File, target, error)) {
-            throw Failure(ExitCode::Output,
-                          fmt::format("{} can't be copied to {}: {}.", platform::Utf8(from->File.native()),
-                                      platform::Utf8(target.native()), error.message()));
+            throw Failure(ExitCode::Output, Say("{} can't be copied to {}: {}.", platform::Utf8(from->File.native()),
+                                                platform::Utf8(target.native()), error.message()));
         }
         copied.push_back(target);
     }

@@ -189,7 +189,8 @@ TEST(RecorderMonitor, MarksWhatIsNotInOrder) {
             const bool some = !channel.Total.Empty();
             text += fmt::format("{}{} {} {} {}", text.empty() ? "" : ", ",
                                 number(channel.Newest.has_value(), channel.Newest.value_or(0)),
-                                number(some, channel.Total.Min), number(some, channel.Total.Max), channel.Mark);
+                                number(some, channel.Total.Min), number(some, channel.Total.Max),
+                                channel.Mark.In(Language::English));
         }
         EXPECT_EQ(text, expected + ", - - - empty");
     }

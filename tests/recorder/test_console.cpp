@@ -6,6 +6,7 @@ namespace corvane::recorder {
 
 std::string Said;
 std::string StandardOutputText;
+bool ReadsRussian = false;
 std::function<bool()> Interrupt;
 std::function<bool()> Reader;
 std::vector<std::string>* Drawn = nullptr;
@@ -22,7 +23,7 @@ ScreenSize TerminalSize(std::FILE*) {
     return {40, 6};
 }
 bool UserReadsRussian() {
-    return false;
+    return ReadsRussian;
 }
 void WatchInterrupt() {}
 bool InterruptRequested() {

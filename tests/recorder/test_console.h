@@ -9,6 +9,7 @@ namespace corvane::recorder {
 
 extern std::string Said;                // by messages
 extern std::string StandardOutputText;  // everything else
+extern bool ReadsRussian;               // the user
 extern std::function<bool()> Interrupt;
 extern std::vector<std::string>* Drawn;  // what a screen showed; null: standard output is no terminal
 extern std::function<bool()> Reader;     // of standard output; false: it has gone

@@ -26,14 +26,17 @@ TEST(Recorder, CommandLinesEndWithTheirCodesAndWords) {
                                     CREATE_ALWAYS, 0, nullptr);
     std::ofstream(folder / "left.csv.part") << "left";
     const std::string advice = GetACP() == 1251 ? "" : "Language for non-Unicode programs: Russian";
-    // The arguments, the exit code and what is said.
+    const bool russian = PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_RUSSIAN;
+    // The arguments, the exit code and what is said: in English, unless they choose Russian or are left to the user.
     const std::tuple<std::wstring, DWORD, std::string> cases[] = {
         {L"list", 3, "--crate CRATE1\r\n  --crate CRATE2\r\n"},
         {L"list --crate CRATE2", 0, "LTR27 (SIMULATED): 16 channels"},
         {L"list --crate CRATE2", 0, "Library: Corvane.adc 3."},
         {L"list --crate CRATE2", 0, "ltr27api.dll 3.2.1 SIMULATED ("},
         {L"list --crate CRATE2", 0, advice},
-        {L"list --server 127.0.0", 1, "--server 127.0.0: "},
+        {L"list --server 127.0.0", 1, "--server 127.0.0: give an address"},
+        {L"list --lang ru --crate CRATE2", 0, "LTR27 (ИМИТАЦИЯ): 16 каналов, разрядов: 15"},
+        {L"doctor --user", 1, russian ? "Лишний аргумент: --user\r\n" : "not expected: --user\r\n"},
         {L"monitor --crate CRATE2", 1, "standard output is none"},
         {L"monitor --crate CRATE2 -r 1000 -c 0 --once", 0, "\r\nEverything measured.\r\nNo Name "},
         {L"reord", 1, "no command \"reord\""},
@@ -54,7 +57,8 @@ TEST(Recorder, CommandLinesEndWithTheirCodesAndWords) {
                                           FILE_ATTRIBUTE_NORMAL, nullptr);
         const std::wstring recording = arguments.starts_with(L"-o") ? L"record --crate CRATE1 -r 1000 -d 200ms " : L"";
         const std::wstring program = stage.parent_path() / L"ltr27rec.exe";
-        EXPECT_EQ(code, RunProcess(L"\"" + program + L"\" " + recording + arguments, 30000, output)) << said;
+        const std::wstring language = arguments == L"doctor --user" ? L"" : L"--lang en ";
+        EXPECT_EQ(code, RunProcess(L"\"" + program + L"\" " + language + recording + arguments, 30000, output)) << said;
         CloseHandle(output);
         EXPECT_NE(std::string::npos, Content("output.txt").find(said)) << said << "\n" << Content("output.txt");
     }
