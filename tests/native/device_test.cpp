@@ -108,8 +108,8 @@ TEST_F(DeviceTest, SingleReadingsAreFreshEvery400Milliseconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(410));
     const int before = LtrSim_Calls("LTR27_Recv");
     // The first kadr of a fresh start has number 0; an empty position and a missing channel give 0.
-    EXPECT_EQ(Driver->GetKadr(), (std::vector<int16_t>{-16384, 0, -16384}));
     EXPECT_EQ(Driver->GetChannel(24), -16384);
+    EXPECT_EQ(Driver->GetKadr(), (std::vector<int16_t>{-16384, 0, -16384}));
     EXPECT_TRUE(Driver->GetChannel(-1) == 0 && Driver->GetChannel(32) == 0);
     EXPECT_EQ(LtrSim_Calls("LTR27_Recv"), before + 2);
     EXPECT_EQ(LtrSim_RunningModules(), 0);
