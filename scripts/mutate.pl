@@ -53,8 +53,9 @@ sub breaks_of {
     $put->($-[1], length $1, $instead{$1}) while $code =~ /\bstd::(min|max)\b/g;
     while ($code =~ /(?<![\w.'])(\d+)(?=[uU]?\b)(?![.'xX\w])/g) {  # whole decimal numbers
         my ($at, $number) = ($-[1], $1);
-        $put->($at, length $number, $number + 1);
-        $put->($at, length $number, $number - 1) if $number > 0;
+        my $time = $line =~ m{//\s*(ms|us|s)\b|\bSleepMs\(|\bchrono::};  # nobody can notice one millisecond more
+        $put->($at, length $number, $time ? $number * 10 : $number + 1);
+        $put->($at, length $number, $time ? int($number / 10) : $number - 1) if $number > 0;
     }
     if ($code =~ /^\s*(?:\} else )?(?:if|while) (\((?:[^()]|(?1))*\))/) {
         $put->($-[1], length $1, '(!' . substr($line, $-[1], length $1) . ')');
