@@ -50,6 +50,15 @@ int DigitsOf(uint32_t number) {
 
 char* WriteDigits(char* text, uint32_t number, int count) {
     char* place = text + count;
+    if (count >= 4) {
+        const uint32_t upper = number / 10000;
+        const uint32_t four = number - upper * 10000;
+        const uint32_t high = four / 100;
+        std::memcpy(place - 4, &Pairs[2 * size_t{high}], 2);
+        std::memcpy(place - 2, &Pairs[2 * size_t{four - high * 100}], 2);
+        number = upper;
+        place -= 4;
+    }
     for (; place - text > 1; place -= 2) {
         const uint32_t upper = number / 100;
         std::memcpy(place - 2, &Pairs[2 * size_t{number - upper * 100}], 2);
@@ -70,7 +79,10 @@ int FixedPoint::DecimalsFor(double scale) {
 }
 
 FixedPoint::FixedPoint(int decimals, char point)
-    : Decimals_(decimals), Point_(point), UnitsPerOne_(std::pow(10.0, decimals)) {}
+    : Decimals_(decimals),
+      Point_(point),
+      UnitsPerOne_(std::pow(10.0, decimals)),
+      WholeUnits_(static_cast<uint32_t>(std::min<double>(UnitsPerOne_, UINT32_MAX))) {}
 
 char* FixedPoint::Write(char* text, double value) const {
     const double magnitude = std::abs(value);
@@ -79,17 +91,17 @@ char* FixedPoint::Write(char* text, double value) const {
     const auto below = static_cast<int32_t>(exact);
     const double rest = exact - below;
     if (std::abs(rest - 0.5) < TieMargin) return WriteExactly(text, value);
-    const int32_t units = below + (rest > 0.5 ? 1 : 0);
+    const auto units = static_cast<uint32_t>(below + (rest > 0.5 ? 1 : 0));
     *text = '-';
     text += value < 0 && units != 0 ? 1 : 0;
-    if (Decimals_ == 0) return WriteDigits(text, static_cast<uint32_t>(units));
+    if (Decimals_ == 0) return WriteDigits(text, units);
     // A product costs less than a division; rounding up can reach the next whole number.
-    auto whole = static_cast<int32_t>(magnitude);
-    auto decimals = static_cast<int32_t>(units - whole * UnitsPerOne_);
-    if (decimals >= UnitsPerOne_) whole++, decimals = 0;
-    text = WriteDigits(text, static_cast<uint32_t>(whole));
+    auto whole = static_cast<uint32_t>(static_cast<int32_t>(magnitude));
+    uint32_t decimals = units - whole * WholeUnits_;
+    if (decimals >= WholeUnits_) whole++, decimals = 0;
+    text = WriteDigits(text, whole);
     *text++ = Point_;
-    return WriteDigits(text, static_cast<uint32_t>(decimals), Decimals_);
+    return WriteDigits(text, decimals, Decimals_);
 }
 
 size_t FixedPoint::LengthBetween(double one, double other) const {

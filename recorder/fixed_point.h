@@ -30,7 +30,8 @@ private:
 
     int Decimals_;
     char Point_;
-    double UnitsPerOne_;  // units of the last decimal
+    double UnitsPerOne_;   // units of the last decimal
+    uint32_t WholeUnits_;  // the same, or as many as there can be: then every number here is less than 1
 };
 
 // Writes the last `count` digits of a number, or all. Returns the end.
