@@ -32,7 +32,8 @@ std::vector<Comparison> CsvComparisons();
 std::vector<Comparison> RingComparisons();
 Comparison TwoCoreComparison();
 
-// The times of both sides in ns, taken one right after the other: what else the machine does changes from moment to moment.
+// The times of both sides in ns, taken one right after the other: what else the machine does changes from moment to
+// moment.
 struct Pair {
     double Driver;
     double Alternative;

@@ -57,8 +57,14 @@ std::vector<Comparison> CsvComparisons() {
              text.append(number, static_cast<size_t>(std::snprintf(number, sizeof number, "%.5f,", v)));
          })});
     // The text alone, without what brings the samples and takes it.
-    comparisons.push_back({"CSV, 16 channels, a value", "", Goal::NanosecondsAtMost, sizeof(void*) == 8 ? 10 : 20, write,
-                           [] {}, {}, Kadrs * (ModuleChannels + 1)});
+    comparisons.push_back({"CSV, 16 channels, a value",
+                           "",
+                           Goal::NanosecondsAtMost,
+                           sizeof(void*) == 8 ? 10 : 20,
+                           write,
+                           [] {},
+                           {},
+                           Kadrs * (ModuleChannels + 1)});
     return comparisons;
 }
 

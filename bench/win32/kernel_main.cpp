@@ -1,5 +1,6 @@
-// The comparisons of the kernel and of the recorder's text in the 32-bit build, timed by the processor's counter: Google
-// Benchmark is not packaged for the cross compiler. The two sides take turns. Exit code 1 when a limit is missed.
+// The comparisons of the kernel and of the recorder's text in the 32-bit build, timed by the processor's counter:
+// Google Benchmark is not packaged for the cross compiler. The two sides take turns. Exit code 1 when a limit is
+// missed.
 #include <x86intrin.h>
 #include <chrono>
 
