@@ -30,6 +30,9 @@ std::FILE* OpenAlone(const std::string& path, bool& taken);
 
 // Where the next bytes are written or read, counted from the file's start.
 bool SeekTo(std::FILE* file, int64_t position);
+// These bytes of a file won't be read again soon: the system need not keep them in memory, where others have better use
+// for it.
+void Forget(std::FILE* file, int64_t from, int64_t bytes);
 // Bytes of the file; -1: unknown.
 int64_t LengthOf(std::FILE* file);
 // Everything that was written is on the disk afterwards.

@@ -15,6 +15,11 @@ constexpr size_t HeadSizeMax = 4096;                     // bytes
 constexpr int64_t DescriptionSizeMax = 2 * 1024 * 1024;  // bytes; with all gaps that a recording keeps it is shorter
 constexpr int64_t ChannelsMax = ModulesMax * ModuleChannels;
 
+// Where memory must be found for each further byte of a large file, reading takes several times as long as where its
+// bytes before are forgotten.
+constexpr int64_t LargeFile = 1'000'000'000;
+constexpr int64_t ForgottenAtOnce = 16 * 1024 * 1024;
+
 }  // namespace
 
 NpyRecording::NpyRecording(const std::string& path, CutOff cutOff) : Path_(path), File_(Open(path, "")) {
@@ -72,11 +77,14 @@ void NpyRecording::ReadDescription() {
 void NpyRecording::Read(int64_t first, std::span<int16_t> samples) {
     const int64_t place =
         static_cast<int64_t>(Shape_.HeadSize) + first * Shape_.Channels * static_cast<int64_t>(sizeof(int16_t));
-    if (SeekTo(File_.get(), place) &&
-        std::fread(samples.data(), sizeof(int16_t), samples.size(), File_.get()) == samples.size()) {
-        return;
+    if (!SeekTo(File_.get(), place) ||
+        std::fread(samples.data(), sizeof(int16_t), samples.size(), File_.get()) != samples.size()) {
+        Throw(Say("{} can't be read on.", Path_));
     }
-    Throw(Say("{} can't be read on.", Path_));
+    const int64_t end = place + static_cast<int64_t>(samples.size_bytes());
+    if (end < LargeFile || end - Forgotten_ < ForgottenAtOnce) return;
+    Forget(File_.get(), Forgotten_, end - Forgotten_);
+    Forgotten_ = end;
 }
 
 void NpyRecording::Throw(const std::string& what) {

@@ -30,7 +30,8 @@ public:
     // What the head counts.
     int64_t PromisedKadrs() const { return Shape_.Kadrs; }
 
-    // Reads kadrs from number `first` of this file on.
+    // Reads kadrs from number `first` of this file on, which is meant for all of them in order: a large file does not
+    // stay in the system's memory.
     void Read(int64_t first, std::span<int16_t> samples);
 
 private:
@@ -48,6 +49,7 @@ private:
     File File_;
     NpyShape Shape_;
     int64_t Kadrs_ = 0;
+    int64_t Forgotten_ = 0;  // bytes from the start
     Description Description_;
 };
 

@@ -80,6 +80,10 @@ bool SeekTo(std::FILE* file, int64_t position) {
     return fseeko(file, position, SEEK_SET) == 0;
 }
 
+void Forget(std::FILE* file, int64_t from, int64_t bytes) {
+    posix_fadvise(fileno(file), from, bytes, POSIX_FADV_DONTNEED);
+}
+
 int64_t LengthOf(std::FILE* file) {
     struct stat entry {};
     return fstat(fileno(file), &entry) == 0 ? entry.st_size : -1;

@@ -80,7 +80,7 @@ std::FILE* OpenForWriting(const std::string& path) {
 }
 
 std::FILE* OpenForReading(const std::string& path) {
-    return File(path, GENERIC_READ, ShareAll, OPEN_EXISTING).Release("rb");
+    return File(path, GENERIC_READ, ShareAll, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN).Release("rb");
 }
 
 // To be moved while it is open, it must be shared for deletion.
@@ -97,6 +97,9 @@ std::FILE* OpenAlone(const std::string& path, bool& taken) {
 bool SeekTo(std::FILE* file, int64_t position) {
     return _lseeki64(_fileno(file), position, SEEK_SET) == position;
 }
+
+// It does so by itself with what was opened for reading in order.
+void Forget(std::FILE*, int64_t, int64_t) {}
 
 int64_t LengthOf(std::FILE* file) {
     return _filelengthi64(_fileno(file));
