@@ -95,8 +95,8 @@ void Acquisition::AlignModules() {
         int64_t skip = int64_t{ModuleChannels} * RoundToInt32(double(lead) * double(Engine_.BlockRate) / 1000);
         while (skip > 0 && Busy()) {
             const int32_t part = static_cast<int32_t>(std::min<int64_t>(skip, Engine_.BlockWords));
-            if (Receive(module, 0, part, false) <= 0) platform::SleepMs(PollPause);
-            skip -= part;
+            Receive(module, 0, part, false);
+            skip -= part;  // whatever came of it
         }
     }
 }
