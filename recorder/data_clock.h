@@ -31,8 +31,8 @@ public:
         LastKadrs_ = kadrs;
         const double elapsed = std::chrono::duration<double>(now - First_).count();
         const double lead = static_cast<double>(kadrs - FirstKadrs_) / Rate_ - elapsed;
-        // 1 s covers blocks, networks and busy machines, 0.1 % the difference of two quartz clocks.
         if (lead > 0 && !Timed_) return;
+        // 1 s covers blocks, networks and busy machines, 0.1 % the difference of two quartz clocks.
         if (now < JudgeFrom_ || std::abs(lead) <= std::max(1.0, elapsed * 0.001)) return;
         if (std::abs(lead) > std::abs(WorstLead_)) WorstLead_ = lead;
     }

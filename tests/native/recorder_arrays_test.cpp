@@ -296,8 +296,10 @@ TEST(Reports, HoldEverySampleOrTheExtremesOfEqualGroups) {
                    return gap.Module == (column > 2 ? 1 : 0) && at >= gap.First && at < gap.First + gap.Kadrs;
                });
     };
-    for (const size_t bytesMax : {1000000u, 60000u, 9000u, 300u}) {
-        Collected collected({Count, 2, {0, 0, 0, 1, 1}, 2, 0b00010}, bytesMax, 1000000);
+    // The bytes that it may take, and the kadrs that are thought to come.
+    const std::pair<size_t, int64_t> cases[] = {{1000000, 0}, {60000, 0}, {9000, 0}, {300, 0}, {60000, 2000000}};
+    for (const auto& [bytesMax, expected] : cases) {
+        Collected collected({Count, 2, {0, 0, 0, 1, 1}, 2, 0b00010, expected}, bytesMax, 1000000);
         size_t run = 0;
         for (size_t kadr = 0; kadr < Kadrs;) {
             KadrBlock<int16_t> block;
@@ -312,6 +314,7 @@ TEST(Reports, HoldEverySampleOrTheExtremesOfEqualGroups) {
         }
         const PageData data = collected.Finish(bytesMax);
         EXPECT_LE(data.Size, bytesMax);
+        EXPECT_TRUE(data.BinKadrs == 1 || 3 * data.Size > bytesMax) << data.Size;  // no coarser than it must be
         EXPECT_EQ(data.BinKadrs == 1, bytesMax == 1000000u);
         EXPECT_EQ(data.Bins, (static_cast<int64_t>(Kadrs) + data.BinKadrs - 1) / data.BinKadrs);
         EXPECT_TRUE(data.Numbers[1].empty());

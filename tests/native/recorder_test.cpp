@@ -12,6 +12,7 @@
 
 #include "recorder/command_line.h"
 #include "recorder/csv_writer.h"
+#include "recorder/data_check.h"
 #include "recorder/data_clock.h"
 #include "recorder/envelope.h"
 #include "recorder/failure.h"
@@ -434,6 +435,21 @@ TEST(RecorderDataClock, DoubtsDataAtAnotherPace) {
         }
         EXPECT_EQ(clock.Doubtful(), doubtful) << what << ' ' << clock.WorstLead();
         EXPECT_EQ(untimed.Doubtful(), doubtfulUntimed) << what << ' ' << untimed.WorstLead();
+    }
+}
+
+TEST(RecorderDataClock, SaysNothingOfASimulatorThatHurries) {
+    RecordingTask task;
+    task.Rate = 100;
+    for (const bool simulated : {false, true}) {
+        DeviceSummary device;
+        device.Libraries = {{"ltrapi", "", "", simulated}};
+        DataCheck check(task, device);
+        const auto start = DataClock::Clock::now();
+        for (int time = 0; time < 5000; time += 40) {
+            check.Observe(time, 0, 10000, start + std::chrono::milliseconds(time));  // ten times as many as the rate
+        }
+        EXPECT_EQ(check.Doubts().empty(), simulated);
     }
 }
 

@@ -201,8 +201,10 @@ TEST_F(RecorderGaps, ListExactlyWhatWasNotMeasured) {
                 SCOPED_TRACE(fmt::format("{} Hz, {}{}", rate, trouble.Name, keepFilled ? ", filled" : ""));
                 EXPECT_EQ(Record("0", trouble.Faults(shape), rate, shape.Kadrs, keepFilled), ExitCode::Incomplete);
                 Csv csv = Read(Path);
-                // The modules deliver as fast as they are asked, so the clock may have its doubts.
-                std::erase_if(csv.Remarks, [](const std::string& remark) { return remark.starts_with("doubtful"); });
+                // A busy machine may be late; that the modules deliver as fast as they are asked is no reason to doubt.
+                std::erase_if(csv.Remarks, [](const std::string& remark) {
+                    return remark.starts_with("doubtful") && remark.find("ahead of") == std::string::npos;
+                });
                 EXPECT_EQ(csv.Remarks, GapLines(gaps, rate));
                 ASSERT_EQ(csv.Rows.size(), static_cast<size_t>(shape.Kadrs));
                 for (size_t module = 0; module < Modules; module++) CheckRows(csv, gaps, module, keepFilled);
