@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -83,8 +82,9 @@ public:
         if (!File_) throw std::runtime_error(path + " can't be opened");
         std::setvbuf(File_.get(), nullptr, _IOFBF, BufferBytes);
     }
-    std::FILE* Get() const { return File_.get(); }
-    void FlushWhenDue() {
+    // Into a buffer, which is written when it is full.
+    void Write(const void* data, size_t bytes) {
+        if (std::fwrite(data, 1, bytes, File_.get()) != bytes) throw std::runtime_error("not written");
         if (Clock::now() - LastFlush_ < FlushInterval) return;
         Flush();
         LastFlush_ = Clock::now();
@@ -104,21 +104,8 @@ private:
 
 void Copy(const std::string& path, const RecordingTask& task) {
     PlainFile file(path);
-    std::vector<char> buffer(BufferBytes);
-    size_t used = 0;
-    const auto write = [&] {
-        if (::write(fileno(file.Get()), buffer.data(), used) != static_cast<ssize_t>(used)) {
-            throw std::runtime_error("not written");
-        }
-        used = 0;
-    };
-    ForEachBlock(task.WantedKadrs, task.Channels.size(), [&](std::span<const int16_t> samples) {
-        if (used + samples.size_bytes() > buffer.size()) write();
-        std::memcpy(buffer.data() + used, samples.data(), samples.size_bytes());
-        used += samples.size_bytes();
-        file.FlushWhenDue();
-    });
-    write();
+    ForEachBlock(task.WantedKadrs, task.Channels.size(),
+                 [&](std::span<const int16_t> samples) { file.Write(samples.data(), samples.size_bytes()); });
     file.Flush();
 }
 
@@ -136,21 +123,19 @@ void Format(const std::string& path, const RecordingTask& task) {
             }
             text.push_back('\n');
         }
-        if (std::fwrite(text.data(), 1, text.size(), file.Get()) != text.size())
-            throw std::runtime_error("not written");
-        file.FlushWhenDue();
+        file.Write(text.data(), text.size());
     });
     file.Flush();
 }
 
-int Run(const std::string& writer, const std::string& path, int64_t kadrs) {
+void Run(const std::string& writer, const std::string& path, int64_t kadrs) {
     const RecordingTask task = TaskOf(kadrs);
-    if (writer == "npy") WriteWithRecorder(FileFormat::Npy, path, task);
-    if (writer == "csv") WriteWithRecorder(FileFormat::Csv, path, task);
-    if (writer == "influx") WriteWithRecorder(FileFormat::Influx, path, task);
-    if (writer == "copy") Copy(path, task);
-    if (writer == "fmt") Format(path, task);
-    return 0;
+    if (writer == "npy") return WriteWithRecorder(FileFormat::Npy, path, task);
+    if (writer == "csv") return WriteWithRecorder(FileFormat::Csv, path, task);
+    if (writer == "influx") return WriteWithRecorder(FileFormat::Influx, path, task);
+    if (writer == "copy") return Copy(path, task);
+    if (writer == "fmt") return Format(path, task);
+    throw std::runtime_error("there is no writer " + writer);
 }
 
 }  // namespace
@@ -159,8 +144,9 @@ int Run(const std::string& writer, const std::string& path, int64_t kadrs) {
 
 int main(int count, char* arguments[]) {
     try {
-        if (count == 4) return corvane::bench::Run(arguments[1], arguments[2], std::stoll(arguments[3]));
-        std::fputs("usage: writers npy|csv|influx|copy|fmt FILE KADRS\n", stderr);
+        if (count != 4) throw std::runtime_error("usage: writers npy|csv|influx|copy|fmt FILE KADRS");
+        corvane::bench::Run(arguments[1], arguments[2], std::stoll(arguments[3]));
+        return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "writers: %s\n", error.what());
     }
