@@ -83,7 +83,7 @@ Function ${un}Begin
   retry:
   !insertmacro Recorder "$PLUGINSDIR" 'driver --programs --folder "$INSTDIR"'
   ${If} $Code == error
-    StrCpy $Text ""  ; which programs is not known, but the file is
+    StrCpy $Text ""  ; no list of programs: whether one has the file, it tells itself
   ${EndIf}
   ${If} $Text == ""
   ${AndIf} ${FileExists} "$INSTDIR\Corvane.adc"

@@ -64,8 +64,7 @@ constexpr Text Known[] = {
     "the driver ended the recording. {}",
     // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one long text
     "doubtful: the kadrs were up to {:.1f} s behind this computer's clock, so times may be wrong by as much, or kadrs "
-    "be "
-    "missing",
+    "be missing",
     "doubtful: the kadrs were up to {:.1f} s ahead of this computer's clock, so times may be wrong by as much",
     "doubtful: the driver's ring was full, this computer was too slow and kadrs may be missing",
     "There is no crate with the serial number \"{}\". None was found.",

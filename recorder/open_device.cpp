@@ -46,8 +46,7 @@ std::string WhyNone(const Options& options, const std::string& reason) {
         options.Server.empty() ? Say("on this machine; --server names another one") : Say("at {}", options.Server);
     return Say(
         "No LTR27 module could be opened{}{}\nCheck that the LTR server is running ({}), that the crate is connected "
-        "to "
-        "it and switched on, and that an LTR27 module is in it.",
+        "to it and switched on, and that an LTR27 module is in it.",
         reason.empty() ? "." : ". ", Translated(reason), where);
 }
 
