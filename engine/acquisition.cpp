@@ -32,8 +32,8 @@ private:
     void WaitStartMark();
     void WaitForRoom();
     void ReceiveBlock();
-    int32_t Receive(ModuleRecord& module, int32_t from, int32_t count, bool withMarks);
-    int32_t ReceiveWholeKadrs(ModuleRecord& module, bool withMarks);
+    int32_t Receive(ModuleRecord& module, int32_t from, int32_t count, uint32_t* marks);
+    int32_t ReceiveWholeKadrs(ModuleRecord& module, uint32_t* marks);
     void DropWords(int32_t& words, int32_t count);
     int32_t FindStartMark(int32_t words) const;
     void CompleteBlock(ModuleRecord& module, int32_t words);
@@ -90,12 +90,11 @@ void Acquisition::WaitForRoom() {
 void Acquisition::AlignModules() {
     const uint32_t reference = Engine_.UsedModules().back().StartTick;
     for (ModuleRecord& module : Engine_.UsedModules()) {
-        if (!module.Used || &module == &Engine_.UsedModules().back()) continue;
         const auto lead = static_cast<int32_t>(reference - module.StartTick);
-        int64_t skip = int64_t{ModuleChannels} * RoundToInt32(double(lead) * double(Engine_.BlockRate) / 1000);
+        int32_t skip = RoundToInt32(double(lead) * double(Engine_.BlockRate) / 1000);  // kadrs
         while (skip > 0 && Busy()) {
-            const int32_t part = static_cast<int32_t>(std::min<int64_t>(skip, Engine_.BlockWords));
-            Receive(module, 0, part, false);
+            const int32_t part = std::min(skip, Engine_.BlockKadrs);
+            Receive(module, 0, part * ModuleChannels, nullptr);
             skip -= part;  // whatever came of it
         }
     }
@@ -108,15 +107,15 @@ void Acquisition::WaitStartMark() {
     while (Busy() && pending) {
         pending = false;
         for (ModuleRecord& module : Engine_.UsedModules()) {
-            if (!module.Used || module.Received > 0) continue;
-            int32_t words = ReceiveWholeKadrs(module, true);
+            if (module.Received != 0) continue;
+            int32_t words = ReceiveWholeKadrs(module, Engine_.MarkBuffer.data());
             if (!Busy()) return;
             int32_t start = FindStartMark(words);
             if (start < words) {
                 DropWords(words, start);
                 CompleteBlock(module, words);
             }
-            if (module.Received <= 0) pending = true;
+            if (module.Received == 0) pending = true;
         }
         if (pending) platform::SleepMs(PollPause);
     }
@@ -124,10 +123,9 @@ void Acquisition::WaitStartMark() {
 
 // First word of the first kadr with a new START mark; `words` or more when there is none.
 int32_t Acquisition::FindStartMark(int32_t words) const {
+    const auto old = static_cast<uint32_t>(Engine_.MarkRef);
     int32_t word = 0;
-    while (word < words) {
-        const uint32_t mark = Engine_.MarkBuffer[static_cast<size_t>(word)] & StartMarkBits;
-        if (mark != static_cast<uint32_t>(Engine_.MarkRef)) break;
+    while (word < words && (Engine_.MarkBuffer[static_cast<size_t>(word)] & StartMarkBits) == old) {
         word += ModuleChannels;
     }
     return word;
@@ -136,10 +134,9 @@ int32_t Acquisition::FindStartMark(int32_t words) const {
 void Acquisition::ReceiveBlock() {
     bool delivered = false;
     for (ModuleRecord& module : Engine_.UsedModules()) {
-        if (!module.Used) continue;
         module.Received = module.Measured = 0;
         module.Missing = GapReason::NothingCame;
-        const int32_t words = ReceiveWholeKadrs(module, false);
+        const int32_t words = ReceiveWholeKadrs(module, nullptr);
         if (words > 0) {
             CompleteBlock(module, words);
             delivered = true;
@@ -165,29 +162,29 @@ void Acquisition::PauseUntilDue() {
     while (Busy() && late() < 0) platform::SleepMs(PollPause);
 }
 
-// Receives up to `count` words into the receive buffer, from index `from` on; marks only from its start on. Words
-// received, 0 or a negative code.
-int32_t Acquisition::Receive(ModuleRecord& module, int32_t from, int32_t count, bool withMarks) {
+// Receives up to `count` words into the receive buffer, from index `from` on, and their time marks where these are
+// asked for. Words received; 0 also when the receive failed.
+int32_t Acquisition::Receive(ModuleRecord& module, int32_t from, int32_t count, uint32_t* marks) {
     uint32_t* data = Engine_.ReceiveBuffer.data() + from;
-    uint32_t* marks = withMarks ? Engine_.MarkBuffer.data() : nullptr;
-    const int32_t words = Engine_.ModuleApi.RecvWithMarks(module.Handle, data, marks, static_cast<uint32_t>(count),
-                                                          static_cast<uint32_t>(Engine_.RecvTimeout));
-    if (words > 0) module.StreamWords += static_cast<uint32_t>(std::min(words, count));
-    return std::min(words, count);
+    const int32_t came = Engine_.ModuleApi.RecvWithMarks(module.Handle, data, marks, static_cast<uint32_t>(count),
+                                                         static_cast<uint32_t>(Engine_.RecvTimeout));
+    const int32_t words = std::clamp(came, 0, count);
+    module.StreamWords += static_cast<uint32_t>(words);
+    return words;
 }
 
 // Receives up to one block, which begins with a kadr's first word. Where the receive before ended inside a kadr, that
 // kadr has been filled up and stored already; its late words are dropped, so that every channel keeps its position.
-int32_t Acquisition::ReceiveWholeKadrs(ModuleRecord& module, bool withMarks) {
+int32_t Acquisition::ReceiveWholeKadrs(ModuleRecord& module, uint32_t* marks) {
     const auto late = static_cast<int32_t>((0u - module.StreamWords) % ModuleChannels);
-    int32_t words = Receive(module, 0, Engine_.BlockWords, withMarks);
-    if (words > 0) DropWords(words, std::min(late, words));
+    int32_t words = Receive(module, 0, Engine_.BlockWords, marks);
+    DropWords(words, std::min(late, words));
     return words;
 }
 
 // Moves what follows the first `count` words of the receive and mark buffers to their start.
 void Acquisition::DropWords(int32_t& words, int32_t count) {
-    if (count <= 0) return;
+    if (count == 0) return;
     words -= count;
     const size_t bytes = static_cast<size_t>(words) * sizeof(uint32_t);
     std::memmove(Engine_.ReceiveBuffer.data(), Engine_.ReceiveBuffer.data() + count, bytes);
@@ -200,7 +197,7 @@ void Acquisition::DropWords(int32_t& words, int32_t count) {
 // stays.
 void Acquisition::CompleteBlock(ModuleRecord& module, int32_t words) {
     if (words < Engine_.BlockWords) {
-        words += std::max(Receive(module, words, Engine_.BlockWords - words, false), 0);
+        words += Receive(module, words, Engine_.BlockWords - words, nullptr);
     }
     auto size = static_cast<uint32_t>(words);
     if (!Engine_.ModuleApi.ProcessData(module.Handle, Engine_.ReceiveBuffer.data(), module.Block.data(), size,
@@ -225,9 +222,7 @@ int32_t Acquisition::WholeKadrs(const ModuleRecord& module, size_t values) const
 
 // Called before the block becomes visible to the reader: a kadr that was not measured is listed before it can be read.
 void Acquisition::ListGaps() {
-    for (const ModuleRecord& module : Engine_.UsedModules()) {
-        if (module.Used) ListGapsOf(module);
-    }
+    for (const ModuleRecord& module : Engine_.UsedModules()) ListGapsOf(module);
 }
 
 // Where a calibration is senseless the library gives NaN or infinity and reports success. The sample is then the lowest

@@ -13,7 +13,6 @@ namespace corvane {
 namespace {
 
 void ChooseUsedModules(EngineState& engine, const std::vector<int16_t>& table) {
-    for (ModuleRecord& module : engine.Opened()) module.Used = false;
     engine.FirstUsed = engine.OpenedCount;
     engine.LastUsed = -1;
     for (const int16_t channel : table) {
@@ -21,7 +20,6 @@ void ChooseUsedModules(EngineState& engine, const std::vector<int16_t>& table) {
         if (index >= engine.OpenedCount) continue;
         engine.FirstUsed = std::min(engine.FirstUsed, index);
         engine.LastUsed = std::max(engine.LastUsed, index);
-        engine.Modules[static_cast<size_t>(index)].Used = true;
     }
 }
 
@@ -36,7 +34,6 @@ void SizeBlocks(EngineState& engine, float rate) {
 
 bool ConfigureUsedModules(EngineState& engine, std::string& lastError) {
     for (ModuleRecord& module : engine.UsedModules()) {
-        if (!module.Used) continue;
         if (!engine.ModuleApi.SetConfig(module.Handle)) {
             lastError = engine.ModuleApi.GetErrorString();
             return false;
@@ -50,7 +47,6 @@ bool ConfigureUsedModules(EngineState& engine, std::string& lastError) {
 
 bool StartUsedModules(EngineState& engine, std::string& lastError) {
     for (ModuleRecord& module : engine.UsedModules()) {
-        if (!module.Used) continue;
         if (!engine.ModuleApi.ADCStart(module.Handle)) {
             lastError = engine.ModuleApi.GetErrorString();
             return false;

@@ -197,7 +197,7 @@ int32_t VENDOR_CALL LTR27_ADCStop(TLTR27* record) {
 int32_t VENDOR_CALL LTR27_Recv(TLTR27* record, uint32_t* words, uint32_t* timeMarksOrNull, uint32_t count,
                                uint32_t timeoutMs) {
     return ModuleCall("LTR27_Recv", record, [&](ModuleConnection& module, const Verdict& verdict) {
-        if (!words || count > LargestCount) {
+        if (!words || count == 0 || count > LargestCount) {
             return World::Instance().Violation("LTR27_Recv", "null buffer or senseless count", BadArgument);
         }
         if (verdict.Stall) {

@@ -33,7 +33,7 @@ struct EngineState {
     std::vector<ModuleRecord> Modules;  // one per module of the chosen crate; only the first OpenedCount are open
     int16_t OpenedCount = 0;
 
-    int16_t FirstUsed = 0;  // lowest and highest index of a used module
+    int16_t FirstUsed = 0;  // lowest and highest index of a module that takes part in the recording
     int16_t LastUsed = -1;
     int32_t BlockKadrs = 0;        // kadrs per block, a power of two from 1 to 64
     int32_t BlockWords = 0;        // words per module and block
@@ -46,8 +46,9 @@ struct EngineState {
 
     std::span<ModuleRecord> Opened() { return {Modules.data(), static_cast<size_t>(OpenedCount)}; }
     std::span<const ModuleRecord> Opened() const { return {Modules.data(), static_cast<size_t>(OpenedCount)}; }
-    // Modules from the first to the last used one; with two modules at most, all of them are used.
+    // Those that take part in the recording.
     std::span<ModuleRecord> UsedModules() {
+        static_assert(MaxModules == 2, "of more, one between the first and the last may be unused");
         if (LastUsed < FirstUsed) return {};
         return {Modules.data() + FirstUsed, static_cast<size_t>(LastUsed - FirstUsed + 1)};
     }

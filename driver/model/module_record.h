@@ -30,7 +30,6 @@ struct ModuleRecord {
     std::array<MezzanineInfo, MezzaninePositions> Mezzanines;
 
     // recording
-    bool Used = false;                           // takes part in the current recording
     uint32_t StartTick = 0;                      // ms, when its acquisition was started
     int32_t Received = 0;                        // words of the current block already processed; 0: none
     int32_t Measured = 0;                        // measured kadrs, with which the current block begins

@@ -33,6 +33,8 @@ TEST(Rate, AnyNumberBecomesAReachableRate) {
         EXPECT_EQ(engine.Modules[0].Handle.FrequencyDivisor, divisor);
         EXPECT_EQ(ApplyRate(input, engine, input.Rate), EffectiveRate(input, asked));  // stays where it is
     }
+    input.RateMin = 1;  // below what eight bits divide down to
+    EXPECT_EQ(EffectiveRate(input, 1), 1000.0f / 256);
 }
 
 TEST(Rate, BlocksAndWaitsFollowTheRate) {
@@ -44,6 +46,7 @@ TEST(Rate, BlocksAndWaitsFollowTheRate) {
         EXPECT_EQ(RecvTimeoutFor(rate, blockKadrs), recvTimeout);
         EXPECT_EQ(StopWaitFor(rate, blockKadrs), stopWait);
     }
+    EXPECT_EQ(StopWaitFor(0, 0), 0u) << "nothing was ever recorded";
 }
 
 // The rule, written down once more in long-hand arithmetic.
@@ -84,10 +87,11 @@ protected:
         Engine.Modules[1].Mezzanines[3].Name.clear();
     }
 
-    // Every value must land at its channel's position and nowhere else.
-    void Check(const std::vector<int16_t>& table, int32_t kadrs) {
+    // Every value must land at its channel's position and nowhere else. Only whole modules go the fast way.
+    void Check(const std::vector<int16_t>& table, int32_t kadrs, size_t wholeModules) {
         const std::vector<double> codes = Codes();
         const StorePlan plan = MakeStorePlan(Engine, table);
+        EXPECT_EQ(plan.Dense.size(), wholeModules);
         std::vector<int16_t> ring(64 * table.size() + 1);
         int64_t wrong = 0;
         for (size_t first = 0; first < codes.size(); first += 64 * ModuleChannels) {
@@ -104,8 +108,9 @@ protected:
             for (size_t i = 0; i < 64 * table.size(); i++) {
                 const int16_t channel = table[i % table.size()];
                 const ModuleRecord& module = Engine.Modules[static_cast<size_t>(channel / ModuleChannels)];
-                const bool stored =
-                    i / table.size() < static_cast<size_t>(kadrs) && ChannelFitted(module, channel % ModuleChannels);
+                const bool stored = i / table.size() < static_cast<size_t>(kadrs) &&
+                                    channel < Engine.OpenedCount * ModuleChannels &&
+                                    ChannelFitted(module, channel % ModuleChannels);
                 const double code =
                     module.Block[i / table.size() * ModuleChannels + static_cast<size_t>(channel % ModuleChannels)];
                 wrong += ring[i] != (stored ? Expected(code) : 0);
@@ -123,12 +128,23 @@ TEST_F(StoreBlockTest, EveryDoubleInEveryShapeOfTable) {
     const std::vector<int16_t> second(all.begin() + 16, all.end());
     const std::vector<int16_t> one = {0}, some = {3, 20, 22, 23, 31};
     const std::vector<int16_t> gap = {0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
-    for (const auto& table : {all, second, one, some, gap}) {
-        Check(table, 64);
-        Check(table, 63);
+    const std::pair<std::vector<int16_t>, size_t> rows[] = {{all, 2}, {second, 1}, {one, 0}, {some, 0}, {gap, 0}};
+    for (const auto& [table, wholeModules] : rows) {
+        Check(table, 64, wholeModules);
+        Check(table, 63, wholeModules);
     }
+    Engine.OpenedCount = 1;  // the other one is gone
+    Check(some, 64, 0);
     for (const auto& [value, rounded] : {std::pair{2.5, 2}, {3.5, 4}, {-1e300, INT32_MIN}, {1e300, INT32_MAX}}) {
         EXPECT_EQ(RoundToInt32(value), rounded);
+    }
+}
+
+TEST(AllNumbers, LooksAtTheWholeBlockAndNoFurther) {
+    for (const int at : {0, 1, 2 * ModuleChannels - 1, 2 * ModuleChannels}) {
+        std::vector<double> block(3 * ModuleChannels, -1.5);
+        block[static_cast<size_t>(at)] = std::nan("");
+        EXPECT_EQ(AllNumbers(block.data(), 2), at == 2 * ModuleChannels) << at;
     }
 }
 
