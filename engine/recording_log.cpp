@@ -13,10 +13,12 @@ constexpr size_t GapsLogged = 100;  // of one recording
 // "0-15,17"
 std::string ChannelList(const std::vector<int16_t>& table) {
     std::string list;
-    for (size_t first = 0, next = 0; first < table.size(); first = next) {
-        for (next = first + 1; next < table.size() && table[next] == table[next - 1] + 1;) next++;
+    for (size_t first = 0; first < table.size();) {
+        size_t next = first + 1;
+        while (next < table.size() && table[next] == table[next - 1] + 1) next++;
         list += (list.empty() ? "" : ",") + std::to_string(table[first]);
         if (next > first + 1) list += "-" + std::to_string(table[next - 1]);
+        first = next;
     }
     return list;
 }

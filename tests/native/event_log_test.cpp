@@ -28,7 +28,7 @@ protected:
         Configure(SequenceCrate({3, 5}, "1.0"));
         AddFault("call = \"LTR27_Recv\"\nslot = 5\nafter = 2\ntimes = 1\nstall = true\n");
         EXPECT_TRUE(Driver->Test());
-        Select({0, 1, 16});
+        Select({1, 2, 16});
         Driver->SetRate(1000);
         EXPECT_TRUE(Driver->StartRecord());
         EXPECT_FALSE(Take(192).empty());
@@ -38,6 +38,12 @@ protected:
     std::string Text() const {
         std::ifstream file(Path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    int64_t Count(const std::string& words) const {
+        const std::string text = Text();
+        const std::regex sought(words);
+        return std::distance(std::sregex_iterator(text.begin(), text.end(), sought), {});
     }
 
     const std::filesystem::path Folder = std::filesystem::temp_directory_path() / "corvane-event-log";
@@ -57,7 +63,7 @@ TEST_F(EventLog, IsKeptWhereItExistsAndTellsTheRoadOfARecording) {
     for (const char* part :
          {"Corvane 3.", "host ", "settings read", "server 127.0.0.1: crates 1", "opening crate CRATE1",
           "Crate Slot: 3, mezzanines SEQ, SEQ, SEQ, SEQ, SEQ, SEQ, SEQ, -\r\n", "Crate Slot: 5",
-          ("recording: channels 0-1,16 at 1000.000000 Hz, ring of 32768 kadrs, blocks of 64, time-out 564 ms, "
+          ("recording: channels 1-2,16 at 1000.000000 Hz, ring of 32768 kadrs, blocks of 64, time-out 564 ms, "
            "START mark mode 0, waits for the mark\r\n"),
           "gap: slot 5, 64 kadrs from 128: nothing came",
           "recording ended: ", " kadrs, of which the host has 192; gaps: 1\r\n", "device closed", "settings written"}) {
@@ -70,6 +76,20 @@ TEST_F(EventLog, IsKeptWhereItExistsAndTellsTheRoadOfARecording) {
     text = Text().substr(text.size());
     EXPECT_NE(std::string::npos, text.find("slot 3 can't be opened. Error '-7': ")) << text;
     EXPECT_NE(std::string::npos, text.find("no device opened. Error '-7': ")) << text;
+}
+
+TEST_F(EventLog, TellsTheEndOnceAndTheFirstHundredGaps) {
+    std::ofstream(Path).flush();
+    Configure(SequenceCrate({3}, "0"));
+    AddFault("call = \"LTR27_ProcessData\"\nvalue = nan");  // one kadr of each block
+    EXPECT_TRUE(Driver->Test());
+    Driver->SetRate(1000);
+    EXPECT_TRUE(Driver->StartRecord());
+    EXPECT_FALSE(Take(120 * 64).empty());
+    StopWhole();
+    Driver.reset();
+    EXPECT_EQ(Count("gap: slot 3, 1 kadrs from "), 100);
+    EXPECT_EQ(Count("recording ended: \\d+ kadrs, of which the host has 7680; gaps: 1[2-9]\\d\r\n"), 1) << Text();
 }
 
 TEST_F(EventLog, IsBoundedAndHarmlessWhereItCanNotBeWritten) {
