@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <new>
 
 #include "engine/module_control.h"
@@ -34,8 +35,8 @@ std::string CrateInfoText(const CrateInfo& crate) {
 
 MezzanineInfo ReadMezzanine(const MezzanineDescription& description, const MezzanineConfig& config) {
     constexpr double FullScale = 32768;
+    if (description.Active == 0) return {};
     MezzanineInfo mezzanine;
-    if (description.Active == 0) return mezzanine;
     mezzanine.Name = BytesToText(description.Name);
     mezzanine.Serial = BytesToText(description.Serial);
     mezzanine.Revision = platform::FromAnsi(std::string_view(&description.Revision, 1)) + ".0";
@@ -65,10 +66,11 @@ bool OpenModule(TLTR27API& api, ModuleRecord& module, const CrateListEntry& crat
         platform::LogEvent([&] { return "slot " + std::to_string(slot) + " can't be opened. " + lastError; });
         return false;
     }
+    const auto close = [&](TLTR27* record) { api.Close(*record); };
+    std::unique_ptr<TLTR27, decltype(close)> open(&handle, close);  // closed again unless all of it is read
     if (!ReadModule(api, module)) {
         lastError = api.GetErrorString();
         platform::LogEvent([&] { return "slot " + std::to_string(slot) + " can't be read. " + lastError; });
-        api.Close(handle);
         return false;
     }
     module.Slot = slot;
@@ -85,6 +87,7 @@ bool OpenModule(TLTR27API& api, ModuleRecord& module, const CrateListEntry& crat
     }
     platform::LogEvent([&] { return "opened " + module.Info + MezzanineNames(module); });
     module.PollTick = platform::TickCount();
+    static_cast<void>(open.release());
     return true;
 }
 
@@ -97,44 +100,46 @@ std::string FoundSerials(const CrateSearch& search) {
     return serials;
 }
 
-// Index of the crate to open, or -1. A user who closes the dialog knows why there is none; where no user was asked,
+// The crate to open; null: none. A user who closes the dialog knows why there is none; where no user was asked,
 // lastError says why.
-int ChooseCrate(const CrateSearch& search, std::string& lastError) {
+const CrateListEntry* ChooseCrate(const CrateSearch& search, std::string& lastError) {
+    const std::vector<CrateListEntry>& crates = search.CrateList;
     if (!search.CrateSerial.empty()) {
-        const auto named = [&](const CrateListEntry& crate) { return crate.Serial == search.CrateSerial; };
-        const auto crate = std::ranges::find_if(search.CrateList, named);
-        if (crate != search.CrateList.end()) return static_cast<int>(crate - search.CrateList.begin());
-        const std::string found = search.CrateList.empty() ? "None was found." : "Found: " + FoundSerials(search) + ".";
+        const auto crate = std::ranges::find(crates, search.CrateSerial, &CrateListEntry::Serial);
+        if (crate != crates.end()) return &*crate;
+        const std::string found = crates.empty() ? "None was found." : "Found: " + FoundSerials(search) + ".";
         lastError = "There is no crate with the serial number \"" + search.CrateSerial + "\". " + found;
-        return -1;
+        return nullptr;
     }
-    if (search.CrateListCount < 2) return search.CrateListCount - 1;
-    if (search.Interactive) return SelectDevice(search);
+    if (crates.size() < 2) return crates.empty() ? nullptr : &crates.front();
+    if (search.Interactive) {
+        const auto choice = static_cast<size_t>(SelectDevice(search));
+        return choice < crates.size() ? &crates[choice] : nullptr;
+    }
     lastError = "Several crates were found; one has to be chosen by its serial number: " + FoundSerials(search) + ".";
-    return -1;
+    return nullptr;
 }
 
 bool OpenSelectedCrate(const CrateSearch& search, DeviceInfo& device, EngineState& engine, CrateInfo& crate) {
-    const int choice = ChooseCrate(search, device.LastError);
-    if (choice < 0 || choice >= search.CrateListCount) return false;
-    const CrateListEntry& chosen = search.CrateList[static_cast<size_t>(choice)];
-    platform::LogEvent([&] { return "opening crate " + chosen.Serial; });
+    const CrateListEntry* chosen = ChooseCrate(search, device.LastError);
+    if (chosen == nullptr) return false;
+    platform::LogEvent([&] { return "opening crate " + chosen->Serial; });
     const platform::BusyPointer busyPointer;
-    CloseModules(engine);
-    engine.Modules = std::vector<ModuleRecord>(chosen.Modules.size());
-    for (const ModuleListEntry& entry : chosen.Modules) {
+    CloseModules(engine);  // an opening that ran out of memory may have left some
+    engine.Modules = std::vector<ModuleRecord>(chosen->Modules.size());
+    for (const ModuleListEntry& entry : chosen->Modules) {
         ModuleRecord& module = engine.Modules[static_cast<size_t>(engine.OpenedCount)];
-        if (OpenModule(engine.ModuleApi, module, chosen, entry.Slot, device.LastError)) {
+        if (OpenModule(engine.ModuleApi, module, *chosen, entry.Slot, device.LastError)) {
             engine.OpenedCount++;
         }
         if (engine.OpenedCount == MaxModules) break;
     }
     if (engine.OpenedCount == 0) return false;
-    crate.Address = chosen.Address;
-    crate.NetAddr = chosen.NetAddr;
-    crate.TypeName = chosen.TypeName;
-    crate.Serial = chosen.Serial;
-    crate.Interface = chosen.Interface;
+    crate.Address = chosen->Address;
+    crate.NetAddr = chosen->NetAddr;
+    crate.TypeName = chosen->TypeName;
+    crate.Serial = chosen->Serial;
+    crate.Interface = chosen->Interface;
     crate.Info = CrateInfoText(crate);
     BuildChannelModel(device, engine.Opened());
     return true;
@@ -180,7 +185,7 @@ bool CloseDevice(EngineState& engine) {
     StopRecording(engine);
     // The thread makes at most four more calls that may wait: two receives, each up to its time-out, and stopping two
     // modules. Five more seconds are enough for a busy server; a thread that has not ended by then never will.
-    const uint32_t bound = 2 * static_cast<uint32_t>(engine.RecvTimeout) + 5000;
+    const uint32_t bound = 2 * static_cast<uint32_t>(engine.RecvTimeout) + 5000;  // ms
     if (!engine.Thread.WaitEnd(bound)) {
         platform::LogEvent(
             [&] { return "the recording thread does not come back from the vendor library: nothing is closed"; });

@@ -145,6 +145,21 @@ TEST_F(DialogsOfADriver, OneThatCanNotBeMadeIsAnOrdinaryFailure) {
     }
 }
 
+TEST_F(DialogsOfADriver, OfSeveralCratesTheUserChoosesOne) {
+    int shown = 0;
+    for (const char* chosen : {"A", "B", ""}) {
+        Configure(Server("127.0.0.1") + Crate("A", {3}) + (*chosen == 'A' ? "" : Crate("B", {3})));
+        UserOfDevice = [&](dlgQuorn& dialog) {
+            shown++;
+            *chosen != '\0' ? dialog.ClickNode("C1") : dialog.PressCancel();
+        };
+        EXPECT_EQ(Driver->Test(), *chosen != '\0');
+        EXPECT_EQ(State().Crate.Serial + Driver->LastError(), chosen);
+    }
+    UserOfDevice = nullptr;
+    EXPECT_EQ(shown, 2) << "the only one is not asked for";
+}
+
 // As a host's timer would while the dialog is open.
 TEST_F(DialogsOfADriver, CallsDuringTheDialogDoNothing) {
     int shown = 0;

@@ -71,11 +71,13 @@ TEST_F(EventLog, IsKeptWhereItExistsAndTellsTheRoadOfARecording) {
         EXPECT_NE(std::string::npos, at) << part << " in\n" << text;
         last = at == std::string::npos ? last : at;
     }
+    EXPECT_EQ(Count("recording ended"), 1) << "however often one may ask";
     AddFault("call = \"LTR27_Open\"\nerror = -7\n");
     EXPECT_FALSE(std::make_unique<DriverObject>()->Test());
     text = Text().substr(text.size());
     EXPECT_NE(std::string::npos, text.find("slot 3 can't be opened. Error '-7': ")) << text;
     EXPECT_NE(std::string::npos, text.find("no device opened. Error '-7': ")) << text;
+    EXPECT_EQ(std::string::npos, text.find("device closed")) << text;
 }
 
 TEST_F(EventLog, TellsTheEndOnceAndTheFirstHundredGaps) {
@@ -86,9 +88,10 @@ TEST_F(EventLog, TellsTheEndOnceAndTheFirstHundredGaps) {
     Driver->SetRate(1000);
     EXPECT_TRUE(Driver->StartRecord());
     EXPECT_FALSE(Take(120 * 64).empty());
-    StopWhole();
+    AddFault("call = \"LTR27_Recv\"\nstall = true");  // the thread ends only while the device is closed
     Driver.reset();
     EXPECT_EQ(Count("gap: slot 3, 1 kadrs from "), 100);
+    EXPECT_EQ(Count("device closed"), 1);
     EXPECT_EQ(Count("recording ended: \\d+ kadrs, of which the host has 7680; gaps: 1[2-9]\\d\r\n"), 1) << Text();
 }
 

@@ -91,6 +91,23 @@ TEST_F(RecordingTest, StartFailuresNameTheirReasonAndLeaveNothingRunning) {
     }
 }
 
+TEST_F(RecordingTest, AnOpeningThatRunsOutOfMemoryIsMadeGoodByTheNext) {
+    for (int allocation = 1, unused = 0; unused == 0; allocation++) {
+        Configure(SequenceCrate({3, 5}, "1.0"));
+        FailingAllocation = allocation;
+        try {
+            Driver->Test();
+        } catch (const std::bad_alloc&) {
+        }
+        unused = std::exchange(FailingAllocation, 0);
+        ASSERT_TRUE(Driver->Test() || !Driver->LastError().empty()) << allocation;
+        ASSERT_EQ(LtrSim_OpenConnections(), Driver->ModulesCount()) << allocation;
+        ASSERT_TRUE(unused == 0 || Driver->ModulesCount() == 2);
+        Driver.reset();
+        ASSERT_EQ(LtrSim_OpenConnections(), 0) << allocation;
+    }
+}
+
 TEST_F(RecordingTest, AStartThatRunsOutOfMemoryLeavesNothingRunning) {
     for (int allocation = 1, unused = 0; unused == 0; allocation++) {
         Open(SequenceCrate({3, 5}, "1.0"), {0, 16}, 1000);
