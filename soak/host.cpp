@@ -9,6 +9,7 @@
 #include "driver/lifecycle.h"
 #include "simulator/control.h"
 #include "simulator/sequence.h"
+#include "standins/short_memory.h"
 
 namespace corvane::soak {
 
@@ -48,6 +49,7 @@ void Tally::Add(const Tally& other) {
     Steps += other.Steps;
     Recordings += other.Recordings;
     Faults += other.Faults;
+    Shortages += other.Shortages;
     Delivered += other.Delivered;
     Compared += other.Compared;
     Listed += other.Listed;
@@ -61,6 +63,7 @@ void Host::Run(int64_t steps) {
 }
 
 void Host::RunWhole() {
+    MemoryLasts_ = true;
     Create();
     Any().SetCrateSerial(FirstCrate);
     Expect(Any().Test(), "the device is back, but can't be opened: " + Any().LastError());
@@ -103,6 +106,24 @@ void Host::Step(const Action& action) {
 
 DriverObject& Host::Any() {
     return *Objects_[static_cast<size_t>(Chance_.Below(static_cast<int64_t>(Objects_.size())))];
+}
+
+bool Host::Call(const std::function<void()>& call) {
+    const auto allocation = static_cast<int>(Chance_.OneIn(4) ? Chance_.From(1, 60) : 0);
+    FailingAllocation = MemoryLasts_ ? 0 : allocation;
+    bool whole = true;
+    try {
+        call();
+    } catch (const std::bad_alloc&) {
+        whole = false;
+    }
+    const bool failed = allocation > 0 && std::exchange(FailingAllocation, 0) == 0;
+    if (failed && !MemoryLasts_) {
+        Counts_.Shortages++;
+        Trail_.push_back("  out of memory");
+    }
+    Expect(whole || failed, "out of memory");
+    return whole;
 }
 
 void Host::Expect(bool promise, const std::string& what) {
@@ -159,20 +180,24 @@ void Host::Take(const int16_t* kadrs, int64_t first, int64_t count) {
 void Host::Create() {
     if (Objects_.size() == 3) return;
     if (Objects_.empty()) Recorded_ = 0;
-    Objects_.push_back(std::make_unique<DriverObject>());
+    std::unique_ptr<DriverObject> made;
+    if (!Call([&] { made = std::make_unique<DriverObject>(); })) return;
+    Objects_.push_back(std::move(made));
     Objects_.back()->SetInteractive(false);
 }
 
 void Host::Release() {
     const auto released = Chance_.Below(static_cast<int64_t>(Objects_.size()));
+    std::unique_ptr<DriverObject> object = std::move(Objects_[static_cast<size_t>(released)]);
     Objects_.erase(Objects_.begin() + released);
+    Call([&] { object.reset(); });
     if (Objects_.empty()) EndCheck();
 }
 
 void Host::Test() {
     DriverObject& driver = Any();
     driver.SetCrateSerial(Chance_.OneIn(5) ? "" : FirstCrate);
-    Expect(driver.Test() == driver.Detected(), "what Test answers");
+    Call([&] { Expect(driver.Test() == driver.Detected(), "what Test answers"); });
 }
 
 // The check needs one channel of each module that counts its kadrs.
@@ -184,9 +209,10 @@ void Host::Start() {
         const auto own = [&](int16_t channel) { return channel / 16 == first / 16; };
         if (std::ranges::any_of(table, own)) table.push_back(static_cast<int16_t>(even[first / 16]));
     }
-    driver.SetInputChannels(table);
+    if (!Call([&] { driver.SetInputChannels(table); })) return;
     const bool busy = driver.Busy(), detected = driver.Detected();
-    const bool started = driver.StartRecord();
+    bool started = false;
+    Call([&] { started = driver.StartRecord(); });
     Expect(!started || (!busy && detected && driver.Busy()), "a start that can't be");
     if (busy || !detected || (!started && driver.KadrsRecorded() > 0)) return;
     EndCheck();
@@ -197,7 +223,7 @@ void Host::Start() {
 
 void Host::Stop() {
     DriverObject& driver = Any();
-    driver.StopRecord();
+    Call([&] { driver.StopRecord(); });
     Expect(!driver.Busy(), "busy after a stop");
 }
 
@@ -218,7 +244,8 @@ void Host::ReadOnce(DriverObject& driver, std::vector<int16_t>& samples) {
     int32_t remaining = -1;
     const int64_t first = driver.KadrsRead();
     const int32_t channels = driver.NextInputData().Channels;
-    const int32_t kadrs = driver.GetData(samples.data(), count, remaining);
+    int32_t kadrs = 0;
+    Call([&] { kadrs = driver.GetData(samples.data(), count, remaining); });
     Expect(kadrs >= 0 && remaining >= 0 && (kadrs == 0 || (count == kadrs * channels && count <= room)), "GetData");
     Take(samples.data(), first, kadrs);
 }
@@ -228,7 +255,7 @@ void Host::ReadInputData() {
     const InputDataShape shape = driver.NextInputData();
     std::vector<int16_t> data(static_cast<size_t>(shape.Channels) * static_cast<size_t>(shape.Kadrs + 1));
     const int64_t first = driver.KadrsRead();
-    driver.TakeInputData(shape, data.data());
+    Call([&] { driver.TakeInputData(shape, data.data()); });
     Take(data.data() + shape.Channels, first, shape.Kadrs);
 }
 
@@ -240,7 +267,7 @@ void Host::SelectChannels() {
     std::vector<int16_t> table(static_cast<size_t>(Chance_.OneIn(3) ? Chance_.Below(100) : Chance_.Below(5)));
     for (int16_t& channel : table) channel = AnyInt16(Chance_);
     if (Chance_.OneIn(3)) table = FirstChannels(static_cast<int>(Chance_.From(1, 32)));
-    Any().SetInputChannels(table);
+    Call([&] { Any().SetInputChannels(table); });
 }
 
 void Host::SetRate() {
@@ -277,8 +304,9 @@ void Host::AskAnything() {
 
 void Host::ReadNow() {
     DriverObject& driver = Any();
-    driver.GetChannel(AnyInt16(Chance_));
-    Expect(driver.GetKadr().size() == driver.InputChannels().size(), "GetKadr");
+    Call([&] { driver.GetChannel(AnyInt16(Chance_)); });
+    std::vector<int16_t> kadr;
+    if (Call([&] { kadr = driver.GetKadr(); })) Expect(kadr.size() == driver.InputChannels().size(), "GetKadr");
 }
 
 void Host::ChooseDevice() {

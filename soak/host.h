@@ -1,11 +1,13 @@
 // A host that does anything at any time, on a thread of its own: it calls members with senseless arguments, starts,
-// stops, dawdles, makes and releases objects, and meets faults. What it does follows from its seed alone, whatever the
+// stops, dawdles, makes and releases objects, and meets faults and
+// shortages of memory. What it does follows from its seed alone, whatever the
 // driver answers.
 #pragma once
 
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,7 +20,7 @@
 namespace corvane::soak {
 
 struct Tally {
-    int64_t Steps = 0, Recordings = 0, Faults = 0;
+    int64_t Steps = 0, Recordings = 0, Faults = 0, Shortages = 0;
     int64_t Delivered = 0;                        // kadrs
     int64_t Compared = 0, Listed = 0, Wrong = 0;  // kadrs of one module, as KadrCheck counts them
     void Add(const Tally& other);
@@ -49,6 +51,8 @@ private:
     const Action& RandomAction();
     void Step(const Action& action);
     DriverObject& Any();  // one of the objects
+    // Calls the driver, now and then with memory that runs out meanwhile. False when the call could not be made whole.
+    bool Call(const std::function<void()>& call);
     void Expect(bool promise, const std::string& what);
     void CheckState();
     void CheckGaps();
@@ -81,6 +85,7 @@ private:
     std::vector<std::unique_ptr<DriverObject>> Objects_;
     std::optional<KadrCheck> Check_;  // of the recording in the ring
     int64_t Recorded_ = 0;            // kadrs, as last seen
+    bool MemoryLasts_ = false;
 };
 
 }  // namespace corvane::soak

@@ -110,9 +110,10 @@ std::string Rounds(int64_t seconds, uint64_t seed) {
         if (!broken.empty()) return "round " + std::to_string(round) + ": " + broken;
         if (round == 4) heap = HeapInUse();
     }
-    std::printf("soak: %llu rounds, %lld steps, %lld recordings, %lld faults\n", static_cast<unsigned long long>(round),
-                static_cast<long long>(sum.Steps), static_cast<long long>(sum.Recordings),
-                static_cast<long long>(sum.Faults));
+    std::printf("soak: %llu rounds, %lld steps, %lld recordings, %lld faults, %lld times out of memory\n",
+                static_cast<unsigned long long>(round), static_cast<long long>(sum.Steps),
+                static_cast<long long>(sum.Recordings), static_cast<long long>(sum.Faults),
+                static_cast<long long>(sum.Shortages));
     std::printf("soak: %lld kadrs delivered; of one module each: %lld compared, %lld listed as gaps, %lld wrong\n",
                 static_cast<long long>(sum.Delivered), static_cast<long long>(sum.Compared),
                 static_cast<long long>(sum.Listed), static_cast<long long>(sum.Wrong));

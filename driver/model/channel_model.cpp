@@ -90,21 +90,23 @@ void InitDefaults(DeviceInfo& device) {
 }
 
 void BuildChannelModel(DeviceInfo& device, std::span<const ModuleRecord> modules) {
-    Resize(device, MezzaninePositions * modules.size());
-    for (size_t range = 0; range < device.Ranges.size(); range++) {
+    DeviceInfo built = device;  // memory may run out before the model is whole
+    Resize(built, MezzaninePositions * modules.size());
+    for (size_t range = 0; range < built.Ranges.size(); range++) {
         const ModuleRecord& module = modules[range / MezzaninePositions];
         const size_t position = range % MezzaninePositions;
         const MezzanineInfo& mezzanine = module.Mezzanines[position];
         if (mezzanine.Name.empty()) {
-            device.Ranges[range] = "Empty";
-            device.ChannelNames[2 * range] = device.ChannelNames[2 * range + 1] = "Empty";
+            built.Ranges[range] = "Empty";
+            built.ChannelNames[2 * range] = built.ChannelNames[2 * range + 1] = "Empty";
             continue;
         }
         const std::string place = TwoDigits(module.Slot) + "_" + std::to_string(position + 1);
-        device.ChannelNames[2 * range] = place + "-1_" + mezzanine.Name;
-        device.ChannelNames[2 * range + 1] = place + "-2_" + mezzanine.Name;
-        DescribeRange(device, range, mezzanine);
+        built.ChannelNames[2 * range] = place + "-1_" + mezzanine.Name;
+        built.ChannelNames[2 * range + 1] = place + "-2_" + mezzanine.Name;
+        DescribeRange(built, range, mezzanine);
     }
+    device = std::move(built);
 }
 
 std::string LatinUnitName(const std::string& unit) {

@@ -1,13 +1,13 @@
 #include "platform/files.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
-#include <system_error>
+#include <memory>
 
 namespace corvane::platform {
 
@@ -81,12 +81,14 @@ bool ReplaceContent(const std::string& path, std::string_view bytes) {
 }
 
 std::string FirstFile(const std::string& folder, const std::string& prefix, const std::string& suffix) {
-    std::error_code failure;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, failure)) {
-        std::string name = entry.path().filename().string();
+    // Not with std::filesystem, which ends the process when memory runs out.
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.c_str()), &closedir);
+    while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) {
+        const std::string_view name = entry->d_name;
+        struct stat file;
         if (name.size() >= prefix.size() + suffix.size() && name.starts_with(prefix) && name.ends_with(suffix) &&
-            entry.is_regular_file(failure)) {
-            return name;
+            fstatat(dirfd(entries.get()), entry->d_name, &file, 0) == 0 && S_ISREG(file.st_mode)) {
+            return std::string(name);
         }
     }
     return {};

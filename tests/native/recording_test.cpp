@@ -8,25 +8,8 @@
 #include <random>
 
 #include "simulator/scenario.h"
+#include "standins/short_memory.h"
 #include "tests/native/driver_fixture.h"
-
-namespace {
-
-thread_local int FailingAllocation = 0;  // counts this thread's allocations down; the one that brings it to 0 fails
-
-}  // namespace
-
-[[gnu::noinline]] void* operator new(size_t size) {
-    void* const memory = FailingAllocation > 0 && --FailingAllocation == 0 ? nullptr : std::malloc(size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, size_t) noexcept {
-    std::free(memory);
-}
 
 namespace corvane {
 namespace {
@@ -100,6 +83,8 @@ TEST_F(RecordingTest, AnOpeningThatRunsOutOfMemoryIsMadeGoodByTheNext) {
         } catch (const std::bad_alloc&) {
         }
         unused = std::exchange(FailingAllocation, 0);
+        const int16_t last = static_cast<int16_t>(Driver->ChannelsCount() - 1);
+        ASSERT_EQ(Driver->ChannelName(last), last == 15 && !Driver->Detected() ? "M8-2" : "Empty") << allocation;
         ASSERT_TRUE(Driver->Test() || !Driver->LastError().empty()) << allocation;
         ASSERT_EQ(LtrSim_OpenConnections(), Driver->ModulesCount()) << allocation;
         ASSERT_TRUE(unused == 0 || Driver->ModulesCount() == 2);
@@ -276,7 +261,7 @@ TEST_F(RecordingTest, WaitingTakesNoProcessorTime) {
     for (const auto& [crate, fault] : rows) {
         Open(SequenceCrate({3}, "0", crate), {0}, *fault == '\0' ? 1000 : 4);
         if (*fault != '\0') AddFault(fault);
-        Driver->SetInputSizeData(1000);
+        Driver->SetInputSizeData(1024);
         ASSERT_TRUE(Driver->StartRecord()) << Driver->LastError();
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         const std::clock_t before = std::clock();
