@@ -21,7 +21,7 @@ class Corvane final : private LibraryUse,
                       public IProvideClassInfo {
 public:
     // Made with one reference, which is the caller's.
-    Corvane() : ScriptMembers(static_cast<IADC3&>(*this), static_cast<ICorvaneStatus&>(*this)) {}
+    Corvane() : ScriptMembers(static_cast<IADC3&>(*this), static_cast<ICorvaneStatus&>(*this), Driver_) {}
     Corvane(const Corvane&) = delete;
     Corvane& operator=(const Corvane&) = delete;
 

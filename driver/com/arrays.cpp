@@ -9,14 +9,6 @@ namespace corvane {
 
 namespace {
 
-ArrayOwner Create(VARTYPE type, std::span<const ULONG> sizes) {
-    std::vector<SAFEARRAYBOUND> bounds;
-    for (const ULONG size : sizes) bounds.push_back({size, 0});
-    ArrayOwner array(SafeArrayCreate(type, static_cast<UINT>(bounds.size()), bounds.data()));
-    if (!array) throw std::bad_alloc();
-    return array;
-}
-
 bool HoldsShorts(SAFEARRAY* array) {
     VARTYPE type = VT_EMPTY;
     // Hosts that fill in a descriptor of their own often leave the type out.
@@ -26,16 +18,24 @@ bool HoldsShorts(SAFEARRAY* array) {
 
 }  // namespace
 
+ArrayOwner MakeArray(VARTYPE type, std::span<const ULONG> sizes) {
+    std::vector<SAFEARRAYBOUND> bounds;
+    for (const ULONG size : sizes) bounds.push_back({size, 0});
+    ArrayOwner array(SafeArrayCreate(type, static_cast<UINT>(bounds.size()), bounds.data()));
+    if (!array) throw std::bad_alloc();
+    return array;
+}
+
 SAFEARRAY* ToArray(std::span<const int16_t> samples) {
     const ULONG size = static_cast<ULONG>(samples.size());
-    ArrayOwner array = Create(VT_I2, {&size, 1});
+    ArrayOwner array = MakeArray(VT_I2, {&size, 1});
     std::copy(samples.begin(), samples.end(), LockedElements<int16_t>(array.get()).First);
     return array.release();
 }
 
 SAFEARRAY* ToArray(std::span<const std::string> texts) {
     const ULONG size = static_cast<ULONG>(texts.size());
-    ArrayOwner array = Create(VT_BSTR, {&size, 1});
+    ArrayOwner array = MakeArray(VT_BSTR, {&size, 1});
     {
         LockedElements<BSTR> elements(array.get());
         for (size_t i = 0; i < texts.size(); i++) elements.First[i] = ToBstr(texts[i]);
@@ -45,7 +45,7 @@ SAFEARRAY* ToArray(std::span<const std::string> texts) {
 
 SAFEARRAY* ToArray(std::span<const Gap> gaps) {
     const ULONG sizes[] = {4, static_cast<ULONG>(gaps.size())};
-    ArrayOwner array = Create(VT_R8, sizes);
+    ArrayOwner array = MakeArray(VT_R8, sizes);
     {
         LockedElements<double> elements(array.get());
         double* next = elements.First;
@@ -72,7 +72,7 @@ std::vector<int16_t> FromArray(SAFEARRAY* array) {
 SAFEARRAY* TakeInputData(DriverObject& driver) {
     const InputDataShape shape = driver.NextInputData();
     const ULONG sizes[] = {static_cast<ULONG>(shape.Channels), static_cast<ULONG>(shape.Kadrs) + 1};
-    ArrayOwner array = Create(VT_I2, sizes);
+    ArrayOwner array = MakeArray(VT_I2, sizes);
     driver.TakeInputData(shape, LockedElements<int16_t>(array.get()).First);
     return array.release();
 }

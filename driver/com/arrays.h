@@ -44,6 +44,9 @@ private:
     SAFEARRAY* Array_;
 };
 
+// A new array whose dimensions have these sizes, all elements empty.
+ArrayOwner MakeArray(VARTYPE type, std::span<const ULONG> sizes);
+
 SAFEARRAY* ToArray(std::span<const int16_t> samples);
 SAFEARRAY* ToArray(std::span<const std::string> texts);
 

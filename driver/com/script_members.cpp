@@ -10,7 +10,7 @@ namespace corvane {
 namespace {
 
 // Dispatch identifiers, as IADC3's description has them.
-constexpr DISPID GetADC3Member = 0x60030031, InputChannelsMember = 21, GetDataMember = 27;
+constexpr DISPID GetADC3Member = 0x60030031, InputChannelsMember = 21, InputDataMember = 26, GetDataMember = 27;
 
 // ICorvaneStatus has identifiers that no member of IADC3 can have.
 constexpr DISPID FirstStatusMember = 101, LastStatusMember = 109;
@@ -31,21 +31,37 @@ void GiveBack(VARIANT& argument, LONG number) {
     }
 }
 
+// An array of VARIANT with these dimensions, of the samples that `take` writes. It takes them when all memory is there:
+// none is lost for want of it.
+template <class Take>
+ArrayOwner TakeReadable(std::span<const ULONG> sizes, Take take) {
+    ArrayOwner array = MakeArray(VT_VARIANT, sizes);
+    size_t count = 1;
+    for (const ULONG size : sizes) count *= size;
+    std::vector<int16_t> samples(count);
+    const LockedElements<VARIANT> elements(array.get());
+    take(samples.data());
+    for (size_t i = 0; i < count; i++) {
+        elements.First[i].vt = VT_I2;
+        elements.First[i].iVal = samples[i];
+    }
+    return array;
+}
+
 // GetData for a script, whose variable can't be the plain buffer that IADC3 needs: the variable gets an array of the
 // samples read, at most `Count`.
-void GetDataIntoVariable(IADC3& driver, const DISPPARAMS& parameters, VARIANT* result) {
+void GetDataIntoVariable(DriverObject& driver, const DISPPARAMS& parameters, VARIANT* result) {
     VARIANT& remainingArgument = parameters.rgvarg[0];
     VARIANT& countArgument = parameters.rgvarg[1];
     VARIANT& dataArgument = parameters.rgvarg[2];
-    LONG count = ReadLong(countArgument), unread = 0, remaining = 0, kadrs = 0;
-    Check(driver.get_InputCountData(&unread));
-    count = std::min(count, unread);
-    std::vector<short> samples(static_cast<size_t>(std::max(count, 1L)));
-    Check(driver.GetData(samples.data(), &count, &remaining, &kadrs));
+    int32_t count = std::clamp(ReadLong(countArgument), 0, driver.InputCountData()), remaining = 0, kadrs = 0;
+    count -= count % driver.NextInputData().Channels;
+    const ULONG size = static_cast<ULONG>(count);
     OwnedVariant data;
-    data.parray = ToArray(std::span(samples).first(static_cast<size_t>(std::max(count, 0L))));
-    data.vt = VT_ARRAY | VT_I2;
-    MakeReadable(data);
+    data.parray = TakeReadable({&size, 1}, [&](int16_t* samples) {
+                      kadrs = driver.GetData(samples, count, remaining);
+                  }).release();
+    data.vt = VT_ARRAY | VT_VARIANT;
     VariantClear(dataArgument.pvarVal);
     std::swap(*dataArgument.pvarVal, static_cast<VARIANT&>(data));
     GiveBack(countArgument, count);
@@ -53,6 +69,14 @@ void GetDataIntoVariable(IADC3& driver, const DISPPARAMS& parameters, VARIANT* r
     if (result == nullptr) return;
     result->vt = VT_I4;
     result->lVal = kadrs;
+}
+
+// InputData for a script.
+void TakeInputDataInto(DriverObject& driver, VARIANT& result) {
+    const InputDataShape shape = driver.NextInputData();
+    const ULONG sizes[] = {static_cast<ULONG>(shape.Channels), static_cast<ULONG>(shape.Kadrs) + 1};
+    result.parray = TakeReadable(sizes, [&](int16_t* samples) { driver.TakeInputData(shape, samples); }).release();
+    result.vt = VT_ARRAY | VT_VARIANT;
 }
 
 // True when the call is GetData with a script's variable. False for other members and for a short by reference, which
@@ -68,6 +92,12 @@ bool IsScriptsGetData(DISPID id, WORD flags, const DISPPARAMS& parameters, UINT*
     if (type == (VT_BYREF | VT_I2)) return false;
     if (argument != nullptr) *argument = Data;
     throw Failure{DISP_E_TYPEMISMATCH};
+}
+
+// True when the call asks for InputData and has use for it. Other calls are answered as the interface's own dispatch
+// answers them.
+bool IsScriptsInputData(DISPID id, WORD flags, const DISPPARAMS& parameters, const VARIANT* result) {
+    return id == InputDataMember && (flags & DISPATCH_PROPERTYGET) != 0 && parameters.cArgs == 0 && result != nullptr;
 }
 
 // True when a table of channels is set while a recording runs, which ignores it.
@@ -112,7 +142,7 @@ HRESULT TypedMembers::Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags
 HRESULT ScriptMembers::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) {
     const HRESULT own = Dual::GetIDsOfNames(reserved, names, count, locale, ids);
     if (own != DISP_E_UNKNOWNNAME || count == 0 || ids[0] != DISPID_UNKNOWN) return own;
-    const HRESULT drivers = Driver_.GetIDsOfNames(reserved, names, count, locale, ids);
+    const HRESULT drivers = Members_.GetIDsOfNames(reserved, names, count, locale, ids);
     if (drivers != DISP_E_UNKNOWNNAME || ids[0] != DISPID_UNKNOWN) return drivers;
     return Status_.GetIDsOfNames(reserved, names, count, locale, ids);
 }
@@ -128,15 +158,17 @@ HRESULT ScriptMembers::Invoke(DISPID id, REFIID reserved, LCID locale, WORD flag
             // Some script engines can't tell a value from a reference when they assign, and set both flags.
             constexpr WORD Puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
             const WORD asked = (flags & Puts) != 0 ? WORD{DISPATCH_PROPERTYPUT} : flags;
-            if (IsLateTable(Driver_, id, asked, *parameters)) return;
+            if (IsLateTable(Members_, id, asked, *parameters)) return;
             if (IsStatusMember(id)) {
                 InvokeWithValues(Status_, id, asked, *parameters, result, exception, argument);
             } else if (IsScriptsGetData(id, asked, *parameters, argument)) {
                 GetDataIntoVariable(Driver_, *parameters, result);
+            } else if (IsScriptsInputData(id, asked, *parameters, result)) {
+                TakeInputDataInto(Driver_, *result);
             } else if (id == GetDataMember) {
-                Check(Driver_.Invoke(id, reserved, locale, asked, parameters, result, exception, argument));
+                Check(Members_.Invoke(id, reserved, locale, asked, parameters, result, exception, argument));
             } else {
-                InvokeWithValues(Driver_, id, asked, *parameters, result, exception, argument);
+                InvokeWithValues(Members_, id, asked, *parameters, result, exception, argument);
             }
         },
         parameters);

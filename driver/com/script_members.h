@@ -6,6 +6,7 @@
 
 #include "driver/com/automation.h"
 #include "driver/com/identifiers.h"
+#include "driver/driver_object.h"
 
 namespace corvane {
 
@@ -31,13 +32,15 @@ public:
                                      VARIANT* result, EXCEPINFO* exception, UINT* argument) override;
 
 protected:
-    // The interfaces belong to the same object.
-    ScriptMembers(IADC3& driver, ICorvaneStatus& status) : Driver_(driver), Status_(status) {}
+    // The interfaces belong to the same object, and what they do to `driver`.
+    ScriptMembers(IADC3& members, ICorvaneStatus& status, DriverObject& driver)
+        : Members_(members), Status_(status), Driver_(driver) {}
     ~ScriptMembers() = default;
 
 private:
-    IADC3& Driver_;
+    IADC3& Members_;
     ICorvaneStatus& Status_;
+    DriverObject& Driver_;
 };
 
 }  // namespace corvane

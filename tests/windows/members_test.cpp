@@ -192,6 +192,54 @@ TEST_F(Scripts, ArraysGoOutAsVariants) {
     VariantClear(&list);
 }
 
+// Leaves no piece of this process's address space larger than 1 MB but one.
+class ScarceMemory {
+public:
+    ScarceMemory() {
+        for (size_t size = 512 * MiB; size >= MiB; size /= 2) {
+            while (void* piece = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS)) Taken_.push_back(piece);
+        }
+        VirtualFree(Taken_.back(), 0, MEM_RELEASE);
+        Taken_.pop_back();
+    }
+    ~ScarceMemory() {
+        for (void* piece : Taken_) VirtualFree(piece, 0, MEM_RELEASE);
+    }
+    ScarceMemory(const ScarceMemory&) = delete;
+
+private:
+    static constexpr size_t MiB = 1024 * 1024;
+    std::vector<void*> Taken_;
+};
+
+// An array of VARIANT takes eight times the memory of the samples in it.
+TEST_F(Scripts, WhatThereIsNoMemoryForStaysUnread) {
+    ASSERT_TRUE(OpenSequence(2));
+    ASSERT_EQ(S_OK, Driver->put_InputSizeData(4096));
+    ASSERT_TRUE(Start(1000));
+    ASSERT_TRUE(WaitForKadrs(4096));
+    ASSERT_EQ(S_OK, Driver->StopRecord());
+    VARIANT data = {}, count = {}, remaining = {}, kadrs = {};
+    count.vt = VT_I4;
+    count.lVal = 4096 * 32;
+    HRESULT results[2] = {};
+    {
+        const ScarceMemory scarce;
+        results[0] = Invoke(L"InputData", Get, {}, &data);
+        results[1] = Invoke(L"GetData", Get, {Reference(data), count, Reference(remaining)}, &kadrs);
+    }
+    EXPECT_TRUE(results[0] == E_OUTOFMEMORY && results[1] == E_OUTOFMEMORY) << results[0] << ' ' << results[1];
+    EXPECT_EQ(4096, Read(Driver.Get(), &IADC3::get_InputCountKadrs));
+    ASSERT_EQ(S_OK, Invoke(L"InputData", Get, {}, &data));
+    VARIANT first = {}, last = {};
+    LONG at[] = {16, 1};
+    EXPECT_EQ(S_OK, SafeArrayGetElement(data.parray, at, &first));
+    at[1] = 4096;
+    EXPECT_EQ(S_OK, SafeArrayGetElement(data.parray, at, &last));
+    EXPECT_EQ(4095, last.iVal - first.iVal);
+    VariantClear(&data);
+}
+
 // An array that was never allocated is an empty one; while a recording runs no table counts, and none is a mistake.
 TEST_F(Scripts, NullTablesAreEmptyAndARecordingKeepsItsOwn) {
     ASSERT_TRUE(OpenSequence(1));
