@@ -54,6 +54,7 @@ sub breaks_of {
     while ($code =~ /(?<![\w.'])(\d+)(?=[uU]?\b)(?![.'xX\w])/g) {  # whole decimal numbers
         my ($at, $number) = ($-[1], $1);
         my $time = $line =~ m{//\s*(ms|us|s)\b|\bSleepMs\(|\bchrono::};  # nobody can notice one millisecond more
+        next if $time && $number == 0;
         $put->($at, length $number, $time ? $number * 10 : $number + 1);
         $put->($at, length $number, $time ? int($number / 10) : $number - 1) if $number > 0;
     }

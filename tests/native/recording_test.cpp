@@ -257,7 +257,7 @@ TEST_F(RecordingTest, GapsAreExactToTheKadr) {
 // Whoever is waited for: the host, the START mark, a module whose receives fail at once.
 TEST_F(RecordingTest, WaitingTakesNoProcessorTime) {
     const std::pair<const char*, const char*> rows[] = {
-        {"", ""}, {"start_marks = \"never\"", ""}, {"", "call = \"LTR27_Recv\"\nerror = -12"}};
+        {"", ""}, {"start_marks = \"never\"", ""}, {"type = \"LTR010\"", "call = \"LTR27_Recv\"\nerror = -12"}};
     for (const auto& [crate, fault] : rows) {
         Open(SequenceCrate({3}, "0", crate), {0}, *fault == '\0' ? 1000 : 4);
         if (*fault != '\0') AddFault(fault);
@@ -346,13 +346,16 @@ TEST_F(RecordingTest, UnpluggingGoesOnAndStopsInTime) {
     EXPECT_TRUE(Driver->Test());
 }
 
-TEST_F(RecordingTest, WhatCameDuringADelayIsTakenAtOnce) {
+TEST_F(RecordingTest, WhatCameDuringADelayIsTakenAtOnceAndNothingTwice) {
     Open(SequenceCrate({3}, "1.0", "type = \"LTR010\""), {0}, 1000);
-    AddFault("call = \"LTR27_Recv\"\nafter = 2\ntimes = 1\ndelay = 1");
+    AddFault("call = \"LTR27_Recv\"\nafter = 2\ntimes = 1\ndelay = 0.7");
     const auto start = Clock::now();
     ASSERT_TRUE(Driver->StartRecord());
-    std::this_thread::sleep_for(std::chrono::milliseconds(1400));
-    EXPECT_NEAR(Driver->InputCountKadrs(), MillisecondsSince(start), 300);
+    for (const char* then : {"unplug = true", ""}) {
+        std::this_thread::sleep_until(start + std::chrono::milliseconds(*then == '\0' ? 1300 : 900));
+        EXPECT_NEAR(Driver->InputCountKadrs(), MillisecondsSince(start), 250) << then;
+        if (*then != '\0') AddFault(then);
+    }
     StopWhole();
 }
 
