@@ -12,15 +12,10 @@ namespace corvane {
 
 namespace {
 
+// The table is in order.
 void ChooseUsedModules(EngineState& engine, const std::vector<int16_t>& table) {
-    engine.FirstUsed = engine.OpenedCount;
-    engine.LastUsed = -1;
-    for (const int16_t channel : table) {
-        const auto index = static_cast<int16_t>(channel / ModuleChannels);
-        if (index >= engine.OpenedCount) continue;
-        engine.FirstUsed = std::min(engine.FirstUsed, index);
-        engine.LastUsed = std::max(engine.LastUsed, index);
-    }
+    engine.FirstUsed = static_cast<int16_t>(table.front() / ModuleChannels);
+    engine.LastUsed = static_cast<int16_t>(std::min(table.back() / ModuleChannels, engine.OpenedCount - 1));
 }
 
 void SizeBlocks(EngineState& engine, float rate) {
@@ -28,8 +23,8 @@ void SizeBlocks(EngineState& engine, float rate) {
     engine.BlockKadrs = BlockKadrsFor(rate);
     engine.BlockWords = ModuleChannels * engine.BlockKadrs;
     engine.RecvTimeout = RecvTimeoutFor(rate, engine.BlockKadrs);
-    engine.ReceiveBuffer.assign(static_cast<size_t>(engine.BlockWords), 0);
-    engine.MarkBuffer.assign(static_cast<size_t>(engine.BlockWords), 0);
+    engine.ReceiveBuffer.resize(static_cast<size_t>(engine.BlockWords));
+    engine.MarkBuffer.resize(static_cast<size_t>(engine.BlockWords));
 }
 
 bool ConfigureUsedModules(EngineState& engine, std::string& lastError) {
