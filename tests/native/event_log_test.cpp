@@ -80,7 +80,7 @@ TEST_F(EventLog, IsKeptWhereItExistsAndTellsTheRoadOfARecording) {
     EXPECT_EQ(std::string::npos, text.find("device closed")) << text;
 }
 
-TEST_F(EventLog, TellsTheEndOnceAndTheFirstHundredGaps) {
+TEST_F(EventLog, TellsEachEndOnceAndTheFirstHundredGaps) {
     std::ofstream(Path).flush();
     Configure(SequenceCrate({3}, "0"));
     AddFault("call = \"LTR27_ProcessData\"\nvalue = nan");  // one kadr of each block
@@ -88,11 +88,18 @@ TEST_F(EventLog, TellsTheEndOnceAndTheFirstHundredGaps) {
     Driver->SetRate(1000);
     EXPECT_TRUE(Driver->StartRecord());
     EXPECT_FALSE(Take(120 * 64).empty());
-    AddFault("call = \"LTR27_Recv\"\nstall = true");  // the thread ends only while the device is closed
-    Driver.reset();
+    StopWhole();
     EXPECT_EQ(Count("gap: slot 3, 1 kadrs from "), 100);
-    EXPECT_EQ(Count("device closed"), 1);
     EXPECT_EQ(Count("recording ended: \\d+ kadrs, of which the host has 7680; gaps: 1[2-9]\\d\r\n"), 1) << Text();
+    // Threads that end only after the stop: before the next start, and while the device is closed.
+    AddFault("call = \"LTR27_Recv\"\nstall = true");
+    EXPECT_TRUE(Driver->StartRecord());
+    Driver->StopRecord();
+    EXPECT_TRUE(Eventually([&] { return Driver->StartRecord(); }));
+    Driver.reset();
+    EXPECT_EQ(Count("recording ended"), 3);
+    EXPECT_GE(Count("recording not started. Please wait"), 1);
+    EXPECT_EQ(Count("device closed"), 1);
 }
 
 TEST_F(EventLog, IsBoundedAndHarmlessWhereItCanNotBeWritten) {

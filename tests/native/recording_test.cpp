@@ -129,8 +129,11 @@ TEST_F(RecordingTest, StartNeedsAnOpenDeviceAndTheEndOfThePreviousThread) {
     EXPECT_EQ(state.Engine.Modules[0].Handle.FrequencyDivisor, 249);  // and its record
     EXPECT_TRUE(Eventually([] { return LtrSim_RunningModules() == 0; }));
     EXPECT_EQ(LtrSim_Calls("LTR27_Recv"), 1);  // the other module's turn never came
+    Driver->SetRate(4);
+    LtrSim_ClearFaults();
     EXPECT_TRUE(Eventually([&] { return Driver->StartRecord(); }));
-    StopWhole();
+    Driver->StopRecord();
+    EXPECT_EQ(LtrSim_RunningModules(), 0) << "a stop waits for a thread that ends in time";
 }
 
 TEST_F(RecordingTest, ChannelsOfBothModulesLandInTheirPlaces) {
@@ -214,6 +217,15 @@ TEST_F(RecordingTest, ShortReceivesArePaddedAndNeverShiftChannels) {
         EXPECT_EQ(kadr[1], padded ? 0 : -16384) << k;
         EXPECT_EQ(KadrNumber(kadr[3]), k == 2 * 64 + 37 ? 16384 : number) << k;
     }
+    // A recording that ends inside a kadr leaves nothing to the next one.
+    AddFault("call = \"LTR27_Recv\"\nshort = 601");
+    EXPECT_FALSE(Record(64).empty());
+    LtrSim_ClearFaults();
+    const std::vector<int16_t> next64 = Record(64);
+    for (size_t k = 0; k < next64.size() / 4; k++) EXPECT_EQ(KadrNumber(next64[4 * k]), k);
+    EXPECT_EQ(next64.size(), 4u * 64);
+    AddFault("call = \"LTR27_Recv\"\nerror = -12");
+    EXPECT_EQ(Record(64), std::vector<int16_t>(size_t{4} * 64, -16384)) << "nothing was ever measured";
 }
 
 TEST_F(RecordingTest, GapsAreExactToTheKadr) {
