@@ -119,7 +119,7 @@ std::string Rounds(int64_t seconds, uint64_t seed) {
                 static_cast<long long>(sum.Listed), static_cast<long long>(sum.Wrong));
     const int64_t growth = HeapInUse() - heap;
     std::printf("soak: memory growth %lld bytes\n", static_cast<long long>(growth));
-    if (growth > 16384) return "memory grows";
+    if (growth > 2048) return "memory grows";
     return "";
 }
 
