@@ -104,8 +104,9 @@ TEST_F(DeviceTest, WithoutAWindowACrateIsChosenByItsSerialNumber) {
 TEST_F(DeviceTest, SingleReadingsAreFreshEvery400Milliseconds) {
     ASSERT_TRUE(Driver->Test());
     Select({0, 14, 16});
-    EXPECT_EQ(Driver->GetChannel(24), 0);  // right after opening nothing was read yet
-    std::this_thread::sleep_for(std::chrono::milliseconds(410));
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    EXPECT_EQ(Driver->GetChannel(24), 0);  // so soon after opening nothing was read yet
+    std::this_thread::sleep_for(std::chrono::milliseconds(210));
     const int before = LtrSim_Calls("LTR27_Recv");
     // The first kadr of a fresh start has number 0; an empty position and a missing channel give 0.
     EXPECT_EQ(Driver->GetChannel(24), -16384);
@@ -121,8 +122,13 @@ TEST_F(DeviceTest, SingleReadingsAreFreshEvery400Milliseconds) {
     EXPECT_EQ(Driver->GetChannel(0), 0);
     EXPECT_EQ(LtrSim_Calls("LTR27_ADCStop"), stops);
     StopWhole();
-    AddFault("call = \"LTR27_Recv\"\nshort = 8");  // half a kadr is no reading
+    AddFault("call = \"LTR27_Recv\"\nslot = 3\nshort = 8");  // half a kadr is no reading
+    AddFault("call = \"LTR27_Recv\"\nstall = true");         // and a silent module no reason to wait long
+    const int received = LtrSim_Calls("LTR27_Recv");
+    const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(Driver->GetKadr(), (std::vector<int16_t>{-16384, 0, -16384}));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(400));
+    EXPECT_EQ(LtrSim_Calls("LTR27_Recv"), received + 2);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <new>
 #include <random>
 
+#include "engine/acquisition.h"
 #include "simulator/scenario.h"
 #include "standins/short_memory.h"
 #include "tests/native/driver_fixture.h"
@@ -109,6 +110,18 @@ TEST_F(RecordingTest, AStartThatRunsOutOfMemoryLeavesNothingRunning) {
         ASSERT_TRUE(started || !State().Engine.Thread.Running()) << allocation;
         ASSERT_TRUE(started || unused == 0) << "only the log does without its memory";
     }
+}
+
+TEST_F(RecordingTest, AThreadThatHasNoMemoryEndsTheRecording) {
+    Open(SequenceCrate({3, 5}, "1.0"), {0, 16}, 1000);
+    ASSERT_TRUE(Driver->StartRecord());
+    StopWhole();
+    EngineState& engine = State().Engine;
+    engine.Busy = true;
+    FailingAllocation = 1;
+    AcquisitionThread(&engine);
+    EXPECT_EQ(FailingAllocation, 0);
+    EXPECT_FALSE(engine.Busy);
 }
 
 TEST_F(RecordingTest, StartNeedsAnOpenDeviceAndTheEndOfThePreviousThread) {
