@@ -93,10 +93,12 @@ TEST_F(EventLog, TellsEachEndOnceAndTheFirstHundredGaps) {
     EXPECT_EQ(Count("recording ended: \\d+ kadrs, of which the host has 7680; gaps: 1[2-9]\\d\r\n"), 1) << Text();
     // Threads that end only after the stop: before the next start, and while the device is closed.
     AddFault("call = \"LTR27_Recv\"\nstall = true");
-    EXPECT_TRUE(Driver->StartRecord());
-    Driver->StopRecord();
-    EXPECT_TRUE(Eventually([&] { return Driver->StartRecord(); }));
-    Driver.reset();
+    for (const bool closes : {false, true}) {
+        EXPECT_TRUE(Eventually([&] { return Driver->StartRecord(); }));
+        const int calls = LtrSim_Calls("LTR27_Recv");
+        EXPECT_TRUE(Eventually([&] { return LtrSim_Calls("LTR27_Recv") > calls; }));
+        closes ? Driver.reset() : Driver->StopRecord();
+    }
     EXPECT_EQ(Count("recording ended"), 3);
     EXPECT_GE(Count("recording not started. Please wait"), 1);
     EXPECT_EQ(Count("device closed"), 1);

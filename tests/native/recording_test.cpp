@@ -145,6 +145,7 @@ TEST_F(RecordingTest, StartNeedsAnOpenDeviceAndTheEndOfThePreviousThread) {
     Driver->SetRate(4);
     LtrSim_ClearFaults();
     EXPECT_TRUE(Eventually([&] { return Driver->StartRecord(); }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
     Driver->StopRecord();
     EXPECT_EQ(LtrSim_RunningModules(), 0) << "a stop waits for a thread that ends in time";
 }
