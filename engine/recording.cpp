@@ -102,6 +102,7 @@ bool Start(EngineState& engine, InputState& input, const CrateInfo& crate, std::
         lastError = "Please wait end of previous thread of recording!";
         return false;
     }
+    LogEnded(engine);
     lastError.clear();
     if (!(input.Rate > 0)) {
         lastError = "The Sampling Rate is not selected!";
@@ -118,7 +119,6 @@ bool Start(EngineState& engine, InputState& input, const CrateInfo& crate, std::
 }  // namespace
 
 bool StartRecording(EngineState& engine, InputState& input, const CrateInfo& crate, std::string& lastError) {
-    LogEnded(engine);
     const bool started = Start(engine, input, crate, lastError);
     if (!started) platform::LogEvent([&] { return "recording not started. " + lastError; });
     return started;
