@@ -232,7 +232,8 @@ TEST_F(RecordingTest, ShortReceivesArePaddedAndNeverShiftChannels) {
         EXPECT_EQ(KadrNumber(kadr[3]), k == 2 * 64 + 37 ? 16384 : number) << k;
     }
     // A recording that ends inside a kadr leaves nothing to the next one.
-    AddFault("call = \"LTR27_Recv\"\nshort = 601");
+    AddFault("call = \"LTR27_Recv\"\ntimes = 1\nshort = 601");
+    AddFault("call = \"LTR27_Recv\"\nerror = -12");
     EXPECT_FALSE(Record(64).empty());
     LtrSim_ClearFaults();
     const std::vector<int16_t> next64 = Record(64);
