@@ -72,10 +72,13 @@ void StoreSparse(const StorePlan& plan, int32_t kadrs, int16_t* ring) {
     }
 }
 
+// Sixteen channels in order may also be some of one module and the others of the next.
 bool WholeModules(const std::vector<int16_t>& table) {
     if (table.size() % ModuleChannels != 0) return false;
     for (size_t position = 0; position < table.size(); position++) {
-        if (table[position] % ModuleChannels != static_cast<int>(position % ModuleChannels)) return false;
+        const size_t channel = position % ModuleChannels;
+        const int first = table[position - channel];
+        if (first % ModuleChannels != 0 || table[position] != first + static_cast<int>(channel)) return false;
     }
     return true;
 }

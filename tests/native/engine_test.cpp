@@ -128,7 +128,10 @@ TEST_F(StoreBlockTest, EveryDoubleInEveryShapeOfTable) {
     const std::vector<int16_t> second(all.begin() + 16, all.end());
     const std::vector<int16_t> one = {0}, some = {3, 20, 22, 23, 31};
     const std::vector<int16_t> gap = {0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
-    const std::pair<std::vector<int16_t>, size_t> rows[] = {{all, 2}, {second, 1}, {one, 0}, {some, 0}, {gap, 0}};
+    std::vector<int16_t> halves(all.begin(), all.begin() + 8);  // sixteen channels, but of two modules
+    halves.insert(halves.end(), all.begin() + 24, all.end());
+    const std::pair<std::vector<int16_t>, size_t> rows[] = {{all, 2},  {second, 1}, {one, 0},
+                                                            {some, 0}, {gap, 0},    {halves, 0}};
     for (const auto& [table, wholeModules] : rows) {
         Check(table, 64, wholeModules);
         Check(table, 63, wholeModules);
