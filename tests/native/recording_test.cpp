@@ -4,12 +4,9 @@
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
-#include <new>
 #include <random>
 
-#include "engine/acquisition.h"
 #include "simulator/scenario.h"
-#include "standins/short_memory.h"
 #include "tests/native/driver_fixture.h"
 
 namespace corvane {
@@ -73,55 +70,6 @@ TEST_F(RecordingTest, StartFailuresNameTheirReasonAndLeaveNothingRunning) {
         EXPECT_FALSE(Driver->StartRecord());  // busy
         StopWhole();
     }
-}
-
-TEST_F(RecordingTest, AnOpeningThatRunsOutOfMemoryIsMadeGoodByTheNext) {
-    for (int allocation = 1, unused = 0; unused == 0; allocation++) {
-        Configure(SequenceCrate({3, 5}, "1.0"));
-        FailingAllocation = allocation;
-        try {
-            Driver->Test();
-        } catch (const std::bad_alloc&) {
-        }
-        unused = std::exchange(FailingAllocation, 0);
-        const int16_t last = static_cast<int16_t>(Driver->ChannelsCount() - 1);
-        ASSERT_EQ(Driver->ChannelName(last), last == 15 && !Driver->Detected() ? "M8-2" : "Empty") << allocation;
-        ASSERT_TRUE(Driver->Test() || !Driver->LastError().empty()) << allocation;
-        ASSERT_EQ(LtrSim_OpenConnections(), Driver->ModulesCount()) << allocation;
-        ASSERT_TRUE(unused == 0 || Driver->ModulesCount() == 2);
-        Driver.reset();
-        ASSERT_EQ(LtrSim_OpenConnections(), 0) << allocation;
-    }
-}
-
-TEST_F(RecordingTest, AStartThatRunsOutOfMemoryLeavesNothingRunning) {
-    for (int allocation = 1, unused = 0; unused == 0; allocation++) {
-        Open(SequenceCrate({3, 5}, "1.0"), {0, 16}, 1000);
-        State().Crate.Serial = "no crate has such a long one";  // takes memory when the START mark is asked for
-        bool started = false;
-        FailingAllocation = allocation;
-        try {
-            started = Driver->StartRecord();
-        } catch (const std::bad_alloc&) {
-        }
-        unused = std::exchange(FailingAllocation, 0);
-        ASSERT_EQ(Driver->Busy(), started) << allocation;
-        ASSERT_EQ(LtrSim_RunningModules(), started ? 2 : 0) << allocation;
-        ASSERT_TRUE(started || !State().Engine.Thread.Running()) << allocation;
-        ASSERT_TRUE(started || unused == 0) << "only the log does without its memory";
-    }
-}
-
-TEST_F(RecordingTest, AThreadThatHasNoMemoryEndsTheRecording) {
-    Open(SequenceCrate({3, 5}, "1.0"), {0, 16}, 1000);
-    ASSERT_TRUE(Driver->StartRecord());
-    StopWhole();
-    EngineState& engine = State().Engine;
-    engine.Busy = true;
-    FailingAllocation = 1;
-    AcquisitionThread(&engine);
-    EXPECT_EQ(FailingAllocation, 0);
-    EXPECT_FALSE(engine.Busy);
 }
 
 TEST_F(RecordingTest, StartNeedsAnOpenDeviceAndTheEndOfThePreviousThread) {
