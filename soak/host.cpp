@@ -4,7 +4,9 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <new>
 #include <thread>
+#include <utility>
 
 #include "driver/lifecycle.h"
 #include "simulator/control.h"
@@ -109,16 +111,16 @@ DriverObject& Host::Any() {
 }
 
 bool Host::Call(const std::function<void()>& call) {
-    const auto allocation = static_cast<int>(Chance_.OneIn(4) ? Chance_.From(1, 60) : 0);
-    FailingAllocation = MemoryLasts_ ? 0 : allocation;
+    const bool runsOut = !MemoryLasts_ && Chance_.OneIn(4);
+    FailingAllocation = runsOut ? static_cast<int>(Chance_.From(1, 60)) : 0;
     bool whole = true;
     try {
         call();
     } catch (const std::bad_alloc&) {
         whole = false;
     }
-    const bool failed = allocation > 0 && std::exchange(FailingAllocation, 0) == 0;
-    if (failed && !MemoryLasts_) {
+    const bool failed = runsOut && std::exchange(FailingAllocation, 0) == 0;
+    if (failed) {
         Counts_.Shortages++;
         Trail_.push_back("  out of memory");
     }

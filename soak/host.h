@@ -1,7 +1,6 @@
 // A host that does anything at any time, on a thread of its own: it calls members with senseless arguments, starts,
-// stops, dawdles, makes and releases objects, and meets faults and
-// shortages of memory. What it does follows from its seed alone, whatever the
-// driver answers.
+// stops, dawdles, makes and releases objects, and meets faults and shortages of memory. What it does follows from its
+// seed alone, whatever the driver answers.
 #pragma once
 
 #include <chrono>
@@ -85,7 +84,7 @@ private:
     std::vector<std::unique_ptr<DriverObject>> Objects_;
     std::optional<KadrCheck> Check_;  // of the recording in the ring
     int64_t Recorded_ = 0;            // kadrs, as last seen
-    bool MemoryLasts_ = false;
+    bool MemoryLasts_ = false;        // no call runs out of it
 };
 
 }  // namespace corvane::soak
