@@ -36,6 +36,10 @@ int32_t LTRSIM_CALL LtrSim_Calls(const char* function) {
     return Guarded(-1, [&](World& world) { return function ? world.Calls(function) : -1; });
 }
 
+int32_t LTRSIM_CALL LtrSim_DelayedCalls() {
+    return Guarded(-1, [](World& world) { return world.DelayedCalls(); });
+}
+
 int32_t LTRSIM_CALL LtrSim_OpenConnections() {
     return Guarded(-1, [](World& world) { return world.OpenConnections(); });
 }

@@ -27,6 +27,9 @@ int32_t LTRSIM_CALL LtrSim_Violations();
 // Calls of one exported function ("LTR27_Recv") since the last LtrSim_Configure.
 int32_t LTRSIM_CALL LtrSim_Calls(const char* function);
 
+// Calls that a fault's delay holds at this moment.
+int32_t LTRSIM_CALL LtrSim_DelayedCalls();
+
 // Module and crate connections that are open; modules that are running.
 int32_t LTRSIM_CALL LtrSim_OpenConnections();
 int32_t LTRSIM_CALL LtrSim_RunningModules();

@@ -85,7 +85,9 @@ Verdict World::Judge(std::string_view function, const Target& target) {
     const Verdict verdict = Faults_.Judge(function, target, Elapsed(Clock::now()));
     if (verdict.Delay > 0) {
         const auto cleared = [this, begun = FaultsCleared_] { return FaultsCleared_ != begun; };
+        DelayedCalls_++;
         DelaysEnd_.wait_for(lock, std::chrono::duration<double>(verdict.Delay), cleared);
+        DelayedCalls_--;
     }
     return verdict;
 }
@@ -272,6 +274,11 @@ int32_t World::Calls(std::string_view function) {
     const std::scoped_lock lock(Mutex_);
     const auto count = CallCounts_.find(function);
     return count == CallCounts_.end() ? 0 : count->second;
+}
+
+int32_t World::DelayedCalls() {
+    const std::scoped_lock lock(Mutex_);
+    return DelayedCalls_;
 }
 
 int32_t World::OpenConnections() {

@@ -83,6 +83,7 @@ public:
     const char* BrokenReason();
     int32_t Violations();
     int32_t Calls(std::string_view function);
+    int32_t DelayedCalls();
     int32_t OpenConnections();
     int32_t RunningModules();
     int32_t LastMarkMode();
@@ -110,6 +111,7 @@ private:
     FaultList Faults_;
     int64_t FaultsCleared_ = 0;  // so often
     std::condition_variable DelaysEnd_;
+    int32_t DelayedCalls_ = 0;
     uint32_t LastId_ = 0;  // ids are never used again, so that the use of a closed record is noticed
     std::map<uint32_t, std::shared_ptr<ModuleConnection>> Modules_;
     std::map<uint32_t, std::shared_ptr<CrateLink>> Links_;

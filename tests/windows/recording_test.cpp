@@ -198,9 +198,8 @@ TEST_F(Recording, WhatADeadThreadLeftEndsWithTheLibrary) {
         std::thread([&] {
             IADC3* const driver = create().Detach();  // never released
             EXPECT_TRUE(True(driver, &IADC3::Test) && True(driver, &IADC3::StartRecord));
-            EXPECT_EQ(0, LtrSim_AddFault("call = \"LTR27_Recv\"\ntimes = 1\ndelay = 3\n"));
-            const int32_t calls = LtrSim_Calls("LTR27_Recv");
-            EXPECT_TRUE(WaitFor([&] { return LtrSim_Calls("LTR27_Recv") > calls; }, 5000));
+            EXPECT_EQ(0, LtrSim_AddFault("call = \"LTR27_Recv\"\ndelay = 1e6\n"));
+            EXPECT_TRUE(WaitFor([&] { return LtrSim_DelayedCalls() > 0; }, 5000));
         }).join();
         for (int heir = 0; heir < 5; heir++) {
             std::thread([&] { EXPECT_FALSE(True(create().Get(), &IADC3::get_Detected)); }).join();
@@ -209,6 +208,7 @@ TEST_F(Recording, WhatADeadThreadLeftEndsWithTheLibrary) {
     }
     const auto gone = [&] { return GetModuleHandleW(copy.c_str()) == nullptr; };
     EXPECT_FALSE(gone()) << "the recording thread sits in a receive";
+    LtrSim_ClearFaults();
     EXPECT_TRUE(WaitFor(gone, 8000));
     DeleteFileW(copy.c_str());
     EXPECT_EQ(0, LtrSim_RunningModules());
