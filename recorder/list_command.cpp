@@ -12,8 +12,8 @@
 namespace corvane::recorder {
 namespace {
 
-constexpr size_t Columns = 6;
-using Row = std::array<std::string, Columns>;
+constexpr size_t TableColumns = 6;
+using Row = std::array<std::string, TableColumns>;
 
 Row ChannelRow(const Channel& channel) {
     const std::string number = fmt::format("{}", channel.Number);
@@ -26,10 +26,10 @@ Row ChannelRow(const Channel& channel) {
             fmt::format("{:.6g}", channel.Offset)};
 }
 
-void AppendRow(std::string& text, const Row& row, const std::array<size_t, Columns>& widths) {
-    static constexpr bool RightAligned[Columns] = {true, false, false, false, true, true};
+void AppendRow(std::string& text, const Row& row, const std::array<size_t, TableColumns>& widths) {
+    static constexpr bool RightAligned[TableColumns] = {true, false, false, false, true, true};
     std::string line;
-    for (size_t column = 0; column < Columns; column++) {
+    for (size_t column = 0; column < TableColumns; column++) {
         const std::string padding(widths[column] - CharacterCount(row[column]), ' ');
         if (column > 0) line += "  ";
         line += RightAligned[column] ? padding + row[column] : row[column] + padding;
@@ -45,9 +45,9 @@ std::string ListDevice(HostDevice& device) {
     std::vector<Row> rows = {{Say("No"), Say("Name"), Say("Range"), Say("Unit"), Say("Samples/unit"), Say("Offset")}};
     for (const Channel& channel : channels) rows.push_back(ChannelRow(channel));
 
-    std::array<size_t, Columns> widths{};
+    std::array<size_t, TableColumns> widths{};
     for (const Row& row : rows) {
-        for (size_t column = 0; column < Columns; column++) {
+        for (size_t column = 0; column < TableColumns; column++) {
             widths[column] = std::max(widths[column], CharacterCount(row[column]));
         }
     }

@@ -21,8 +21,8 @@ namespace {
 
 constexpr double DurationMax = 10000 * 3600.0;  // s; over a year of recording is a typing mistake
 
-constexpr int64_t KadrsMax = 36000000000;  // as many as come in that time
-constexpr int64_t EveryMax = 1000000000;   // kadrs
+constexpr int64_t SamplesMax = 36000000000;  // as many as come in that time
+constexpr int64_t EveryMax = 1000000000;     // kadrs
 constexpr int64_t SplitBytesMin = 1000;
 
 [[noreturn]] void ThrowUsage(const std::string& what) {
@@ -260,7 +260,7 @@ void UnderstandMonitor(RawOptions& raw, Options& options) {
 void UnderstandRecord(RawOptions& raw, Options& options) {
     options.Action = Command::Record;
     UnderstandTask(raw, options);
-    options.Kadrs = raw.Samples.empty() ? UntilInterrupted : ParseCount("--samples", raw.Samples, KadrsMax);
+    options.Kadrs = raw.Samples.empty() ? UntilInterrupted : ParseCount("--samples", raw.Samples, SamplesMax);
     if (!raw.Duration.empty()) options.Duration = ParseDuration(raw.Duration);
     if (options.Duration && *options.Duration <= 0) ThrowUsage(Say("--duration {}: must be above 0.", raw.Duration));
     options.Csv = ParseCsvStyle(raw.Csv);

@@ -23,7 +23,7 @@ std::string Elapsed(double seconds) {
 
 std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, std::optional<int32_t> unreadKadrs,
                          size_t columns) {
-    constexpr size_t BarMin = 5, BarMax = 20, BarEnds = 3;
+    constexpr size_t Narrowest = 5, Widest = 20, Ends = 3;  // columns of a bar; its brackets and the space
     const bool endless = wantedKadrs == UntilInterrupted;
     std::string line =
         endless ? Say("{} kadrs", kadrs) : Say("{:3} %  {} of {} kadrs", kadrs * 100 / wantedKadrs, kadrs, wantedKadrs);
@@ -31,8 +31,8 @@ std::string ProgressLine(int64_t kadrs, int64_t wantedKadrs, double seconds, std
     if (unreadKadrs) line += "  " + Say("{} unread", *unreadKadrs);
     if (columns == 0) return line;
     const size_t length = ColumnsOf(line);
-    if (!endless && length + BarEnds + BarMin <= columns) {
-        const size_t bar = std::min(BarMax, columns - length - BarEnds);
+    if (!endless && length + Ends + Narrowest <= columns) {
+        const size_t bar = std::min(Widest, columns - length - Ends);
         const auto done = static_cast<size_t>(kadrs * static_cast<int64_t>(bar) / wantedKadrs);
         line.insert(0, fmt::format("[{:<{}}] ", std::string(done, '#'), bar));
     }

@@ -19,7 +19,6 @@ constexpr size_t TailMax = 4 * 1024 * 1024;  // bytes; with all gaps that a reco
 constexpr size_t MissingMax = 20000;         // runs; a recording keeps fewer gaps
 constexpr size_t OwnersMax = 8;              // of gaps that no line names
 constexpr int64_t DigitsMax = 1'000'000'000'000'000;
-constexpr size_t BlockSamples = 256 * 1024;
 
 bool IsDigit(char character) {
     return character >= '0' && character <= '9';

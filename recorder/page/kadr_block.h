@@ -11,6 +11,8 @@ namespace corvane::recorder {
 using Columns = uint64_t;
 constexpr size_t ColumnsMax = 64;
 
+constexpr size_t BlockSamples = 256 * 1024;  // about as many as are read at once
+
 // Kadrs one after another in which the same columns were not measured.
 struct MissingRun {
     int64_t Kadrs = 0;

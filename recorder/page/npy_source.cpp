@@ -7,12 +7,6 @@
 #include "recorder/taken_kadrs.h"
 
 namespace corvane::recorder {
-namespace {
-
-constexpr int64_t BlockSamples = 256 * 1024;
-
-}  // namespace
-
 std::vector<MissingFrom> RunsOf(std::span<const Gap> gaps, const std::vector<Columns>& columnsOfModule, int64_t first) {
     struct Change {
         int64_t Kadr;
@@ -61,8 +55,7 @@ ColumnPlan NpySource::Plan() const {
 
 bool NpySource::Read(KadrBlock<int16_t>& block) {
     const size_t columns = Input_.Recording().Task.Channels.size();
-    const auto width = static_cast<int64_t>(columns);
-    const int64_t kadrs = std::min(BlockSamples / width, Kadrs() - Kadr_);
+    const int64_t kadrs = std::min(static_cast<int64_t>(BlockSamples / columns), Kadrs() - Kadr_);
     block.Runs.clear();
     block.Samples.resize(static_cast<size_t>(kadrs) * columns);
     if (kadrs == 0) return false;

@@ -20,10 +20,6 @@ namespace fs = std::filesystem;
 constexpr wchar_t Component[] = L"Corvane.adc";
 constexpr wchar_t SimulatorFolder[] = L"simulator";
 
-std::string Utf8(const fs::path& path) {
-    return platform::Utf8(path.native());
-}
-
 fs::path FolderOf(const Options& options) {
     if (!options.DriverFolder.empty()) return fs::absolute(platform::Wide(options.DriverFolder)).lexically_normal();
     std::wstring path(32768, L'\0');  // the longest there is
@@ -59,14 +55,15 @@ void ShowDrivers() {
         const Text users = each.OneUser ? Text(", registered for this user only") : Text(", registered for all users");
         const Text place = each.Hosts64 ? Text(", among 64-bit entries") : Text();
         const Text gone = fs::exists(each.File, unknown) ? Text() : Text("; THE FILE IS GONE");
-        Print(Utf8(each.File) + SimulatedMark(HasSimulator(each.File)) + Say(users) + Say(place) + Say(gone));
+        Print(platform::Utf8(each.File.native()) + SimulatedMark(HasSimulator(each.File)) + Say(users) + Say(place) +
+              Say(gone));
     }
 }
 
 void Register(const fs::path& component, bool thisUser) {
     const bool allUsers = RegisterDriver(component, thisUser);
-    const std::string done = allUsers ? Say("{} is registered for all users.", Utf8(component))
-                                      : Say("{} is registered for this user only.", Utf8(component));
+    const std::string done = allUsers ? Say("{} is registered for all users.", platform::Utf8(component.native()))
+                                      : Say("{} is registered for this user only.", platform::Utf8(component.native()));
     Print(allUsers || thisUser ? done : done + ' ' + Say("For all users run this as administrator."));
     if (HasSimulator(component)) {
         Print(
@@ -81,7 +78,7 @@ ExitCode ShowLibraries(const fs::path& folder) {
     for (const wchar_t* name : VendorLibraryNames) {
         const std::vector<VendorLibrary> found = FindVendorLibrary(name, folder);
         for (const VendorLibrary& each : found) {
-            Print(Utf8(each.File) + ": " + ImageText(each.Kind) + SimulatedMark(each.Simulated) +
+            Print(platform::Utf8(each.File.native()) + ": " + ImageText(each.Kind) + SimulatedMark(each.Simulated) +
                   Say(each.Bound ? Text() : Text("; not where the driver looks")));
         }
         if (!found.empty() && found.front().Bound) continue;
@@ -96,7 +93,7 @@ ExitCode ShowLibraries(const fs::path& folder) {
 
 void CopyLibraries(const fs::path& folder) {
     const std::vector<fs::path> copied = CopyVendorLibraries(folder);
-    for (const fs::path& file : copied) Print(Say("{} was copied here.", Utf8(file)));
+    for (const fs::path& file : copied) Print(Say("{} was copied here.", platform::Utf8(file.native())));
     const MissingLibraries missing = FindMissingLibraries(folder);
     if (!missing.Reason.empty()) throw Failure(ExitCode::NoDriver, missing.Text());
     if (copied.empty()) Print(Say("The driver finds both libraries: nothing was copied."));

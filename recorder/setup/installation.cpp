@@ -11,17 +11,14 @@
 namespace corvane::recorder {
 namespace {
 
-std::string Utf8(const std::filesystem::path& path) {
-    return platform::Utf8(path.native());
-}
-
 constexpr Text RegisterIt = "Register the driver: ltr27rec driver --real (as administrator: for all users)";
 
 Finding ExamineRegistration(const std::vector<RegisteredDriver>& drivers) {
     Finding finding{"Registration", Health::Works, ""};
     for (const RegisteredDriver& each : drivers) {
         if (!finding.Words.empty()) finding.Words += '\n';
-        finding.Words += Utf8(each.File) + Say(each.OneUser ? Text(", for this user only") : Text(", for all users")) +
+        finding.Words += platform::Utf8(each.File.native()) +
+                         Say(each.OneUser ? Text(", for this user only") : Text(", for all users")) +
                          Say(each.Hosts64 ? Text(", among the entries for 64-bit hosts") : Text());
     }
     const auto serves = [](const RegisteredDriver& each) { return !each.Hosts64; };
@@ -42,14 +39,14 @@ Finding ExamineRegistration(const std::vector<RegisteredDriver>& drivers) {
 Finding ExamineFile(const std::filesystem::path& file) {
     std::error_code error;
     if (!std::filesystem::exists(file, error)) {
-        return {"File", Health::Fails, Say("{} is gone", Utf8(file)),
+        return {"File", Health::Fails, Say("{} is gone", platform::Utf8(file.native())),
                 Say("Install Corvane again, or register another copy. {}", Say(RegisterIt))};
     }
     if (ImageOfFile(file) != Image::Windows32) {
-        return {"File", Health::Fails, Say("{} is damaged: no 32-bit program", Utf8(file)),
+        return {"File", Health::Fails, Say("{} is damaged: no 32-bit program", platform::Utf8(file.native())),
                 Say("Install Corvane again.")};
     }
-    return {"File", Health::Works, Utf8(file)};
+    return {"File", Health::Works, platform::Utf8(file.native())};
 }
 
 Finding ExamineLibraries(const std::filesystem::path& folder) {
