@@ -363,7 +363,7 @@ TEST_F(RecordingTest, AProcessMayEndWhileItsRecordingHangs) {
     EXPECT_EXIT(hang(), testing::ExitedWithCode(3), "");
 }
 
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+#ifdef CORVANE_SANITIZED
 constexpr int64_t ManyKadrs = 1000000;
 #else
 constexpr int64_t ManyKadrs = 10000000;
