@@ -21,8 +21,8 @@ namespace {
 
 constexpr double DurationMax = 10000 * 3600.0;  // s; over a year of recording is a typing mistake
 
-constexpr int64_t SamplesMax = 36000000000;  // as many as come in that time
-constexpr int64_t EveryMax = 1000000000;     // kadrs
+constexpr int64_t SamplesMax = 36000000000;  // kadrs; as many as come in that time
+constexpr int64_t EveryMax = 1000000000;
 constexpr int64_t SplitBytesMin = 1000;
 
 [[noreturn]] void ThrowUsage(const std::string& what) {

@@ -12,7 +12,7 @@
 namespace corvane::recorder {
 namespace {
 
-constexpr size_t PieceSize = 1024 * 1024;    // bytes read at once
+constexpr size_t ReadSize = 1024 * 1024;     // bytes read at once
 constexpr size_t HeadMax = 1024 * 1024;      // bytes; a recorder writes a few kilobytes
 constexpr size_t LineMax = 64 * 1024;        // bytes of a row
 constexpr size_t TailMax = 4 * 1024 * 1024;  // bytes; with all gaps that a recording keeps it is shorter
@@ -51,8 +51,8 @@ bool CsvSource::Refill() {
     Text_.erase(0, Place_);
     Place_ = 0;
     const size_t before = Text_.size();
-    Text_.resize(before + PieceSize);
-    Text_.resize(before + std::fread(Text_.data() + before, 1, PieceSize, File_.get()));
+    Text_.resize(before + ReadSize);
+    Text_.resize(before + std::fread(Text_.data() + before, 1, ReadSize, File_.get()));
     AllRead_ = Text_.size() == before;
     return !AllRead_;
 }

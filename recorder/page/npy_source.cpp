@@ -7,6 +7,7 @@
 #include "recorder/taken_kadrs.h"
 
 namespace corvane::recorder {
+
 std::vector<MissingFrom> RunsOf(std::span<const Gap> gaps, const std::vector<Columns>& columnsOfModule, int64_t first) {
     struct Change {
         int64_t Kadr;

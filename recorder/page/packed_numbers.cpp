@@ -5,7 +5,7 @@
 namespace corvane::recorder {
 namespace {
 
-constexpr size_t PackedSize = 30000;  // bytes; a multiple of three
+constexpr size_t PieceSize = 30000;  // bytes; a multiple of three
 
 // Small differences of either sign become small numbers.
 uint32_t WithoutSign(uint32_t difference, int bits) {
@@ -57,17 +57,17 @@ void PackedNumbers::Deflate(std::string_view bytes, int flush) {
     Stream_->avail_in = static_cast<uInt>(bytes.size());
     int result = Z_OK;
     do {
-        if (Packed_.empty() || Packed_.back().size() == PackedSize) {
+        if (Packed_.empty() || Packed_.back().size() == PieceSize) {
             Packed_.emplace_back();
-            Packed_.back().reserve(PackedSize);
+            Packed_.back().reserve(PieceSize);
         }
         std::string& piece = Packed_.back();
         const size_t before = piece.size();
-        piece.resize(PackedSize);
+        piece.resize(PieceSize);
         Stream_->next_out = reinterpret_cast<Bytef*>(piece.data() + before);
-        Stream_->avail_out = static_cast<uInt>(PackedSize - before);
+        Stream_->avail_out = static_cast<uInt>(PieceSize - before);
         result = deflate(Stream_.get(), flush);
-        piece.resize(PackedSize - Stream_->avail_out);
+        piece.resize(PieceSize - Stream_->avail_out);
         Size_ += piece.size() - before;
     } while (Stream_->avail_in > 0 || (flush == Z_FINISH && result != Z_STREAM_END));
 }
